@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/core/ProgrammingFault.h"
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+namespace vantle {
+
+/// The cases of an enumeration with their display strings, in the enumeration's order. The single source
+/// for lists of choices, display texts, and the strings in preset files.
+template <class Enumeration, std::size_t Size>
+struct EnumerationTable
+{
+    struct Case
+    {
+        Enumeration value;
+        QLatin1StringView text;
+    };
+
+    const char *unexpectedValue; ///< the fault's text when a value is none of the cases
+    std::array<Case, Size> cases;
+
+    [[nodiscard]] QList<Enumeration> values() const
+    {
+        QList<Enumeration> result;
+        for (const Case &c : cases)
+            result.append(c.value);
+        return result;
+    }
+
+    [[nodiscard]] QList<int> rawValues() const
+    {
+        QList<int> result;
+        for (const Case &c : cases)
+            result.append(static_cast<int>(c.value));
+        return result;
+    }
+
+    [[nodiscard]] QStringList texts() const
+    {
+        QStringList result;
+        for (const Case &c : cases)
+            result.append(c.text);
+        return result;
+    }
+
+    [[nodiscard]] std::optional<Enumeration> fromRawValue(qint64 rawValue) const
+    {
+        for (const Case &c : cases) {
+            if (static_cast<qint64>(c.value) == rawValue)
+                return c.value;
+        }
+        return std::nullopt;
+    }
+
+    /// Exact and case-sensitive; the first case with the text.
+    [[nodiscard]] std::optional<Enumeration> fromText(QStringView text) const
+    {
+        for (const Case &c : cases) {
+            if (c.text == text)
+                return c.value;
+        }
+        return std::nullopt;
+    }
+
+    /// The case's text; a value that is none of the cases stops the process.
+    [[nodiscard]] QLatin1StringView text(Enumeration value) const
+    {
+        for (const Case &c : cases) {
+            if (c.value == value)
+                return c.text;
+        }
+        programmingFault(unexpectedValue);
+    }
+};
+
+} // namespace vantle

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/document/DocumentReader.h"
+
+#include "VantlePresets/document/JsonTreeBuilder.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
+
+namespace vantle::document {
+namespace {
+
+using rapidjson::Value;
+
+constexpr unsigned kParseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
+                                 rapidjson::kParseNumbersAsStringsFlag;
+
+const Value &asValue(const void *value)
+{
+    return *static_cast<const Value *>(value);
+}
+
+const Value *find(const Value &object, const char *key)
+{
+    for (auto member = object.MemberEnd(); member != object.MemberBegin();) {
+        --member;
+        if (member->name == rapidjson::StringRef(key))
+            return &member->value;
+    }
+    return nullptr;
+}
+
+QString kindOf(const Value &value)
+{
+    switch (value.GetType()) {
+    case rapidjson::kNullType:
+        return QStringLiteral("null");
+    case rapidjson::kFalseType:
+    case rapidjson::kTrueType:
+        return QStringLiteral("a boolean");
+    case rapidjson::kObjectType:
+        return QStringLiteral("an object");
+    case rapidjson::kArrayType:
+        return QStringLiteral("an array");
+    case rapidjson::kStringType:
+        return QStringLiteral("a string");
+    case rapidjson::kNumberType:
+        return QStringLiteral("a number");
+    }
+    return QStringLiteral("something unknown");
+}
+
+[[noreturn]] void mismatch(const Place &place, const char *expected, const Value &found)
+{
+    throw DecodingError(
+        place.text(),
+        QStringLiteral("expected %1, found %2").arg(QLatin1StringView(expected), kindOf(found)));
+}
+
+const Value &required(const Value &object, const Place &place)
+{
+    if (const Value *value = find(object, place.key))
+        return *value;
+    throw DecodingError(place.text(), QStringLiteral("required key is missing"));
+}
+
+qint64 toInteger(const Value &value, const Place &place)
+{
+    if (value.IsInt64())
+        return value.GetInt64();
+    if (!value.IsNumber())
+        mismatch(place, "an integer", value);
+    if (value.GetDouble() == 0) // the builder keeps minus zero as a double, for its sign
+        return 0;
+    throw DecodingError(
+        place.text(), QStringLiteral("expected an integer between -2^63 and 2^63 - 1, found another number"));
+}
+
+QString toText(const Value &value)
+{
+    return QString::fromUtf8(value.GetString(), value.GetStringLength());
+}
+
+/// "line 12, column 7" of a byte offset.
+QString lineAndColumn(QByteArrayView text, std::size_t offset)
+{
+    const QByteArrayView before = text.first(static_cast<qsizetype>(offset));
+    const qsizetype lineStart = before.lastIndexOf('\n') + 1;
+    const auto line = before.count('\n') + 1;
+    const auto column = QString::fromUtf8(before.sliced(lineStart)).toUcs4().size() + 1;
+    return QStringLiteral("line %1, column %2").arg(line).arg(column);
+}
+
+} // namespace
+
+QString Place::text() const
+{
+    const QString before = parent ? parent->text() : QString();
+    if (index >= 0)
+        return before + QStringLiteral("[%1]").arg(index);
+    if (!key)
+        return before;
+    return before.isEmpty() ? QString::fromUtf8(key) : before + QLatin1Char('.') + QString::fromUtf8(key);
+}
+
+ObjectReader::ObjectReader(const void *value, Place place) : m_value(value), m_place(place)
+{
+    if (!asValue(value).IsObject())
+        mismatch(m_place, "an object", asValue(value));
+}
+
+qint64 ObjectReader::integer(const char *key) const
+{
+    const Place place{&m_place, key};
+    return toInteger(required(asValue(m_value), place), place);
+}
+
+std::optional<qint64> ObjectReader::optionalInteger(const char *key) const
+{
+    const Value *value = find(asValue(m_value), key);
+    if (!value || value->IsNull())
+        return std::nullopt;
+    return toInteger(*value, {&m_place, key});
+}
+
+double ObjectReader::number(const char *key) const
+{
+    const Place place{&m_place, key};
+    const Value &value = required(asValue(m_value), place);
+    if (!value.IsNumber())
+        mismatch(place, "a number", value);
+    return value.GetDouble();
+}
+
+bool ObjectReader::boolean(const char *key) const
+{
+    const Place place{&m_place, key};
+    const Value &value = required(asValue(m_value), place);
+    if (!value.IsBool())
+        mismatch(place, "a boolean", value);
+    return value.GetBool();
+}
+
+QString ObjectReader::string(const char *key) const
+{
+    const Place place{&m_place, key};
+    const Value &value = required(asValue(m_value), place);
+    if (!value.IsString())
+        mismatch(place, "a string", value);
+    return toText(value);
+}
+
+std::optional<QString> ObjectReader::stringIfAny(const char *key) const
+{
+    const Value *value = find(asValue(m_value), key);
+    if (!value || !value->IsString())
+        return std::nullopt;
+    return toText(*value);
+}
+
+ArrayReader ObjectReader::array(const char *key) const
+{
+    const Place place{&m_place, key};
+    return {&required(asValue(m_value), place), place};
+}
+
+void ObjectReader::fail(const char *key, const QString &description) const
+{
+    throw DecodingError(Place{&m_place, key}.text(), description);
+}
+
+ArrayReader::ArrayReader(const void *value, Place place) : m_value(value), m_place(place)
+{
+    if (!asValue(value).IsArray())
+        mismatch(m_place, "an array", asValue(value));
+}
+
+qsizetype ArrayReader::size() const
+{
+    return static_cast<qsizetype>(asValue(m_value).Size());
+}
+
+ObjectReader ArrayReader::objectAt(qsizetype index) const
+{
+    const Value &value = asValue(m_value)[static_cast<rapidjson::SizeType>(index)];
+    return {&value, {&m_place, nullptr, index}};
+}
+
+qint64 ArrayReader::integerAt(qsizetype index) const
+{
+    const Place place{&m_place, nullptr, index};
+    return toInteger(asValue(m_value)[static_cast<rapidjson::SizeType>(index)], place);
+}
+
+struct Document::Tree
+{
+    rapidjson::Document json;
+};
+
+Document::Document(QByteArrayView text) : m_tree(std::make_unique<Tree>())
+{
+    const QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+    if (text.startsWith(byteOrderMark))
+        text = text.sliced(byteOrderMark.size());
+
+    rapidjson::MemoryStream stream(text.data(), static_cast<std::size_t>(text.size()));
+    rapidjson::Reader reader;
+    JsonTreeBuilder builder(m_tree->json);
+    auto parse = [&](rapidjson::Document &) { return !reader.Parse<kParseFlags>(stream, builder).IsError(); };
+    m_tree->json.Populate(parse);
+
+    if (reader.HasParseError()) {
+        QString reason = builder.refusal();
+        if (reason.isEmpty()) {
+            reason = QString::fromLatin1(rapidjson::GetParseError_En(reader.GetParseErrorCode()));
+            if (reason.endsWith(QLatin1Char('.')))
+                reason.chop(1);
+        }
+        throw DecodingError(lineAndColumn(text, reader.GetErrorOffset()), reason);
+    }
+    // The parser takes a NUL byte for the end of the text.
+    if (stream.Tell() < static_cast<std::size_t>(text.size()))
+        throw DecodingError(lineAndColumn(text, stream.Tell()), QStringLiteral("unexpected NUL byte"));
+}
+
+Document::~Document() = default;
+
+ObjectReader Document::root() const
+{
+    return {&static_cast<const Value &>(m_tree->json), {}};
+}
+
+} // namespace vantle::document

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+#include <functional>
+
+namespace vantle::document {
+
+enum class Format {
+    compact, ///< no white space
+    pretty,  ///< line breaks and an indentation of four blanks
+};
+
+/// Writes one JSON text, members in the order of the calls. Keys are literals of the caller's.
+class DocumentWriter
+{
+public:
+    virtual ~DocumentWriter() = default;
+
+    virtual void beginObject() = 0;
+    virtual void endObject() = 0;
+    virtual void beginArray() = 0;
+    virtual void endArray() = 0;
+    virtual void key(const char *name) = 0;
+
+    virtual void integer(const char *name, qint64 value) = 0;
+    /// Throws EncodingError when the value is infinite or not a number. The text is the shortest that
+    /// reads back as the same value, 30 as "30.0".
+    virtual void number(const char *name, double value) = 0;
+    virtual void boolean(const char *name, bool value) = 0;
+    /// A lone surrogate, which UTF-8 cannot hold, is written as U+FFFD.
+    virtual void string(const char *name, QStringView value) = 0;
+    virtual void integers(const char *name, const QList<qint64> &values) = 0;
+
+protected:
+    DocumentWriter() = default;
+    DocumentWriter(const DocumentWriter &) = default;
+    DocumentWriter &operator=(const DocumentWriter &) = default;
+};
+
+/// The UTF-8 text of what `write` writes. Passes on what it throws.
+[[nodiscard]] QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &write);
+
+} // namespace vantle::document

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/document/FileAccess.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <array>
+#include <cerrno>
+#include <random>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vantle {
+namespace {
+
+class FileFaultCategory final : public std::error_category
+{
+public:
+    const char *name() const noexcept override { return "vantle.file"; }
+
+    std::string message(int fault) const override
+    {
+        switch (static_cast<FileFault>(fault)) {
+        case FileFault::notRegular:
+            return "Not a regular file";
+        case FileFault::tooLarge:
+            return "File is larger than 64 MiB";
+        case FileFault::badName:
+            return "Not a valid file name";
+        }
+        return "Unknown file fault";
+    }
+};
+
+[[noreturn]] void throwLastError()
+{
+    throw std::system_error(errno, std::generic_category());
+}
+
+/// Repeats a system call that a signal interrupted; throws when it fails for another reason.
+template <class Call>
+auto checked(Call call)
+{
+    for (;;) {
+        const auto result = call();
+        if (result >= 0)
+            return result;
+        if (errno != EINTR)
+            throwLastError();
+    }
+}
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~Descriptor() { ::close(m_descriptor); }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+void writeAll(int file, QByteArrayView content)
+{
+    while (!content.isEmpty()) {
+        const ssize_t written =
+            checked([&] { return ::write(file, content.data(), static_cast<std::size_t>(content.size())); });
+        content = content.sliced(written);
+    }
+}
+
+std::string temporaryName()
+{
+    static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    static thread_local std::mt19937 random{std::random_device{}()};
+    std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
+    std::string name = ".vantle-";
+    for (int i = 0; i < 8; ++i)
+        name += kLetters[pick(random)];
+    return name;
+}
+
+void requireRegular(const struct stat &status)
+{
+    if (!S_ISREG(status.st_mode))
+        throw std::system_error(S_ISDIR(status.st_mode) ? make_error_code(std::errc::is_a_directory)
+                                                        : make_error_code(FileFault::notRegular));
+}
+
+} // namespace
+
+std::error_code make_error_code(FileFault fault)
+{
+    static const FileFaultCategory category;
+    return {static_cast<int>(fault), category};
+}
+
+std::filesystem::path nativePath(const QString &path)
+{
+    return path.toStdString();
+}
+
+QByteArray readFile(const std::filesystem::path &path)
+{
+    struct stat status = {};
+    // Before opening: to open a device can have effects of its own.
+    checked([&] { return ::stat(path.c_str(), &status); });
+    requireRegular(status);
+    const Descriptor file(
+        checked([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+    checked([&] { return ::fstat(file.get(), &status); });
+    requireRegular(status);
+
+    // The size is a hint only: the file may grow, and files of /proc have none.
+    QByteArray content;
+    qsizetype length = 0;
+    content.resize(std::min<qint64>(status.st_size, kMaximumFileSize) + 1);
+    for (;;) {
+        const ssize_t got = checked([&] {
+            return ::read(file.get(), content.data() + length,
+                          static_cast<std::size_t>(content.size() - length));
+        });
+        if (got == 0)
+            break;
+        length += got;
+        if (length > kMaximumFileSize)
+            throw std::system_error(make_error_code(FileFault::tooLarge));
+        if (length == content.size())
+            content.resize(std::min<qsizetype>(2 * length, kMaximumFileSize + 1));
+    }
+    content.truncate(length);
+    return content;
+}
+
+void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
+{
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const Descriptor file(checked([&] { return ::open(path.c_str(), kFlags, 0666); }));
+    writeAll(file.get(), content);
+}
+
+StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content)
+    : m_targetName(target.filename().string())
+{
+    if (m_targetName.empty() || m_targetName == "." || m_targetName == ".." ||
+        target.native().find('\0') != std::string::npos)
+        throw std::system_error(make_error_code(FileFault::badName));
+    const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
+    try {
+        createTemporary(folder);
+        writeAll(m_file, content);
+        checked([&] { return ::fsync(m_file); });
+    } catch (...) {
+        discard();
+        throw;
+    }
+}
+
+StagedFile::~StagedFile()
+{
+    discard();
+}
+
+void StagedFile::createTemporary(const std::string &folder)
+{
+    m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+
+    struct stat old = {};
+    const bool replaces =
+        ::fstatat(m_folder, m_targetName.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
+    // A replaced file's permissions are set once owner and group stand, never wider in between.
+    const mode_t mode = replaces ? 0600 : 0666;
+    do {
+        m_temporaryName = temporaryName();
+        m_file = ::openat(m_folder, m_temporaryName.c_str(),
+                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+    } while (m_file < 0 && (errno == EEXIST || errno == EINTR));
+    if (m_file < 0) {
+        m_temporaryName.clear();
+        throwLastError();
+    }
+    checked([&] { return ::flock(m_file, LOCK_EX | LOCK_NB); });
+    if (replaces)
+        adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
+}
+
+void StagedFile::adoptIdentity(mode_t mode, uid_t owner, gid_t group)
+{
+    struct stat fresh = {};
+    checked([&] { return ::fstat(m_file, &fresh); });
+    if (fresh.st_gid != group && ::fchown(m_file, static_cast<uid_t>(-1), group) != 0)
+        mode &= ~static_cast<mode_t>(S_IRWXG);
+    // Only a privileged process may give a file away; for others the writer becomes the owner.
+    if (fresh.st_uid != owner && ::fchown(m_file, owner, static_cast<gid_t>(-1)) != 0 && errno != EPERM)
+        throwLastError();
+    checked([&] { return ::fchmod(m_file, mode); });
+}
+
+void StagedFile::commit()
+{
+    checked([&] { return ::renameat(m_folder, m_temporaryName.c_str(), m_folder, m_targetName.c_str()); });
+    m_temporaryName.clear();
+    // A file system that can't sync a folder says EINVAL; the rename itself is done.
+    if (::fsync(m_folder) != 0 && errno != EINVAL)
+        throwLastError();
+}
+
+void StagedFile::discard() noexcept
+{
+    if (!m_temporaryName.empty())
+        ::unlinkat(m_folder, m_temporaryName.c_str(), 0);
+    m_temporaryName.clear();
+    for (int *descriptor : {&m_file, &m_folder}) {
+        if (*descriptor >= 0)
+            ::close(*descriptor);
+        *descriptor = -1;
+    }
+}
+
+} // namespace vantle

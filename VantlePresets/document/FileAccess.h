@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include <sys/types.h>
+
+namespace vantle {
+
+/// The largest preset file that is read, in bytes.
+inline constexpr qint64 kMaximumFileSize = qint64{64} << 20;
+
+/// What can be wrong with a file beyond what the operating system reports.
+enum class FileFault {
+    notRegular = 1, ///< a folder, FIFO, socket or device
+    tooLarge,       ///< more than kMaximumFileSize
+    badName,        ///< an empty name, or one that would leave its folder ("/", NUL, ".", "..")
+};
+[[nodiscard]] std::error_code make_error_code(FileFault fault);
+
+/// The path in the file system's bytes. Names are UTF-8 in every locale.
+[[nodiscard]] std::filesystem::path nativePath(const QString &path);
+
+/// Reads a whole regular file, through links. Never blocks on a FIFO or device. Throws std::system_error
+/// whose what() is the bare reason ("Permission denied"), with a FileFault or the system's code.
+/// Callable from any thread.
+[[nodiscard]] QByteArray readFile(const std::filesystem::path &path);
+
+/// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
+/// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.
+void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content);
+
+/// A file's new content, complete and on disk, but not yet in its place.
+///
+/// The constructor writes a hidden temporary file (".vantle-" and eight letters, locked with flock while
+/// it is in use) into the target's folder and syncs it; commit() renames it over the target and syncs the
+/// folder, so that readers and power failures find the old content or the new one, whole. Without a
+/// commit the temporary file is removed. A target that exists keeps its mode, and its owner and group as
+/// far as the process may set them; permissions for a group that could not be kept are dropped. A new
+/// file obeys the umask. A link as target is replaced, never followed.
+///
+/// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
+class StagedFile
+{
+public:
+    StagedFile(const std::filesystem::path &target, QByteArrayView content);
+    ~StagedFile();
+    StagedFile(const StagedFile &) = delete;
+    StagedFile &operator=(const StagedFile &) = delete;
+
+    void commit();
+
+private:
+    void createTemporary(const std::string &folder);
+    void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
+    void discard() noexcept;
+
+    std::string m_targetName;
+    std::string m_temporaryName;
+    int m_folder = -1;
+    int m_file = -1;
+};
+
+} // namespace vantle
+
+template <>
+struct std::is_error_code_enum<vantle::FileFault> : std::true_type
+{
+};

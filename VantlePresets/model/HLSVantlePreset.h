@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+namespace vantle {
+
+/// A preset for HTTP Live Streaming, which has no connection parameters.
+class HLSVantlePreset : public VantlePreset
+{
+    Q_OBJECT
+
+public:
+    using VantlePreset::VantlePreset;
+
+    [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withName(const QString &name);
+    static std::shared_ptr<HLSVantlePreset> withType(StreamingType type, const QString &name) = delete;
+
+    /// As the base class reads it: silent on failure, tracks with their delegate.
+    [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withFileAtPath(const QString &path);
+
+    /// Reads a whole HLS document; throws DecodingError.
+    [[nodiscard]] static std::shared_ptr<HLSVantlePreset> decode(const document::ObjectReader &root);
+};
+
+} // namespace vantle

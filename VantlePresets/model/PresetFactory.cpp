@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/model/PresetFactory.h"
+
+#include "VantlePresets/document/DocumentReader.h"
+#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/HLSVantlePreset.h"
+#include "VantlePresets/model/RTMPVantlePreset.h"
+#include "VantlePresets/model/SRTVantlePreset.h"
+
+namespace vantle {
+
+std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name)
+{
+    switch (type) {
+    case StreamingType::hls:
+        return HLSVantlePreset::withName(name);
+    case StreamingType::youTube:
+    case StreamingType::rtmp:
+    case StreamingType::wowza:
+    case StreamingType::facebook:
+        return RTMPVantlePreset::withType(type, name, false, QString());
+    case StreamingType::srt:
+        return SRTVantlePreset::withType(type, name);
+    }
+    programmingFault("unexpected StreamingType value");
+}
+
+std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
+{
+    const document::Document json(document);
+    const document::ObjectReader root = json.root();
+    // The kind alone decides the class. The class reads the shared keys first, in the same order as a
+    // reading of these keys alone would, so that the first error of a document is the same.
+    switch (streamingTypes().fromText(root.string("type")).value_or(StreamingType::hls)) {
+    case StreamingType::hls:
+        return HLSVantlePreset::decode(root);
+    case StreamingType::youTube:
+    case StreamingType::rtmp:
+    case StreamingType::wowza:
+    case StreamingType::facebook:
+        return RTMPVantlePreset::decode(root);
+    case StreamingType::srt:
+        return SRTVantlePreset::decode(root);
+    }
+    programmingFault("unexpected StreamingType value");
+}
+
+std::shared_ptr<VantlePreset> readPresetFile(const std::filesystem::path &path)
+{
+    auto preset = decodePreset(readFile(path));
+    preset->setName(presetNameFromPath(QString::fromStdString(path.string())));
+    return preset;
+}
+
+} // namespace vantle

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <filesystem>
+
+namespace vantle {
+
+/// A new preset of the kind with its defaults, as the class of that kind; for the push-to-server kinds
+/// without backup flag and stream key. A kind outside the enumeration stops the process.
+[[nodiscard]] std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name);
+
+/// Reads a document of any kind as the class of its kind; an unknown kind reads as HLS. Throws
+/// DecodingError. The name is "Untitled Preset". Callable from any thread, to which the preset belongs.
+[[nodiscard]] std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document);
+
+/// Reads a preset file of any kind; the preset is named after the file. Throws DecodingError, or
+/// std::system_error when the file can't be read. Callable from any thread, to which the preset belongs.
+[[nodiscard]] std::shared_ptr<VantlePreset> readPresetFile(const std::filesystem::path &path);
+
+} // namespace vantle

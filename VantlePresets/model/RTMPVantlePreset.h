@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+namespace vantle {
+
+/// A preset that pushes to a server: YouTube, RTMP, Wowza and Facebook.
+///
+/// YouTube and Facebook documents keep isBackup, streamKey and application; RTMP and Wowza documents do
+/// not, so these values last as long as the object only. Login and password are kept, in plain text, while
+/// authenticate is on. None of the four kinds keeps its identifier.
+class RTMPVantlePreset : public VantlePreset
+{
+    Q_OBJECT
+
+public:
+    enum class StreamingProtocol : int { rtmp = 1, rtmps = 2, rtspUDP = 3, rtspTCP = 4 };
+    Q_ENUM(StreamingProtocol)
+
+private:
+    Q_PROPERTY(bool isBackup READ isBackup WRITE setIsBackup NOTIFY isBackupChanged)
+    Q_PROPERTY(QString streamKey READ streamKey WRITE setStreamKey NOTIFY streamKeyChanged)
+    Q_PROPERTY(QString streamingURL READ streamingURL WRITE setStreamingURL NOTIFY streamingURLChanged)
+    Q_PROPERTY(vantle::RTMPVantlePreset::StreamingProtocol streamingProtocol READ streamingProtocol WRITE
+                   setStreamingProtocol NOTIFY streamingProtocolChanged)
+    Q_PROPERTY(qint64 portNumber READ portNumber WRITE setPortNumber NOTIFY portNumberChanged)
+    Q_PROPERTY(bool authenticate READ authenticate WRITE setAuthenticate NOTIFY authenticateChanged)
+    Q_PROPERTY(QString authenticationLogin READ authenticationLogin WRITE setAuthenticationLogin NOTIFY
+                   authenticationLoginChanged)
+    Q_PROPERTY(QString authenticationPassword READ authenticationPassword WRITE setAuthenticationPassword
+                   NOTIFY authenticationPasswordChanged)
+    Q_PROPERTY(QString application READ application WRITE setApplication NOTIFY applicationChanged)
+
+public:
+    using VantlePreset::update;
+    using VantlePreset::VantlePreset;
+
+    /// A new preset with its kind's defaults. YouTube and Facebook bring their service's host and
+    /// application.
+    [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> withType(StreamingType type, const QString &name,
+                                                                    bool isBackup, const QString &streamKey);
+    static std::shared_ptr<RTMPVantlePreset> withType(StreamingType type, const QString &name) = delete;
+
+    /// Null when the file can't be read; when only the keys of this class can't, also logs
+    /// "Error reading file: " and the reason.
+    [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> withFileAtPath(const QString &path);
+
+    /// Reads a whole document of one of the four kinds; throws DecodingError.
+    [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> decode(const document::ObjectReader &root);
+
+    void encode(document::DocumentWriter &writer) const override;
+
+    /// For the host application, which gives it its effect.
+    [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
+    /// The server's host name or URL.
+    [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    [[nodiscard]] StreamingProtocol streamingProtocol() const { return m_streamingProtocol; }
+    [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    [[nodiscard]] const QString &authenticationLogin() const { return m_authenticationLogin; }
+    [[nodiscard]] const QString &authenticationPassword() const { return m_authenticationPassword; }
+    /// The application's name on the server.
+    [[nodiscard]] const QString &application() const { return m_application; }
+
+    void setIsBackup(bool isBackup);
+    void setStreamKey(const QString &streamKey);
+    void setStreamingURL(const QString &url);
+    void setStreamingProtocol(StreamingProtocol protocol);
+    void setPortNumber(qint64 port);
+    void setAuthenticate(bool authenticate);
+    void setAuthenticationLogin(const QString &login);
+    void setAuthenticationPassword(const QString &password);
+    void setApplication(const QString &application);
+
+    /// Takes over what the other's document would keep, its name included; shares its settings objects.
+    void update(const RTMPVantlePreset &other);
+
+Q_SIGNALS:
+    void isBackupChanged(bool isBackup);
+    void streamKeyChanged(const QString &streamKey);
+    void streamingURLChanged(const QString &url);
+    void streamingProtocolChanged(vantle::RTMPVantlePreset::StreamingProtocol protocol);
+    void portNumberChanged(qint64 port);
+    void authenticateChanged(bool authenticate);
+    void authenticationLoginChanged(const QString &login);
+    void authenticationPasswordChanged(const QString &password);
+    void applicationChanged(const QString &application);
+
+private:
+    void decodeConnection(const document::ObjectReader &root);
+    [[nodiscard]] bool keepsServiceKeys() const;
+
+    bool m_isBackup = false;
+    QString m_streamKey;
+    QString m_streamingURL;
+    StreamingProtocol m_streamingProtocol = StreamingProtocol::rtmp;
+    qint64 m_portNumber = 1935;
+    bool m_authenticate = false;
+    QString m_authenticationLogin;
+    QString m_authenticationPassword;
+    QString m_application;
+};
+
+/// The four transports in order, with the strings shown to users and kept in preset files.
+[[nodiscard]] const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &streamingProtocols();
+/// The display string; a value outside the enumeration stops the process.
+[[nodiscard]] QString displayName(RTMPVantlePreset::StreamingProtocol protocol);
+
+/// The transports for callers that know numbers and texts only.
+class StreamingProtocolHelper
+{
+public:
+    StreamingProtocolHelper() = delete;
+
+    [[nodiscard]] static QList<int> allRawValues();
+    /// "" for a value that is none of the transports.
+    [[nodiscard]] static QString displayName(qint64 rawValue);
+    [[nodiscard]] static QStringList allDisplayNames();
+};
+
+} // namespace vantle

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/RTMPVantlePreset.h"
+
+namespace vantle {
+
+/// A preset for Secure Reliable Transport.
+///
+/// Its document keeps address, port and the authentication flag; isBackup, streamKey and application last
+/// as long as the object only, and the identifier is new whenever the file is read.
+class SRTVantlePreset : public VantlePreset
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isBackup READ isBackup WRITE setIsBackup NOTIFY isBackupChanged)
+    Q_PROPERTY(QString streamKey READ streamKey WRITE setStreamKey NOTIFY streamKeyChanged)
+    Q_PROPERTY(QString streamingURL READ streamingURL WRITE setStreamingURL NOTIFY streamingURLChanged)
+    Q_PROPERTY(qint64 portNumber READ portNumber WRITE setPortNumber NOTIFY portNumberChanged)
+    Q_PROPERTY(bool authenticate READ authenticate WRITE setAuthenticate NOTIFY authenticateChanged)
+    Q_PROPERTY(QString application READ application WRITE setApplication NOTIFY applicationChanged)
+
+public:
+    using VantlePreset::VantlePreset;
+
+    /// For hosts; no field of the preset, and in no document. Encoded on its own it is its raw value.
+    enum class SRTMode : int { caller = 1, listener = 2 };
+    Q_ENUM(SRTMode)
+
+    /// A new preset without server address and port.
+    [[nodiscard]] static std::shared_ptr<SRTVantlePreset> withType(StreamingType type, const QString &name);
+
+    /// Reads the file as an RTMP-family document, which the documents of this class are not: they yield
+    /// null and one "Error reading file: " line. PresetFactory.h reads SRT files.
+    [[nodiscard]] static std::shared_ptr<SRTVantlePreset> withFileAtPath(const QString &path);
+
+    /// Reads a whole SRT document; throws DecodingError.
+    [[nodiscard]] static std::shared_ptr<SRTVantlePreset> decode(const document::ObjectReader &root);
+
+    void encode(document::DocumentWriter &writer) const override;
+
+    [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
+    /// The server's host name or URL.
+    [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    /// 0 until the user names one.
+    [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    [[nodiscard]] const QString &application() const { return m_application; }
+
+    void setIsBackup(bool isBackup);
+    void setStreamKey(const QString &streamKey);
+    void setStreamingURL(const QString &url);
+    void setPortNumber(qint64 port);
+    void setAuthenticate(bool authenticate);
+    void setApplication(const QString &application);
+
+    using VantlePreset::update;
+    /// Takes over kind, name, address, port, authentication and lists of an RTMP-family preset; the kind
+    /// becomes one of that family.
+    void update(const RTMPVantlePreset &other);
+    /// Takes over the same fields of another SRT preset: all that its document keeps.
+    void update(const SRTVantlePreset &other);
+
+Q_SIGNALS:
+    void isBackupChanged(bool isBackup);
+    void streamKeyChanged(const QString &streamKey);
+    void streamingURLChanged(const QString &url);
+    void portNumberChanged(qint64 port);
+    void authenticateChanged(bool authenticate);
+    void applicationChanged(const QString &application);
+
+private:
+    template <class Preset>
+    void takeFrom(const Preset &other);
+
+    bool m_isBackup = false;
+    QString m_streamKey;
+    QString m_streamingURL;
+    qint64 m_portNumber = 0;
+    bool m_authenticate = false;
+    QString m_application;
+};
+
+/// Both modes in order, with their display strings.
+[[nodiscard]] const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
+/// The display string; a value outside the enumeration stops the process.
+[[nodiscard]] QString displayName(SRTVantlePreset::SRTMode mode);
+
+/// The modes for callers that know numbers and texts only.
+class SRTModeHelper
+{
+public:
+    SRTModeHelper() = delete;
+
+    [[nodiscard]] static QList<int> allRawValues();
+    /// "" for a value that is neither mode.
+    [[nodiscard]] static QString displayName(qint64 rawValue);
+    [[nodiscard]] static QStringList allDisplayNames();
+};
+
+} // namespace vantle

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/core/EnumerationTable.h"
+#include "VantlePresets/core/ObservableRecord.h"
+
+#include <QtCore/QUuid>
+
+#include <memory>
+
+namespace vantle {
+
+namespace document {
+class DocumentWriter;
+class ObjectReader;
+} // namespace document
+
+enum class AudioCodecID : int { aacLC = 0 };
+
+/// "AAC LC": shown to users and kept in preset files.
+[[nodiscard]] const EnumerationTable<AudioCodecID, 1> &audioCodecs();
+/// The display string; a value outside the enumeration stops the process.
+[[nodiscard]] QString displayValue(AudioCodecID codec);
+/// The Core Audio format identifier, for AAC LC 'aac ' (1633772320).
+[[nodiscard]] quint32 audioCodecFormatID(AudioCodecID codec);
+
+class AudioSettings;
+
+/// Is told when a track's default flag changes. Held weakly by the track.
+class AudioSettingsDelegate
+{
+public:
+    virtual ~AudioSettingsDelegate() = default;
+
+    /// Called inside the assignment, on the assigning thread, after the flag was stored and announced.
+    virtual void audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track,
+                                               bool isDefault) = 0;
+
+protected:
+    AudioSettingsDelegate() = default;
+    AudioSettingsDelegate(const AudioSettingsDelegate &) = default;
+    AudioSettingsDelegate &operator=(const AudioSettingsDelegate &) = default;
+};
+
+/// The encoding choices of one audio track of a preset.
+///
+/// A reference object: presets, forms and the host share it. Main thread only, see ObservableRecord.
+/// Values are stored as they come, unchecked.
+class AudioSettings : public ObservableRecord, public std::enable_shared_from_this<AudioSettings>
+{
+    Q_OBJECT
+    Q_PROPERTY(qint64 bitRate READ bitRate WRITE setBitRate NOTIFY bitRateChanged)
+    Q_PROPERTY(qint64 bitsPerSample READ bitsPerSample WRITE setBitsPerSample NOTIFY bitsPerSampleChanged)
+    Q_PROPERTY(qint64 sampleRate READ sampleRate WRITE setSampleRate NOTIFY sampleRateChanged)
+    Q_PROPERTY(
+        QList<qint64> inputChannels READ inputChannels WRITE setInputChannels NOTIFY inputChannelsChanged)
+    Q_PROPERTY(vantle::AudioCodecID codec READ codec WRITE setCodec NOTIFY codecChanged)
+    Q_PROPERTY(QString language READ language WRITE setLanguage NOTIFY languageChanged)
+    Q_PROPERTY(QString trackName READ trackName WRITE setTrackName NOTIFY trackNameChanged)
+    Q_PROPERTY(bool isDefault READ isDefault WRITE setIsDefault NOTIFY isDefaultChanged)
+    Q_PROPERTY(qint64 pid READ pid WRITE setPid NOTIFY pidChanged)
+    Q_PROPERTY(QUuid id READ id CONSTANT)
+    Q_PROPERTY(quint32 audioCodecFormatID READ audioCodecFormatID STORED false)
+    Q_PROPERTY(QString variantName READ variantName STORED false)
+
+    struct Key
+    {
+        explicit Key() = default;
+    };
+
+public:
+    explicit AudioSettings(Key) {}
+
+    /// New settings: AAC LC, 128 kbit/s, 44100 Hz, 16 bits, the source's first two channels, "English".
+    [[nodiscard]] static std::shared_ptr<AudioSettings> create();
+
+    /// Reads one element of "audioSettings"; throws DecodingError. The track has no delegate.
+    [[nodiscard]] static std::shared_ptr<AudioSettings> decode(const document::ObjectReader &object);
+
+    /// Writes one element of "audioSettings".
+    void encode(document::DocumentWriter &writer) const;
+
+    /// In kbit/s.
+    [[nodiscard]] qint64 bitRate() const { return m_bitRate; }
+    [[nodiscard]] qint64 bitsPerSample() const { return m_bitsPerSample; }
+    /// In hertz.
+    [[nodiscard]] qint64 sampleRate() const { return m_sampleRate; }
+    /// Source channels by index from 0, in the order of the track's own channels.
+    [[nodiscard]] const QList<qint64> &inputChannels() const { return m_inputChannels; }
+    [[nodiscard]] AudioCodecID codec() const { return m_codec; }
+    /// A language code such as "en".
+    [[nodiscard]] const QString &language() const { return m_language; }
+    [[nodiscard]] const QString &trackName() const { return m_trackName; }
+    [[nodiscard]] bool isDefault() const { return m_isDefault; }
+    /// The MPEG-TS packet identifier of the stream.
+    [[nodiscard]] qint64 pid() const { return m_pid; }
+    /// Identifies this object in memory; never in a file.
+    [[nodiscard]] const QUuid &id() const { return m_id; }
+
+    void setBitRate(qint64 bitRate);
+    void setBitsPerSample(qint64 bitsPerSample);
+    void setSampleRate(qint64 sampleRate);
+    void setInputChannels(const QList<qint64> &channels);
+    void setCodec(AudioCodecID codec);
+    void setLanguage(const QString &language);
+    void setTrackName(const QString &trackName);
+    /// Tells the delegate when the flag really changed.
+    void setIsDefault(bool isDefault);
+    void setPid(qint64 pid);
+
+    /// The delegate, or null when there is none or it is gone.
+    [[nodiscard]] std::shared_ptr<AudioSettingsDelegate> delegate() const { return m_delegate.lock(); }
+    void setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate) { m_delegate = delegate; }
+
+    [[nodiscard]] quint32 audioCodecFormatID() const { return vantle::audioCodecFormatID(m_codec); }
+    /// "English_128".
+    [[nodiscard]] QString variantName() const;
+    /// "Audio Track English".
+    [[nodiscard]] QString displayName() const;
+    /// "English (en) - AAC LC - @ 44100Hz - 128 kbps".
+    [[nodiscard]] QString aggregateDescription() const;
+
+    /// Assigns the other's settings one by one; identifier and delegate stay.
+    void update(const AudioSettings &other);
+
+    /// The same identifier, whatever the values.
+    friend bool operator==(const AudioSettings &a, const AudioSettings &b) { return a.m_id == b.m_id; }
+
+Q_SIGNALS:
+    void bitRateChanged(qint64 bitRate);
+    void bitsPerSampleChanged(qint64 bitsPerSample);
+    void sampleRateChanged(qint64 sampleRate);
+    void inputChannelsChanged(const QList<qint64> &channels);
+    void codecChanged(vantle::AudioCodecID codec);
+    void languageChanged(const QString &language);
+    void trackNameChanged(const QString &trackName);
+    void isDefaultChanged(bool isDefault);
+    void pidChanged(qint64 pid);
+
+private:
+    qint64 m_bitRate = 128;
+    qint64 m_bitsPerSample = 16;
+    qint64 m_sampleRate = 44100;
+    QList<qint64> m_inputChannels{0, 1};
+    AudioCodecID m_codec = AudioCodecID::aacLC;
+    QString m_language = QStringLiteral("en");
+    QString m_trackName = QStringLiteral("English");
+    bool m_isDefault = false;
+    qint64 m_pid = 256;
+    QUuid m_id = QUuid::createUuid();
+    std::weak_ptr<AudioSettingsDelegate> m_delegate;
+};
+
+} // namespace vantle

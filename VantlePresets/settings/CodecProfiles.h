@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/core/EnumerationTable.h"
+
+#include <QtCore/QHashFunctions>
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+namespace vantle {
+
+enum class H264ProfileType { baseline, main, high, extended };
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the level names are those that hosts know.
+enum class H264ProfileLevel { _3_0, _3_1, _3_2, _4_0, _4_1, _4_2, _5_0, _5_1, _5_2, _AutoLevel };
+
+enum class HEVCProfileType { main, main10, main42210, monochrome, monochrome10 };
+
+enum class HEVCProfileLevel { _AutoLevel };
+// NOLINTEND(bugprone-reserved-identifier)
+
+/// The cases in order, with their raw values: the texts that profile names are made of.
+[[nodiscard]] const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
+[[nodiscard]] const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
+[[nodiscard]] const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
+[[nodiscard]] const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
+
+/// An H.264 profile at a level. Limits are those of ITU-T H.264, Table A-1, and depend on the level alone.
+struct H264Profile
+{
+    H264ProfileType profile;
+    H264ProfileLevel level;
+
+    friend bool operator==(const H264Profile &, const H264Profile &) = default;
+    friend size_t qHash(const H264Profile &key, size_t seed = 0)
+    {
+        return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));
+    }
+
+    /// "H264_Main_4_1", "H264_High_AutoLevel": the name kept in preset files.
+    [[nodiscard]] QString displayName() const;
+
+    /// The table's MaxBR, in kbit/s.
+    [[nodiscard]] qint64 maxBitRate() const;
+
+    /// The table's MaxMBPS, in macroblocks per second, for the picture's size too: the check of a single
+    /// picture is deliberately lenient.
+    [[nodiscard]] qint64 maxMacroBlocksPerFrame() const;
+    [[nodiscard]] qint64 maxMacroBlocksPerSecond() const { return maxMacroBlocksPerFrame(); }
+
+    /// Whether pictures of this size (in pixels) and rate (per second) keep within the level. A
+    /// computation that overflows stops the process; see isComputable().
+    [[nodiscard]] bool isCompatible(qint64 width, qint64 height, double frameRate) const;
+
+    /// Whether isCompatible() can compute with these values, whatever the level.
+    [[nodiscard]] static bool isComputable(qint64 width, qint64 height, double frameRate);
+
+    /// The name of the VideoToolbox constant, "kVTProfileLevel_H264_Main_4_1".
+    [[nodiscard]] QString videoToolboxProfile() const;
+};
+
+/// An HEVC profile; the encoder always chooses the level.
+struct HEVCProfile
+{
+    HEVCProfileType profile;
+    HEVCProfileLevel level;
+
+    friend bool operator==(const HEVCProfile &, const HEVCProfile &) = default;
+    friend size_t qHash(const HEVCProfile &key, size_t seed = 0)
+    {
+        return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));
+    }
+
+    /// "HEVC_Main 10_AutoLevel": the name kept in preset files, blanks included.
+    [[nodiscard]] QString displayName() const;
+
+    /// In kbit/s; the same for every profile.
+    [[nodiscard]] qint64 maxBitRate() const { return 240000; }
+
+    /// The name of the VideoToolbox constant, "kVTProfileLevel_HEVC_Main10_AutoLevel".
+    [[nodiscard]] QString videoToolboxProfile() const;
+};
+
+/// What a new VideoSettings offers: Baseline, Main and High at all ten levels, Extended at 5.0 and
+/// automatic, the two levels for which VideoToolbox has constants. The list is shared, not copied.
+[[nodiscard]] QList<H264Profile> offeredH264Profiles();
+/// The five HEVC profiles.
+[[nodiscard]] QList<HEVCProfile> offeredHEVCProfiles();
+
+} // namespace vantle
