@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QUrl>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vantle {
+
+class VRXWatchFolder;
+
+using PresetsList = QList<std::shared_ptr<VantlePreset>>;
+
+/// The store: the sorted list of the presets in one folder, the selected one, and their files.
+///
+/// Files that other processes add, change or delete show up in the list by themselves. Failures never
+/// reach the caller: they are logged as one line (core/Log.h) and the store goes on with what it has.
+///
+/// Main thread only: every operation and query checks it, and another thread is a programming fault. The
+/// files are read, written and removed on threads of the store's own. Files that were asked for are on
+/// disk when the manager has been destroyed, or the application has quit.
+class PresetsManager : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PresetsManager)
+    Q_PROPERTY(vantle::PresetsList presets READ presets WRITE setPresets NOTIFY presetsChanged)
+    Q_PROPERTY(std::shared_ptr<vantle::VantlePreset> selectedPreset READ selectedPreset WRITE setSelectedPreset
+                   NOTIFY selectedPresetChanged)
+
+public:
+    /// Answers with the directories that may hold the machine's data, best first; only the first counts.
+    using DirectoryLookup = std::function<QStringList()>;
+
+    /// Works in "Orvalle/Streaming Presets" below the machine-wide data directory, /var/lib.
+    PresetsManager();
+    /// The same below the first directory of the answer. With an empty answer the manager works in
+    /// memory alone.
+    explicit PresetsManager(const DirectoryLookup &lookup);
+    /// Waits for the file tasks that were started.
+    ~PresetsManager() override;
+
+    /// Nothing when the directory was not found or could not be made.
+    [[nodiscard]] std::optional<QUrl> presetsFolderURL() const;
+    /// Null without a folder.
+    [[nodiscard]] std::shared_ptr<VRXWatchFolder> watchFolder() const;
+
+    /// Sorted by name, ascending, in the localized and case-insensitive order. Empty until the first
+    /// inventory of the folder has been read.
+    [[nodiscard]] const PresetsList &presets() const;
+    /// Sorts the new list. Clears the selection when it is not in it. No file is touched.
+    void setPresets(const PresetsList &presets);
+
+    /// One of presets(), or null.
+    [[nodiscard]] const std::shared_ptr<VantlePreset> &selectedPreset() const;
+    /// Selects and saves; every assignment of a preset saves it, the same preset included. A preset that
+    /// is not listed (another process may just have removed it) changes nothing.
+    void setSelectedPreset(const std::shared_ptr<VantlePreset> &preset);
+
+    /// The first preset whose name is the same under canonical equivalence; null when there is none. Of
+    /// several, one with exactly these code units is preferred.
+    [[nodiscard]] std::shared_ptr<VantlePreset> presetWithName(const QString &name) const;
+    /// The presets whose kind has the label ("RTMP"), in list order.
+    [[nodiscard]] PresetsList presetsWithTypeName(const QString &typeName) const;
+
+    /// Lists and selects a new preset, named "HLS Preset" or the first free "HLS Preset 2", ...
+    std::shared_ptr<VantlePreset> addNewPreset(StreamingType type);
+    /// Lists and selects a preset of the same kind with copies of the renditions and tracks. Connection
+    /// fields are those of a new preset.
+    std::shared_ptr<VantlePreset> duplicate(const std::shared_ptr<VantlePreset> &preset);
+    /// Gives the preset the trimmed name and its file with it. False when the name is empty or another
+    /// preset has it. A name that the file system refuses is accepted here; its file fails to be written.
+    bool rename(const std::shared_ptr<VantlePreset> &preset, const QString &from, const QString &to);
+    /// Deletes the preset's file and takes it off the list. Nothing for a preset that is not listed.
+    void remove(const std::shared_ptr<VantlePreset> &preset);
+    /// Writes the preset's file in the background: a whole file or none, in the order of the calls. A file
+    /// that another process changed a moment ago is not overwritten by a preset without edits of its own.
+    void save(const std::shared_ptr<VantlePreset> &preset);
+    void saveSelectedPreset();
+    /// Deletes a file of the folder in the background.
+    void deletePresetFile(const QString &name);
+
+    /// Whether the preset's document differs from the one that was last loaded or saved.
+    [[nodiscard]] bool hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset) const;
+
+    /// Tells the store that a view writes the preset's name while the user types. Until the edit ends,
+    /// list order, lookups and saves go by the name of the preset's file. One edit at a time; the edit
+    /// ends by itself when its preset leaves the list.
+    void beginNameEdit(const std::shared_ptr<VantlePreset> &preset);
+    void endNameEdit();
+    /// The name of the preset's file without the extension, also while the name is being edited.
+    [[nodiscard]] QString listedName(const std::shared_ptr<VantlePreset> &preset) const;
+
+    /// The row in presets(), or -1.
+    [[nodiscard]] int rowOf(const std::shared_ptr<VantlePreset> &preset) const;
+
+    /// Waits until the file tasks started so far are done. Their results need the event loop.
+    void waitForFileTasks();
+
+Q_SIGNALS:
+    /// After each operation and each change from outside that touches the list, once.
+    void presetsChanged(const vantle::PresetsList &presets);
+    /// At every assignment, also of the preset that is selected already.
+    void selectedPresetChanged(const std::shared_ptr<vantle::VantlePreset> &preset);
+
+    /// Rows in pairs for list models. A move goes before the row that stood at `to` at its start.
+    void rowAboutToBeInserted(int row);
+    void rowInserted(int row);
+    void rowAboutToBeRemoved(int row);
+    void rowRemoved(int row);
+    void rowAboutToBeMoved(int from, int to);
+    void rowMoved(int from, int to);
+    void rowsAboutToBeReset();
+    void rowsReset();
+
+    /// A save is due while the preset's name is being edited: the view ends the edit now, as if the user
+    /// had left the field.
+    void nameEditMustEnd(const std::shared_ptr<vantle::VantlePreset> &preset);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace vantle
