@@ -29,8 +29,8 @@ class PresetsManager : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PresetsManager)
     Q_PROPERTY(vantle::PresetsList presets READ presets WRITE setPresets NOTIFY presetsChanged)
-    Q_PROPERTY(std::shared_ptr<vantle::VantlePreset> selectedPreset READ selectedPreset WRITE setSelectedPreset
-                   NOTIFY selectedPresetChanged)
+    Q_PROPERTY(std::shared_ptr<vantle::VantlePreset> selectedPreset READ selectedPreset WRITE
+                   setSelectedPreset NOTIFY selectedPresetChanged)
 
 public:
     /// Answers with the directories that may hold the machine's data, best first; only the first counts.
@@ -54,6 +54,9 @@ public:
     [[nodiscard]] const PresetsList &presets() const;
     /// Sorts the new list. Clears the selection when it is not in it. No file is touched.
     void setPresets(const PresetsList &presets);
+
+    /// Whether the first inventory of the folder has been read; see didLoad().
+    [[nodiscard]] bool isLoaded() const;
 
     /// One of presets(), or null.
     [[nodiscard]] const std::shared_ptr<VantlePreset> &selectedPreset() const;
@@ -102,6 +105,9 @@ public:
     void waitForFileTasks();
 
 Q_SIGNALS:
+    /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.
+    void didLoad();
+
     /// After each operation and each change from outside that touches the list, once.
     void presetsChanged(const vantle::PresetsList &presets);
     /// At every assignment, also of the preset that is selected already.
