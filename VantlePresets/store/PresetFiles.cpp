@@ -7,7 +7,6 @@
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <cerrno>
-#include <exception>
 #include <optional>
 #include <system_error>
 
@@ -30,21 +29,6 @@ std::optional<FileState> stateOf(const std::string &path)
 {
     std::error_code ignored;
     return readFileState(path.c_str(), ignored);
-}
-
-/// Makes a change of the process's own known to the watcher, and passes on what the change throws.
-void performOwnChange(VRXWatchFolder &watcher, const std::string &path, const std::function<void()> &change)
-{
-    std::exception_ptr failure;
-    watcher.performOwnChange(QString::fromStdString(path), [&] {
-        try {
-            change();
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    });
-    if (failure)
-        std::rethrow_exception(failure);
 }
 
 } // namespace
@@ -135,7 +119,7 @@ PresetFiles::Outcome PresetFiles::writeNow(const QString &name, const QByteArray
             return Outcome::skipped;
         }
         StagedFile staged(path, document);
-        performOwnChange(*m_watcher, path, [&] { staged.commit(); });
+        m_watcher->performOwnChange(QString::fromStdString(path), [&] { staged.commit(); });
         m_refused.remove(name);
         staged.syncFolder();
     } catch (const std::exception &error) {
@@ -157,7 +141,7 @@ void PresetFiles::removeNow(const QString &name, const QString &replacement) con
             if (old && fresh && old->inode == fresh->inode && old->device == fresh->device)
                 return;
         }
-        performOwnChange(*m_watcher, target, [&] {
+        m_watcher->performOwnChange(path, [&] {
             if (::unlink(target.c_str()) != 0)
                 throwError(errno);
         });
