@@ -58,18 +58,18 @@ TEST(CodecLevels, LowestLevelOfASizeAndRate)
         std::optional<Level> lowest;
     };
     for (const Row &row : {
-             Row{720, 576, 25, Level::_3_0},     // 1620 x 25 = 40500, the very limit
-             {720, 576, 25.001, Level::_3_1},    //
-             {1280, 720, 30, Level::_3_1},       // 108000
-             {1280, 720, 60, Level::_3_2},       // 216000
-             {1920, 1080, 30, Level::_4_0},      // 243000
-             {1920, 1080, 60, Level::_4_2},      // 486000; 4.1 has the rate of 4.0
-             {1920, 1080, 64.6, Level::_5_0},    // just above 522240
-             {3840, 2160, 30, Level::_5_1},      // 972000
-             {3840, 2160, 60, Level::_5_2},      //
-             {3840, 2160, 64.01, std::nullopt},  // just above 2073600
-             {256, 256 * 40500, 0, Level::_3_0}, // without a rate, the picture alone
-             {256, 256 * 108000 + 255, 0, Level::_5_2},
+             Row{720, 576, 25, Level::_3_0},    // 1620 x 25 = 40500, the very limit
+             {720, 576, 25.001, Level::_3_1},   //
+             {1280, 720, 30, Level::_3_1},      // 108000
+             {1280, 720, 60, Level::_3_2},      // 216000
+             {1920, 1080, 30, Level::_4_0},     // 243000
+             {1920, 1080, 60, Level::_4_2},     // 486000; 4.1 has the rate of 4.0
+             {1920, 1080, 64.6, Level::_5_0},   // just above 522240
+             {3840, 2160, 30, Level::_5_1},     // 972000
+             {3840, 2160, 60, Level::_5_2},     //
+             {3840, 2160, 64.01, std::nullopt}, // just above 2073600
+             {256, 40500, 0, Level::_3_0},      // without a rate, the picture alone
+             {256, 40501, 0, Level::_3_1},
              {0, 1080, 1e9, Level::_3_0},    // nothing to encode
              {-1920, 1080, 60, Level::_3_0}, // negative counts keep below every limit
              {1, 255, 1, Level::_3_0},       // less than one macroblock

@@ -16,6 +16,16 @@ namespace vantle::test {
 class TemporaryFolder
 {
 public:
+    TemporaryFolder() = default;
+    ~TemporaryFolder()
+    {
+        // Qt alone can't remove files whose names are not UTF-8.
+        std::error_code ignored;
+        std::filesystem::remove_all(path(), ignored);
+    }
+    TemporaryFolder(const TemporaryFolder &) = delete;
+    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
+
     [[nodiscard]] std::filesystem::path path(const std::string &name = {}) const
     {
         const std::filesystem::path folder = m_folder.path().toStdString();
