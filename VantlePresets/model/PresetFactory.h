@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/document/DocumentError.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QByteArrayView>
