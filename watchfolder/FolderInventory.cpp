@@ -53,12 +53,13 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
     }
 
-    bool differs = !record->hasState || state->modified != record->state.modified;
-    if (record->own)
+    const bool becameAnother = state->isDirectory != record->state.isDirectory;
+    bool differs = becameAnother || (!changed.existenceOnly &&
+                                     (!record->hasState || state->modified != record->state.modified));
+    if (record->own && !changed.existenceOnly)
         differs = differs || m_ownEventsAreTold || state->inode != record->state.inode ||
                   state->size != record->state.size;
-    const Finding finding{.difference =
-                              differs && !isOwn && !changed.existenceOnly ? Finding::Updated : Finding::None,
+    const Finding finding{.difference = differs && !isOwn ? Finding::Updated : Finding::None,
                           .isDirectory = state->isDirectory,
                           .wasDirectory = record->state.isDirectory};
     record->state = *state;

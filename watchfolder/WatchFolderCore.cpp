@@ -185,7 +185,8 @@ bool WatchFolderCore::createStream(WatchFolderError *error)
                  "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", folderPath(), reason);
         return false;
     }
-    inventory.setOwnEventsAreTold(made->tellsOwnEvents() && ignoreSelf);
+    m_isIgnoringSelf = made->tellsOwnEvents() && ignoreSelf;
+    inventory.setOwnEventsAreTold(m_isIgnoringSelf);
     const std::lock_guard lock(m_streamMutex);
     m_stream = std::move(made);
     return true;
@@ -326,8 +327,8 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
         if (const auto receiver = delegate())
             receiver->watchFolderFileFinderInfoChangedAtURL(m_owner, urlForNativePath(event.nativePath()));
     }
-    ChangedPath change{.path = std::move(*path), .existenceOnly = event.has(ItemIsDir)};
-    if (event.has(OwnEvent) && ignoreSelf)
+    ChangedPath change{.path = std::move(*path), .existenceOnly = !event.has(ItemIsFile)};
+    if (event.has(OwnEvent) && m_isIgnoringSelf)
         change.cause = event.has(ItemRemoved | ItemRenamed) ? ChangedPath::OwnRemoval : ChangedPath::Own;
     changed.push_back(std::move(change));
 }

@@ -86,6 +86,7 @@ private:
     std::shared_ptr<WorkingQueue> m_queue;
     WatchFolderEnvironment::Timer m_forceTimer;
 
+    std::atomic<bool> m_isIgnoringSelf = false;     // as of the start of the stream
     bool m_unreachable = false;                     // on the working queue only
     std::atomic<bool> m_enumerationPending = false; // the first enumeration was asked for and is not complete
 };
