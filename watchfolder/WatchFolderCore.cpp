@@ -25,8 +25,14 @@ void setError(WatchFolderError *error, WatchFolderError::Code code, const char *
     if (error == nullptr)
         return;
     error->code = code;
-    error->description = QString::fromLatin1(format).arg(displayPath(folder));
+    error->description = QString::fromLatin1(format).arg(folder);
     error->reason = reason ? QString::fromStdString(reason.message()) : QString();
+}
+
+std::string withoutTrailingSlashes(std::string path)
+{
+    path.erase(path.find_last_not_of('/') + 1);
+    return path;
 }
 
 /// Fills a new inventory.
@@ -110,12 +116,12 @@ private:
 
 } // namespace
 
-WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const std::string &path, bool isDeep,
+WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const QString &path, bool isDeep,
                                  std::chrono::milliseconds streamLatency, ItemFilter itemFilter,
                                  WatchFolderEnvironment environment)
-    : folder(path.substr(0, path.find_last_not_of('/') + 1)), deepWatch(isDeep), latency(streamLatency),
-      filter(std::move(itemFilter)), inventory(folder), m_isAbsolute(path.starts_with('/')), m_owner(owner),
-      m_environment(std::move(environment))
+    : folder(withoutTrailingSlashes(nativePath(path))), deepWatch(isDeep), latency(streamLatency),
+      filter(std::move(itemFilter)), inventory(folder), m_folderText(path),
+      m_isAbsolute(nativePath(path).starts_with('/')), m_owner(owner), m_environment(std::move(environment))
 {
 }
 
@@ -159,10 +165,10 @@ bool WatchFolderCore::checkFolder(WatchFolderError *error) const
         m_isAbsolute ? readFileState(AT_FDCWD, folderPath().c_str(), Follow::Links, reason) : std::nullopt;
     if (!state)
         setError(error, WatchFolderError::FolderNotReachable,
-                 "FolderPath not reachable when starting to watch (%1)", folderPath(), reason);
+                 "FolderPath not reachable when starting to watch (%1)", m_folderText, reason);
     else if (!state->isDirectory)
         setError(error, WatchFolderError::FolderIsFile, "Item at FolderPath is a file, not a directory (%1)",
-                 folderPath());
+                 m_folderText);
     return state && state->isDirectory;
 }
 
@@ -182,7 +188,7 @@ bool WatchFolderCore::createStream(WatchFolderError *error)
                                           wantedBackend, reason);
     if (!made) {
         setError(error, WatchFolderError::NoEventStream,
-                 "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", folderPath(), reason);
+                 "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", m_folderText, reason);
         return false;
     }
     m_isIgnoringSelf = made->tellsOwnEvents() && ignoreSelf;
@@ -327,7 +333,8 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
         if (const auto receiver = delegate())
             receiver->watchFolderFileFinderInfoChangedAtURL(m_owner, urlForNativePath(event.nativePath()));
     }
-    ChangedPath change{.path = std::move(*path), .existenceOnly = !event.has(ItemIsFile)};
+    ChangedPath change{
+        .path = std::move(*path), .cause = ChangedPath::Foreign, .existenceOnly = !event.has(ItemIsFile)};
     if (event.has(OwnEvent) && m_isIgnoringSelf)
         change.cause = event.has(ItemRemoved | ItemRenamed) ? ChangedPath::OwnRemoval : ChangedPath::Own;
     changed.push_back(std::move(change));

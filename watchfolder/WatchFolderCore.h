@@ -20,7 +20,7 @@ namespace vantle {
 class WatchFolderCore : public std::enable_shared_from_this<WatchFolderCore>
 {
 public:
-    WatchFolderCore(VRXWatchFolder *owner, const std::string &path, bool deepWatch,
+    WatchFolderCore(VRXWatchFolder *owner, const QString &path, bool deepWatch,
                     std::chrono::milliseconds latency, ItemFilter filter, WatchFolderEnvironment environment);
 
     bool start(WatchFolderError *error);
@@ -71,6 +71,7 @@ private:
     void reportUnreachable(ChangeReport &report);
     bool folderExists() const;
 
+    const QString m_folderText; // as the client wrote it
     const bool m_isAbsolute;
     VRXWatchFolder *const m_owner;
     const WatchFolderEnvironment m_environment;
