@@ -3,6 +3,7 @@
 
 #include "watchfolder/NativePath.h"
 #include "watchfolder/RunLoop.h"
+#include "watchfolder/WatchFolderWalks.h"
 
 #include <fcntl.h>
 
@@ -19,8 +20,8 @@ constexpr size_t pathsBetweenCancellationChecks = 200;
 // Their servers' changes come without events, or with some of them only.
 constexpr std::array unreliableFileSystems = {"smb", "cifs", "AvidUnityISIS"};
 
-void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format,
-              const std::string &folder, const std::error_code &reason = {})
+void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format, const QString &folder,
+              const std::error_code &reason = {})
 {
     if (error == nullptr)
         return;
@@ -34,85 +35,6 @@ std::string withoutTrailingSlashes(std::string path)
     path.erase(path.find_last_not_of('/') + 1);
     return path;
 }
-
-/// Fills a new inventory.
-class FirstEnumeration final : public FolderWalkVisitor
-{
-public:
-    FirstEnumeration(const WatchFolderCore &core, FileSystemEventStream &stream, ChangeReport &report)
-        : m_core(core), m_stream(stream), m_report(report)
-    {
-    }
-
-    Inventory takeInventory() { return std::move(m_inventory); }
-
-    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
-    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
-    {
-        m_names = nullptr;
-        return directory.empty() ? std::error_code()
-                                 : m_stream.watchDirectory(m_core.folder + '/' + directory, descriptor);
-    }
-    void found(const std::string &directory, std::string_view name,
-               const std::optional<FileState> &state) override
-    {
-        if (m_core.filter.shouldIgnore(m_core.folder + '/' + joinPath(directory, name)))
-            return;
-        if (m_names == nullptr)
-            m_names = &m_inventory.namesForUpdate(directory);
-        m_names->try_emplace(std::string(name), Inventory::Record{.state = state.value_or(FileState()),
-                                                                  .hasState = state.has_value()});
-    }
-    bool shouldContinue(const std::error_code &error, const std::string &path) override
-    {
-        return m_report.shouldContinue(error, path);
-    }
-
-private:
-    const WatchFolderCore &m_core;
-    FileSystemEventStream &m_stream;
-    ChangeReport &m_report;
-    Inventory m_inventory;
-    Inventory::Names *m_names = nullptr;
-};
-
-/// Finds what has to be compared.
-class ReInventory final : public FolderWalkVisitor
-{
-public:
-    ReInventory(WatchFolderCore &core, FileSystemEventStream *stream, ChangeReport &report)
-        : m_core(core), m_stream(stream), m_report(report), m_walk(core.inventory.beginWalk())
-    {
-    }
-
-    std::uint32_t walk() const { return m_walk; }
-    std::vector<ChangedPath> takeChanged() { return std::move(m_changed); }
-
-    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
-    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
-    {
-        return directory.empty() || m_stream == nullptr
-                   ? std::error_code()
-                   : m_stream->watchDirectory(m_core.folder + '/' + directory, descriptor);
-    }
-    void found(const std::string &directory, std::string_view name,
-               const std::optional<FileState> &state) override
-    {
-        if (state && !m_core.inventory.meet(directory, name, *state, m_walk))
-            m_changed.push_back({.path = joinPath(directory, name)});
-    }
-    bool shouldContinue(const std::error_code &error, const std::string &path) override
-    {
-        return m_report.shouldContinue(error, path);
-    }
-
-private:
-    WatchFolderCore &m_core;
-    FileSystemEventStream *m_stream;
-    ChangeReport &m_report;
-    const std::uint32_t m_walk;
-    std::vector<ChangedPath> m_changed;
-};
 
 } // namespace
 
@@ -376,7 +298,7 @@ void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
         return;
     ChangeReport report(folder, m_owner, delegate(), cancelled);
     inventory.beginReplacement();
-    FirstEnumeration enumeration(*this, *current, report);
+    FirstEnumeration enumeration(*this, current.get(), report);
     walkFolder(folder, {}, enumerationOptions(), enumeration);
     if (enumeration.cancelled())
         return;
@@ -410,10 +332,7 @@ void WatchFolderCore::enumerateAndPerformChangesAtPath(const std::string &direct
         walkFolder(folder, directory, enumerationOptions(), found);
     if (found.cancelled())
         return;
-    std::vector<ChangedPath> paths = found.takeChanged();
-    for (std::string &missing : inventory.notMet(directory, found.walk()))
-        paths.push_back({.path = std::move(missing)});
-    performChanges(paths, report);
+    performChanges(found.takeDifferences(directory), report);
 }
 
 void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, ChangeReport &report)
@@ -423,7 +342,7 @@ void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, Chan
         if (i % pathsBetweenCancellationChecks == 0 && report.cancelled())
             return;
         const ChangedPath &changed = paths[i];
-        if (filter.shouldIgnore(folder + '/' + changed.path) && !inventory.has(changed.path))
+        if (shouldIgnore({}, changed.path) && !inventory.has(changed.path))
             continue;
         const Finding finding = inventory.compare(changed);
         if (finding.difference == Finding::Added)

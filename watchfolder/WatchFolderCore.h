@@ -3,8 +3,8 @@
 
 #include "watchfolder/ChangeReport.h"
 #include "watchfolder/FolderInventory.h"
-#include "watchfolder/FolderWalk.h"
 #include "watchfolder/ItemFilter.h"
+#include "watchfolder/NativePath.h"
 #include "watchfolder/PendingDirectories.h"
 #include "watchfolder/WatchFolderEnvironment.h"
 #include "watchfolder/WatchFolderError.h"
@@ -37,6 +37,10 @@ public:
     /// lies deeper than is watched.
     std::optional<std::string> relativePath(std::string_view path) const;
     unsigned enumerationOptions() const;
+    bool shouldIgnore(std::string_view directory, std::string_view name) const
+    {
+        return !filter.isEmpty() && filter.shouldIgnore(folder + '/' + joinPath(directory, name));
+    }
 
     const std::string folder; // without a slash at its end
     const bool deepWatch;
