@@ -28,9 +28,12 @@ void FirstEnumeration::found(const std::string &directory, std::string_view name
 {
     if (m_core.shouldIgnore(directory, name))
         return;
-    m_inventory.namesForUpdate(directory).try_emplace(
-        std::string(name),
-        Inventory::Record{.state = state.value_or(FileState()), .hasState = state.has_value()});
+    if (m_names == nullptr || m_directory != directory) {
+        m_directory = directory;
+        m_names = &m_inventory.namesForUpdate(directory);
+    }
+    m_names->try_emplace(std::string(name), Inventory::Record{.state = state.value_or(FileState()),
+                                                              .hasState = state.has_value()});
 }
 
 ReInventory::ReInventory(WatchFolderCore &core, FileSystemEventStream *stream, ChangeReport &report)

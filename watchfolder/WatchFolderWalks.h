@@ -44,6 +44,8 @@ public:
 
 private:
     Inventory m_inventory;
+    std::string m_directory;
+    Inventory::Names *m_names = nullptr; // of m_directory
 };
 
 /// Finds what differs from the inventory and has to be compared.
