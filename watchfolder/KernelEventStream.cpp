@@ -95,9 +95,7 @@ void KernelEventStream::markAncestors(int queue)
     m_folderName = splitPath(path).name;
     WatchRole role = WatchRole::Parent;
     while (path.size() > 1) {
-        path = splitPath(path).directory;
-        if (path.empty())
-            path = "/";
+        path.resize(std::max<size_t>(path.rfind('/'), 1));
         const Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (directory.isOpen())
             mark(queue, path, directory.get(), role);
