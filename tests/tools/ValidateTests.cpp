@@ -50,13 +50,13 @@ TEST(Validate, OneLineForEachFileOfAFolderSortedByName)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.errors, "");
     const QByteArray blanks(13, ' ');
-    const QByteArray expected = "ok     " + at + "a.json" + blanks + "  Wowza     1 rendition, 1 track\n" +
-                              "error  " + at + "b.json" + blanks + "  streamKey: required key is missing\n" +
-                              "error  " + at + "c\\u000ad\\u001b.json" +
-                              "  line 1, column 2: Missing a name for object member\n" + "ok     " + at +
-                              "e\xEF\xBF\xBD.json" + blanks.chopped(1) +
-                              "  HLS       1 rendition, 0 tracks\n" + "error  " + at + "f.json" + blanks +
-                              "  Not a regular file\n");
+    const QByteArray expected =
+        "ok     " + at + "a.json" + blanks + "  Wowza     1 rendition, 1 track\n" + "error  " + at +
+        "b.json" + blanks + "  streamKey: required key is missing\n" + "error  " + at +
+        "c\\u000ad\\u001b.json" + "  line 1, column 2: Missing a name for object member\n" + "ok     " + at +
+        "e\xEF\xBF\xBD.json" + blanks.chopped(1) + "  HLS       1 rendition, 0 tracks\n" + "error  " + at +
+        "f.json" + blanks + "  Not a regular file\n";
+    EXPECT_EQ(run.output, expected);
 }
 
 TEST(Validate, JsonHasOneObjectPerLine)
