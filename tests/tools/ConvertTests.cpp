@@ -44,7 +44,7 @@ TEST(Convert, RefusalsNameTheFileAndLeaveEverythingAsItWas)
     for (const Row &row : {Row{bad, good, bad + ": expected an object, found an array"},
                            {good, fifo, fifo + ": Not a regular file"},
                            {good, "/dev/stdout", "/dev/stdout: Not a regular file"},
-                           {good, folder.path(), folder.path().string() + ": Is a directory"},
+                           {good, folder.path(), folder.path() + ": Is a directory"},
                            {good, folder.path("no/out.json"),
                             folder.path("no/out.json").string() + ": No such file or directory"}}) {
         const Finished run = runProcess({VANTLECTL, "convert", row.source, row.target}, "/dev/null");

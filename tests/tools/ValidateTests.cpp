@@ -44,9 +44,9 @@ TEST(Validate, OneLineForEachFileOfAFolderSortedByName)
     folder.write("ignored.txt", "");
     folder.write(".hidden.json", "");
     std::filesystem::create_directory(folder.path("deeper.json"));
-    const QByteArray at = QByteArray::fromStdString(folder.path().string()) + '/';
+    const QByteArray at = QByteArray::fromStdString(folder.path()) + '/';
 
-    const Finished run = runProcess({VANTLECTL, "validate", folder.path().string()});
+    const Finished run = runProcess({VANTLECTL, "validate", folder.path()});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.errors, "");
     const QByteArray blanks(13, ' ');
