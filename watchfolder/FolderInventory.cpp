@@ -42,7 +42,8 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     if (!state) {
         if (record == nullptr || !saysMissing(error))
             return {};
-        if (changed.cause == ChangedPath::OwnRemoval) {
+        // With the whole folder gone, nobody can say that it was this process who removed the item.
+        if (changed.cause == ChangedPath::OwnRemoval && readState({}, error)) {
             removeWithDescendants(changed.path);
             return {};
         }
