@@ -102,16 +102,14 @@ void requireRegular(const struct stat &status)
                                                         : make_error_code(FileFault::notRegular));
 }
 
-/// Opens a file for reading if it is a regular one. What a link leads to is looked at before it is opened:
-/// to open a device can have effects of its own.
+/// Opens a file for reading; a socket, and any device that a link leads to, is refused without opening it,
+/// which can have effects of its own.
 int openRegular(const std::filesystem::path &path)
 {
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     const int direct = ::open(path.c_str(), kFlags | O_NOFOLLOW);
     if (direct >= 0)
         return direct;
-    if (errno != ELOOP && errno != EINTR)
-        throwLastError();
     struct stat status = {};
     checked([&] { return ::stat(path.c_str(), &status); });
     requireRegular(status);
