@@ -55,7 +55,9 @@ QVariant parsed(const QString &text, const QMetaProperty &property)
 QString expectation(const QMetaProperty &property)
 {
     const QMetaType type = property.metaType();
-    const auto oneOf = [](const auto &table) { return "expected one of: "_L1 + table.texts().join(", "_L1); };
+    const auto oneOf = [](const auto &table) -> QString {
+        return "expected one of: "_L1 + table.texts().join(", "_L1);
+    };
     if (type == QMetaType::fromType<bool>())
         return u"expected true or false"_s;
     if (type == QMetaType::fromType<qint64>())

@@ -59,6 +59,8 @@ ExitCode watch(const StoreOptions &options, Output &out)
     const StopOnSignal stop; // before the store starts its threads
     StoreSession session(options);
     const ChangePrinter printer(session.manager(), options.json, out);
+    out.line(options.json ? u"{\"event\":\"watching\"}"_s : u"watching"_s);
+    out.flush();
     QCoreApplication::exec();
     if (printer.failure())
         std::rethrow_exception(printer.failure());
