@@ -207,6 +207,15 @@ QList<QUrl> VRXWatchFolder::URLs() const
     return urls;
 }
 
+std::vector<std::string> VRXWatchFolder::nativePaths() const
+{
+    std::vector<std::string> paths;
+    m_core->inventory.forEach([this, &paths](const std::string &path, const Inventory::Record &) {
+        paths.push_back(m_core->folder + '/' + path);
+    });
+    return paths;
+}
+
 QHash<QString, QUrl> VRXWatchFolder::URLsDictionary() const
 {
     QHash<QString, QUrl> urls;

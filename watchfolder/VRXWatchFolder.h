@@ -12,6 +12,8 @@
 #include <QStringList>
 
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace vantle {
 
@@ -103,6 +105,8 @@ public:
     std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;
     bool hasItemAtPath(const QString &path) const;
     QList<QUrl> URLs() const;
+    /// The paths of URLs() in the file system's bytes, for clients that read many files.
+    std::vector<std::string> nativePaths() const;
     QHash<QString, QUrl> URLsDictionary() const;
     QHash<QString, VRXWatchFolderItem> pathToItemsDictionary() const;
     /// True when the filters refuse the item.

@@ -35,11 +35,10 @@ FolderReconciler::FolderReconciler(MainThreadQueue &queue, Receiver &receiver)
 {
 }
 
-/// Nothing for a URL that does not belong to the store: the extension must be "json", in this case.
-std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(const QUrl &url)
+/// Nothing for a path that does not belong to the store: the extension must be "json", in this case.
+std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(std::string path)
 {
     constexpr std::string_view kExtension = ".json";
-    std::string path = nativePathOfUrl(url);
     const std::string_view name = splitPath(path).name;
     if (name.size() <= kExtension.size() || !name.ends_with(kExtension))
         return std::nullopt;
@@ -75,15 +74,15 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     if (!watchFolder)
         programmingFault("a reload without its watch folder");
 
-    const QList<QUrl> urls = watchFolder->URLs();
-    const auto count = static_cast<std::size_t>(urls.size());
+    std::vector<std::string> paths = watchFolder->nativePaths();
+    const std::size_t count = paths.size();
     PresetIndex::Entries entries(count);
     std::atomic<std::size_t> next = 0;
     const auto loadSome = [&] {
         constexpr std::size_t kChunk = 32;
         for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
-                if (const auto file = presetFile(urls[static_cast<qsizetype>(i)]))
+                if (const auto file = presetFile(std::move(paths[i])))
                     entries[i] = load(*file);
             }
         }
@@ -106,7 +105,7 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
 
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    if (const auto file = presetFile(url))
+    if (const auto file = presetFile(nativePathOfUrl(url)))
         loadAndAdd(*file);
 }
 
@@ -133,7 +132,7 @@ bool FolderReconciler::isUnreadable(const QString &name) const
 
 void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = presetFile(url);
+    const auto file = presetFile(nativePathOfUrl(url));
     if (!file)
         return;
     noteReadability(*file, true); // there is nothing left to read
@@ -142,7 +141,7 @@ void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl 
 
 void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = presetFile(url);
+    const auto file = presetFile(nativePathOfUrl(url));
     if (!file)
         return;
     if (isUnreadable(file->name))
@@ -153,7 +152,7 @@ void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl 
 
 void FolderReconciler::reread(const QUrl &url) const
 {
-    const auto file = presetFile(url);
+    const auto file = presetFile(nativePathOfUrl(url));
     if (!file)
         return;
     QByteArray document;

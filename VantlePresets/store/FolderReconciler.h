@@ -54,7 +54,7 @@ public:
 private:
     struct PresetFile;
 
-    static std::optional<PresetFile> presetFile(const QUrl &url);
+    static std::optional<PresetFile> presetFile(std::string path);
     std::shared_ptr<ListedPreset> load(const PresetFile &file);
     void loadAndAdd(const PresetFile &file);
     void noteReadability(const PresetFile &file, bool isReadable);
