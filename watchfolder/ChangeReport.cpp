@@ -8,9 +8,10 @@ namespace vantle {
 
 ChangeReport::ChangeReport(std::string folder, VRXWatchFolder *watchFolder,
                            std::shared_ptr<VRXWatchFolderDelegate> delegate,
-                           const std::atomic<bool> &cancelled)
+                           const std::atomic<bool> &cancelled,
+                           std::shared_ptr<const std::atomic<bool>> stopped)
     : m_folder(std::move(folder)), m_watchFolder(watchFolder), m_delegate(std::move(delegate)),
-      m_cancelled(cancelled)
+      m_cancelled(cancelled), m_stopped(std::move(stopped))
 {
 }
 

@@ -9,19 +9,21 @@
 
 namespace vantle {
 
-/// The delegate for the duration of one operation on the working queue. After a cancellation it is not called
-/// again: the watcher that the callbacks name may be gone.
+/// The delegate for the duration of one operation on the working queue. Once watching is stopped it is not
+/// called again: the watcher that the callbacks name may be gone. A cancelled operation still reports what it
+/// recorded.
 class ChangeReport
 {
 public:
     ChangeReport(std::string folder, VRXWatchFolder *watchFolder,
-                 std::shared_ptr<VRXWatchFolderDelegate> delegate, const std::atomic<bool> &cancelled);
+                 std::shared_ptr<VRXWatchFolderDelegate> delegate, const std::atomic<bool> &cancelled,
+                 std::shared_ptr<const std::atomic<bool>> stopped);
     /// Lets go of the delegate on the main thread, where it may be destroyed.
     ~ChangeReport();
     ChangeReport(const ChangeReport &) = delete;
     ChangeReport &operator=(const ChangeReport &) = delete;
 
-    bool cancelled() const { return m_cancelled; }
+    bool cancelled() const { return m_cancelled || *m_stopped; }
 
     void added(const std::string &path, bool isDirectory);
     void updated(const std::string &path, bool isDirectory);
@@ -36,12 +38,13 @@ public:
 private:
     using FileCallback = void (VRXWatchFolderDelegate::*)(VRXWatchFolder *, const QUrl &, bool);
     void report(FileCallback callback, QList<QUrl> &list, const std::string &path, bool isDirectory);
-    bool canCall() const { return m_delegate && !m_cancelled; }
+    bool canCall() const { return m_delegate && !*m_stopped; }
 
     const std::string m_folder;
     VRXWatchFolder *const m_watchFolder;
     std::shared_ptr<VRXWatchFolderDelegate> m_delegate;
     const std::atomic<bool> &m_cancelled;
+    const std::shared_ptr<const std::atomic<bool>> m_stopped;
     QList<QUrl> m_added;
     QList<QUrl> m_updated;
     QList<QUrl> m_removed;

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 #include <cerrno>
 
@@ -23,11 +22,11 @@ std::optional<FileState> readFileState(int directory, const char *name, Follow f
         std::chrono::seconds(found.stx_mtime.tv_sec) + std::chrono::nanoseconds(found.stx_mtime.tv_nsec);
     return FileState{.modified = FileTime(modified),
                      .inode = found.stx_ino,
-                     .device = makedev(found.stx_dev_major, found.stx_dev_minor),
                      .size = found.stx_size,
-                     .linkCount = found.stx_nlink,
+                     .device = found.stx_dev_major << 20 | found.stx_dev_minor,
                      .isDirectory = S_ISDIR(found.stx_mode),
-                     .isRegular = S_ISREG(found.stx_mode)};
+                     .isRegular = S_ISREG(found.stx_mode),
+                     .hasOtherLinks = found.stx_nlink > 1};
 }
 
 std::optional<FileState> readFileState(const char *path, std::error_code &error)

@@ -15,11 +15,13 @@ struct FileState
 {
     FileTime modified;
     std::uint64_t inode = 0;
-    std::uint64_t device = 0;
     std::uint64_t size = 0;
-    std::uint32_t linkCount = 0;
+    /// As the kernel numbers devices: twelve bits of major number, twenty of minor. Kept small, since an
+    /// inventory holds a state per file.
+    std::uint32_t device = 0;
     bool isDirectory = false;
     bool isRegular = false;
+    bool hasOtherLinks = false;
 };
 
 enum class Follow { No, Links };

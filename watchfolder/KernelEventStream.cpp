@@ -105,9 +105,8 @@ void KernelEventStream::markAncestors(int queue)
     for (std::string path = folderPath(); path.size() > 1;) {
         const std::string parent = path.substr(0, std::max<size_t>(path.rfind('/'), 1));
         char target = 0;
-        if (path == m_configuration.folder || readlink(path.c_str(), &target, 1) > 0) {
+        if (path == m_configuration.folder || readlink(path.c_str(), &target, 1) > 0)
             markDirectory(parent, WatchRole::Parent);
-        }
         path = parent;
     }
 }

@@ -20,7 +20,7 @@ constexpr std::size_t readSize = 256 * 1024;
 constexpr std::size_t mostBytes = 64 * 1024 * 1024;
 // After a read the thread naps: a busy writer then costs one wake-up per nap and not one per event. The
 // kernel's queue holds 16,384 events, which takes even several busy writers far longer than this to fill.
-constexpr int napMilliseconds = 2;
+constexpr int napMilliseconds = 5;
 
 Descriptor openWakeDescriptor()
 {

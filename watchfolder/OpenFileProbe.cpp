@@ -33,7 +33,7 @@ OpenFile probeOpenFile(const std::string &path)
 {
     std::error_code error;
     const auto state = readFileState(path.c_str(), error);
-    if (!state || !state->isRegular || state->linkCount > 1 || hasNoWriter(path))
+    if (!state || !state->isRegular || state->hasOtherLinks || hasNoWriter(path))
         return OpenFile::Complete;
     return state->size == 0 ? OpenFile::Empty : OpenFile::Written;
 }

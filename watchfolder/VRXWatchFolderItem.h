@@ -27,7 +27,7 @@ public:
     /// In bytes; 0 when the state could not be read.
     quint64 size() const { return m_size; }
     quint64 inode() const { return m_inode; }
-    quint64 device() const { return m_device; }
+    quint32 device() const { return m_device; }
 
     /// Designates the file by device and inode; for debugging output.
     QUrl fileReferenceURL() const;
@@ -41,7 +41,7 @@ private:
     std::optional<FileTime> m_modified;
     quint64 m_size = 0;
     quint64 m_inode = 0;
-    quint64 m_device = 0;
+    quint32 m_device = 0;
     bool m_isDirectory = false;
 };
 

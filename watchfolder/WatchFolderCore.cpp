@@ -117,6 +117,7 @@ bool WatchFolderCore::createStream(WatchFolderError *error)
     inventory.setOwnEventsAreTold(m_isIgnoringSelf);
     const std::lock_guard lock(m_streamMutex);
     m_stream = std::move(made);
+    m_stopped = std::make_shared<std::atomic<bool>>(false);
     return true;
 }
 
@@ -129,6 +130,7 @@ void WatchFolderCore::stop()
         m_forceTimer.reset();
         queue = m_queue;
         stopped = std::exchange(m_stream, nullptr);
+        *m_stopped = true;
     }
     m_pendingDirectories.clear();
     if (stopped)
@@ -267,7 +269,7 @@ void WatchFolderCore::checkChangesAtPaths(std::vector<ChangedPath> paths)
     if (paths.empty())
         return;
     enqueue([paths = std::move(paths)](WatchFolderCore &core, const Cancelled &cancelled) {
-        ChangeReport report(core.folder, core.m_owner, core.delegate(), cancelled);
+        ChangeReport report = core.makeReport(cancelled);
         core.performChanges(paths, report);
     });
 }
@@ -296,7 +298,7 @@ void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
     const auto current = stream();
     if (!current)
         return;
-    ChangeReport report(folder, m_owner, delegate(), cancelled);
+    ChangeReport report = makeReport(cancelled);
     inventory.beginReplacement();
     FirstEnumeration enumeration(*this, current.get(), report);
     walkFolder(folder, {}, enumerationOptions(), enumeration);
@@ -315,7 +317,7 @@ void WatchFolderCore::enumeratePendingDirectories(const Cancelled &cancelled)
     while (const auto path = m_pendingDirectories.dequeueNextPathToInventory()) {
         if (cancelled)
             return;
-        ChangeReport report(folder, m_owner, delegate(), cancelled);
+        ChangeReport report = makeReport(cancelled);
         const size_t begin = std::min(folder.size() + 1, path->size());
         std::string directory = path->substr(begin);
         if (directory.ends_with('/'))
@@ -367,6 +369,13 @@ void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, Chan
             report.removed(path, removed->state.isDirectory);
     }
     report.finish();
+}
+
+ChangeReport WatchFolderCore::makeReport(const Cancelled &cancelled) const
+{
+    auto receiver = delegate();
+    const std::lock_guard lock(m_streamMutex);
+    return {folder, m_owner, std::move(receiver), cancelled, m_stopped};
 }
 
 void WatchFolderCore::reportUnreachable(ChangeReport &report)

@@ -72,6 +72,7 @@ private:
     void enumeratePendingDirectories(const Cancelled &cancelled);
     void enumerateAndPerformChangesAtPath(const std::string &directory, ChangeReport &report);
     void performChanges(const std::vector<ChangedPath> &paths, ChangeReport &report);
+    ChangeReport makeReport(const Cancelled &cancelled) const;
     void reportUnreachable(ChangeReport &report);
     bool folderExists() const;
 
@@ -88,6 +89,8 @@ private:
         m_startStopMutex; // start and stop exclude each other; never held while a callback is waited for
     mutable std::mutex m_streamMutex;
     std::shared_ptr<FileSystemEventStream> m_stream;
+    /// Of the present or last stream; operations keep the one they began with.
+    std::shared_ptr<std::atomic<bool>> m_stopped = std::make_shared<std::atomic<bool>>(true);
     std::shared_ptr<WorkingQueue> m_queue;
     WatchFolderEnvironment::Timer m_forceTimer;
 

@@ -84,6 +84,10 @@ TEST_P(WatcherUnderRandomChanges, EndsWithWhatIsThere)
         tell(child,
              "random " + std::to_string(random() % 100'000) + ' ' + std::to_string(operationsPerRound));
         stream->setReaderHeld(false);
+        // A folder that is renamed is read again anyway; here it is the overflow alone that asks for it.
+        if (round == 7) {
+            ASSERT_TRUE(flushed(*watching.watcher));
+        }
         if (random() % 8 == 0) {
             std::filesystem::rename(folder, outside.path() + "/away");
             if (random() % 2 == 0) {

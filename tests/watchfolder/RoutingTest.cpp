@@ -176,8 +176,8 @@ TEST_F(WatcherOnFakeStream, SaysWhyItCanNotStart)
 {
     runScript(folder.path(), "echo 1 > file; ln -s nowhere dangling");
     const QString path = QString::fromStdString(folder.path());
-    const auto start = [this](const QString &where, WatchFolderError &error,
-                              const WatchFolderEnvironment &environment) {
+    const auto start = [](const QString &where, WatchFolderError &error,
+                          const WatchFolderEnvironment &environment) {
         VRXWatchFolder watcher(where, {}, false, 1.0, {}, {}, environment);
         const bool started = watcher.startWatching(&error);
         EXPECT_FALSE(watcher.isWatchingPath());
