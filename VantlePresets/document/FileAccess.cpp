@@ -7,6 +7,9 @@
 #include <cerrno>
 #include <random>
 #include <string_view>
+#include <utility>
+
+#include <cstdio>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -77,6 +80,7 @@ void writeAll(int file, QByteArrayView content)
 
 constexpr std::string_view kTemporaryPrefix = ".vantle-";
 constexpr std::size_t kTemporaryLetters = 8;
+constexpr int kMaximumAttempts = 100;
 constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
 
 std::string temporaryName()
@@ -93,6 +97,11 @@ bool isTemporaryName(std::string_view name)
 {
     return name.starts_with(kTemporaryPrefix) && name.size() == kTemporaryPrefix.size() + kTemporaryLetters &&
            name.find_first_not_of(kLetters, kTemporaryPrefix.size()) == std::string_view::npos;
+}
+
+FileStamp stampFrom(const struct stat &status)
+{
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim};
 }
 
 void requireRegular(const struct stat &status)
@@ -129,12 +138,14 @@ std::filesystem::path fileSystemPath(const QString &path)
     return path.toStdString();
 }
 
-QByteArray readFile(const std::filesystem::path &path)
+QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
 {
     struct stat status = {};
     const Descriptor file(openRegular(path));
     checked([&] { return ::fstat(file.get(), &status); });
     requireRegular(status);
+    if (stamp)
+        *stamp = stampFrom(status);
 
     // The size is a hint only: the file may grow, and files of /proc have none.
     QByteArray content;
@@ -157,6 +168,12 @@ QByteArray readFile(const std::filesystem::path &path)
     }
     content.truncate(length);
     return content;
+}
+
+std::optional<FileStamp> stampOf(const std::filesystem::path &path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 ? std::optional(stampFrom(status)) : std::nullopt;
 }
 
 void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
@@ -197,27 +214,37 @@ void StagedFile::createTemporary()
     // A replaced file's permissions are set once owner and group stand, never wider in between.
     const mode_t mode = replaces ? 0600 : 0666;
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    do {
-        if (m_file >= 0)
-            ::close(m_file);
+    for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
         m_temporaryName = temporaryName();
         m_file = ::openat(m_folder, m_temporaryName.c_str(), kFlags, mode);
+        if (m_file >= 0 && lockTemporary())
+            break;
         if (m_file < 0 && errno != EEXIST && errno != EINTR) {
             m_temporaryName.clear();
             throwLastError();
         }
-    } while (m_file < 0 || !ownTemporary());
+        if (m_file >= 0)
+            ::close(std::exchange(m_file, -1));
+        m_temporaryName.clear(); // somebody else's
+    }
+    if (m_file < 0)
+        throw std::system_error(std::make_error_code(std::errc::file_exists));
     if (replaces)
         adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
 }
 
-/// Whether the new file is locked and still there: between its creation and its lock, another process
-/// that cleans up may have taken it for a leftover.
-bool StagedFile::ownTemporary() const
+/// False when another process that cleans up took the new file for a leftover, before it was locked.
+bool StagedFile::lockTemporary() const
 {
+    while (::flock(m_file, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK)
+            return false;
+        if (errno != EINTR)
+            break; // a file system without locks: nobody there can clean up either
+    }
     struct stat byName = {};
     struct stat byFile = {};
-    return ::flock(m_file, LOCK_EX | LOCK_NB) == 0 && ::fstat(m_file, &byFile) == 0 &&
+    return ::fstat(m_file, &byFile) == 0 &&
            ::fstatat(m_folder, m_temporaryName.c_str(), &byName, AT_SYMLINK_NOFOLLOW) == 0 &&
            byName.st_ino == byFile.st_ino && byName.st_dev == byFile.st_dev;
 }
@@ -234,10 +261,27 @@ void StagedFile::adoptIdentity(mode_t mode, uid_t owner, gid_t group)
     checked([&] { return ::fchmod(m_file, mode); });
 }
 
-void StagedFile::commit()
+void StagedFile::commit(Target target)
 {
-    checked([&] { return ::renameat(m_folder, m_temporaryName.c_str(), m_folder, m_targetName.c_str()); });
+    const char *const from = m_temporaryName.c_str();
+    const char *const to = m_targetName.c_str();
+    if (target == Target::replace) {
+        checked([&] { return ::renameat(m_folder, from, m_folder, to); });
+    } else if (::renameat2(m_folder, from, m_folder, to, RENAME_NOREPLACE) != 0) {
+        if (errno != EINVAL && errno != ENOSYS)
+            throwLastError();
+        // A file system without that kind of renaming: a second name fails in the same way.
+        checked([&] { return ::linkat(m_folder, from, m_folder, to, 0); });
+        ::unlinkat(m_folder, from, 0);
+    }
     m_temporaryName.clear();
+}
+
+FileStamp StagedFile::stamp() const
+{
+    struct stat status = {};
+    checked([&] { return ::fstat(m_file, &status); });
+    return stampFrom(status);
 }
 
 void StagedFile::syncFolder()

@@ -6,8 +6,11 @@
 #include <QtCore/QString>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
+
+#include <ctime>
 
 #include <sys/types.h>
 
@@ -27,10 +30,30 @@ enum class FileFault {
 /// The path in the file system's bytes. Names are UTF-8 in every locale.
 [[nodiscard]] std::filesystem::path fileSystemPath(const QString &path);
 
+/// Which file a content was read from or written to: another file at the path, or another content of the
+/// same one, has another stamp.
+struct FileStamp
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified = {};
+
+    friend bool operator==(const FileStamp &a, const FileStamp &b)
+    {
+        return a.device == b.device && a.inode == b.inode && a.size == b.size &&
+               a.modified.tv_sec == b.modified.tv_sec && a.modified.tv_nsec == b.modified.tv_nsec;
+    }
+};
+
+/// Of what stands at the path, through links; nothing when that can't be told.
+[[nodiscard]] std::optional<FileStamp> stampOf(const std::filesystem::path &path);
+
 /// Reads a whole regular file, through links. Never blocks on a FIFO or device. Throws std::system_error
 /// whose what() is the bare reason ("Permission denied"), with a FileFault or the system's code.
 /// Callable from any thread.
-[[nodiscard]] QByteArray readFile(const std::filesystem::path &path);
+/// The stamp, when wanted, is taken before the content.
+[[nodiscard]] QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp = nullptr);
 
 /// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.
@@ -38,12 +61,12 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 
 /// A file's new content, complete and on disk, but not yet in its place.
 ///
-/// The constructor writes a hidden temporary file (".vantle-" and eight letters, locked with flock while
-/// it is in use) into the target's folder and syncs it; commit() renames it over the target and
-/// syncFolder() makes the renaming last, so that readers and power failures find the old content or the
-/// new one, whole. Without a commit the temporary file is removed. A target that exists keeps its mode, and
-/// its owner and group as far as the process may set them; permissions for a group that could not be kept are
-/// dropped. A new file obeys the umask. A link as target is replaced, never followed.
+/// The constructor writes a hidden temporary file (".vantle-" and eight letters, locked with flock where the
+/// file system can, while it is in use) into the target's folder and syncs it; commit() renames it over the
+/// target and syncFolder() makes the renaming last, so that readers and power failures find the old content
+/// or the new one, whole. Without a commit the temporary file is removed. A target that exists keeps its
+/// mode, and its owner and group as far as the process may set them; permissions for a group that could not
+/// be kept are dropped. A new file obeys the umask. A link as target is replaced, never followed.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile
@@ -54,12 +77,17 @@ public:
     StagedFile(const StagedFile &) = delete;
     StagedFile &operator=(const StagedFile &) = delete;
 
-    void commit();
+    enum class Target { replace, mustBeNew };
+
+    /// With mustBeNew the error is EEXIST when anything stands at the path.
+    void commit(Target target = Target::replace);
+    /// Of the new file.
+    [[nodiscard]] FileStamp stamp() const;
     void syncFolder();
 
 private:
     void createTemporary();
-    [[nodiscard]] bool ownTemporary() const;
+    [[nodiscard]] bool lockTemporary() const;
     void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
     void discard() noexcept;
 

@@ -17,7 +17,7 @@ namespace vantle {
 
 using namespace Qt::StringLiterals;
 
-struct FolderReconciler::PresetFile
+struct FolderReconciler::FolderFile
 {
     std::string path; // the file system's bytes
     QString fileName;
@@ -36,7 +36,7 @@ FolderReconciler::FolderReconciler(MainThreadQueue &queue, Receiver &receiver)
 }
 
 /// Nothing for a path that does not belong to the store: the extension must be "json", in this case.
-std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(std::string path)
+std::optional<FolderReconciler::FolderFile> FolderReconciler::folderFile(std::string path)
 {
     constexpr std::string_view kExtension = ".json";
     const std::string_view name = splitPath(path).name;
@@ -45,19 +45,20 @@ std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(std::st
     const QByteArrayView bytes(name.data(), static_cast<qsizetype>(name.size()));
     const QString fileName = QString::fromUtf8(bytes);
     const bool isUtf8 = fileName.toUtf8() == bytes;
-    return PresetFile{std::move(path), fileName, presetNameFromPath(fileName), isUtf8};
+    return FolderFile{std::move(path), fileName, presetNameFromPath(fileName), isUtf8};
 }
 
 /// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
-std::shared_ptr<ListedPreset> FolderReconciler::load(const PresetFile &file)
+std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file)
 {
     try {
         if (!file.isUtf8)
             throw std::runtime_error("File name is not UTF-8");
-        const auto preset = decodePreset(readFile(file.path));
+        FileStamp stamp;
+        const auto preset = decodePreset(readFile(file.path, &stamp));
         preset->setName(file.name);
         auto listed = std::make_shared<ListedPreset>(preset);
-        listed->hasFile = true;
+        listed->file->set(file.name, stamp);
         listed->documentHash = documentHash(preset->encoded(document::Format::compact));
         preset->moveWithSettingsToThread(m_queue.thread());
         noteReadability(file, true);
@@ -82,7 +83,7 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
         constexpr std::size_t kChunk = 32;
         for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
-                if (const auto file = presetFile(std::move(paths[i])))
+                if (const auto file = folderFile(std::move(paths[i])))
                     entries[i] = load(*file);
             }
         }
@@ -105,17 +106,19 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
 
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    if (const auto file = presetFile(nativePathOfUrl(url)))
-        loadAndAdd(*file);
+    add(nativePathOfUrl(url));
 }
 
-void FolderReconciler::loadAndAdd(const PresetFile &file)
+void FolderReconciler::add(const std::string &path)
 {
-    if (const auto listed = load(file))
+    const auto file = folderFile(path);
+    if (!file)
+        return;
+    if (const auto listed = load(*file))
         m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 
-void FolderReconciler::noteReadability(const PresetFile &file, bool isReadable)
+void FolderReconciler::noteReadability(const FolderFile &file, bool isReadable)
 {
     const std::lock_guard lock(m_mutex);
     if (isReadable)
@@ -132,7 +135,7 @@ bool FolderReconciler::isUnreadable(const QString &name) const
 
 void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = presetFile(nativePathOfUrl(url));
+    const auto file = folderFile(nativePathOfUrl(url));
     if (!file)
         return;
     noteReadability(*file, true); // there is nothing left to read
@@ -141,35 +144,40 @@ void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl 
 
 void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = presetFile(nativePathOfUrl(url));
+    const auto file = folderFile(nativePathOfUrl(url));
     if (!file)
         return;
     if (isUnreadable(file->name))
-        loadAndAdd(*file);
+        add(file->path);
     else
-        reread(url);
+        reread(file->path);
 }
 
-void FolderReconciler::reread(const QUrl &url) const
+void FolderReconciler::reread(const std::string &path) const
 {
-    const auto file = presetFile(nativePathOfUrl(url));
+    const auto file = folderFile(path);
     if (!file)
         return;
+    FileStamp stamp;
     QByteArray document;
     try {
-        document = readFile(file->path);
-    } catch (const std::exception &error) {
-        logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        document = readFile(path, &stamp);
+    } catch (const std::system_error &error) {
+        if (error.code() == std::errc::no_such_file_or_directory)
+            m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
+        else
+            logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
         return;
     }
+    std::shared_ptr<VantlePreset> source;
     try {
-        const auto source = decodePreset(document);
+        source = decodePreset(document);
         source->setName(file->name);
         source->moveWithSettingsToThread(m_queue.thread());
-        m_queue.post([this, source] { m_receiver.presetUpdated(source->name(), source); });
     } catch (const std::exception &) {
         // Half an edit of somebody's: the preset stays as it is until the file can be read again.
     }
+    m_queue.post([this, name = file->name, source, stamp] { m_receiver.presetUpdated(name, source, stamp); });
 }
 
 } // namespace vantle

@@ -28,7 +28,9 @@ public:
         virtual void presetsLoaded(PresetIndex loaded) = 0;
         virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
         virtual void presetRemoved(const QString &name) = 0;
-        virtual void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source) = 0;
+        /// The source is null when the content can't be understood.
+        virtual void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
+                                   const FileStamp &stamp) = 0;
 
     protected:
         ~Receiver() = default;
@@ -43,8 +45,11 @@ public:
     /// Whether the preset's file is there but could not be loaded. Callable from any thread.
     [[nodiscard]] bool isUnreadable(const QString &name) const;
 
-    /// Reads a preset's file again and reports it as an update. Callable from any thread.
-    void reread(const QUrl &url) const;
+    /// Loads a file as if the watcher had reported it. Callable from any thread.
+    void add(const std::string &path);
+    /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
+    /// any thread.
+    void reread(const std::string &path) const;
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
     void watchFolderFileAddedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
@@ -52,12 +57,11 @@ public:
     void watchFolderFileUpdatedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
 
 private:
-    struct PresetFile;
+    struct FolderFile;
 
-    static std::optional<PresetFile> presetFile(std::string path);
-    std::shared_ptr<ListedPreset> load(const PresetFile &file);
-    void loadAndAdd(const PresetFile &file);
-    void noteReadability(const PresetFile &file, bool isReadable);
+    static std::optional<FolderFile> folderFile(std::string path);
+    std::shared_ptr<ListedPreset> load(const FolderFile &file);
+    void noteReadability(const FolderFile &file, bool isReadable);
 
     MainThreadQueue &m_queue;
     Receiver &m_receiver;

@@ -5,6 +5,8 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
+#include <utility>
+
 namespace vantle {
 namespace {
 
@@ -28,23 +30,25 @@ void MainThreadQueue::runSlice()
     const QPointer<MainThreadQueue> self(this); // a task may end in the destruction of the queue's owner
     QElapsedTimer elapsed;
     elapsed.start();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isScheduled = false;
+    }
     do {
         Task task;
         {
             const std::lock_guard lock(m_mutex);
-            if (m_tasks.empty()) {
-                m_isScheduled = false;
+            if (m_tasks.empty())
                 return;
-            }
             task = std::move(m_tasks.front());
             m_tasks.pop_front();
+            // Before the task runs, which may start an event loop of its own (a dialog). By a timer: posted
+            // events are all delivered before the loop looks at anything else.
+            if (!m_tasks.empty() && !std::exchange(m_isScheduled, true))
+                QTimer::singleShot(0, this, &MainThreadQueue::runSlice);
         }
         task();
-        if (!self)
-            return;
-    } while (elapsed.elapsed() < kSliceMilliseconds);
-    // Not a posted event: those are all delivered before the loop looks at anything else.
-    QTimer::singleShot(0, this, &MainThreadQueue::runSlice);
+    } while (self && elapsed.elapsed() < kSliceMilliseconds);
 }
 
 } // namespace vantle

@@ -27,7 +27,7 @@ private:
 
     std::mutex m_mutex;
     std::deque<Task> m_tasks;   // guarded by m_mutex
-    bool m_isScheduled = false; // guarded by m_mutex
+    bool m_isScheduled = false; // a slice is on its way; guarded by m_mutex
 };
 
 } // namespace vantle

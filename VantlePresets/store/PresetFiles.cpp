@@ -2,14 +2,13 @@
 #include "VantlePresets/store/PresetFiles.h"
 
 #include "VantlePresets/core/Log.h"
-#include "VantlePresets/document/FileAccess.h"
-#include "watchfolder/FileState.h"
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <cerrno>
-#include <optional>
+#include <cstdio>
 #include <system_error>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -20,22 +19,27 @@ using namespace Qt::StringLiterals;
 
 constexpr int kUtilityNiceness = 5;
 
-[[noreturn]] void throwError(int code)
+void requireSuccess(int result)
 {
-    throw std::system_error(code, std::generic_category());
+    if (result != 0)
+        throw std::system_error(errno, std::generic_category());
 }
 
-std::optional<FileState> stateOf(const std::string &path)
+void logWriteError(const QString &name, const QString &reason)
 {
-    std::error_code ignored;
-    return readFileState(path.c_str(), ignored);
+    logLine("Error writing preset "_L1 + name + ": "_L1 + reason);
 }
+
+/// Another process was faster while the new content was being written.
+struct Outdated
+{
+};
 
 } // namespace
 
 PresetFiles::PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher,
-                         IsUnreadable isUnreadable)
-    : m_folder(std::move(folder)), m_watcher(std::move(watcher)), m_isUnreadable(std::move(isUnreadable))
+                         FileAppeared fileAppeared)
+    : m_folder(std::move(folder)), m_watcher(std::move(watcher)), m_fileAppeared(std::move(fileAppeared))
 {
     m_thread.setMaxThreadCount(1);
 }
@@ -45,28 +49,42 @@ PresetFiles::~PresetFiles()
     wait();
 }
 
-void PresetFiles::write(const QString &name, const QByteArray &document, Rule rule, Done done)
+void PresetFiles::write(const Save &save, const Done &done)
 {
-    start([=, this] { done(writeNow(name, document, rule)); });
+    start([this, save, done] { done(writeNow(save)); });
 }
 
-void PresetFiles::rename(const QString &oldName, const QString &newName, const QByteArray &document,
-                         Done done)
+void PresetFiles::rename(const Save &save, const Done &done)
 {
-    start([=, this] {
-        const Outcome outcome = writeNow(newName, document, Rule::unlessPresent);
-        if (outcome == Outcome::skipped)
-            logLine("Error writing preset "_L1 + newName + ": "_L1 +
-                    QString::fromStdString(std::generic_category().message(EEXIST)));
-        done(outcome == Outcome::written ? Outcome::written : Outcome::failed);
-        if (outcome == Outcome::written)
-            removeNow(oldName, newName);
+    start([this, save, done] {
+        const QString oldName = save.file->name();
+        const bool isElsewhere = !oldName.isEmpty() && oldName != save.name;
+        if (isElsewhere && !save.hasEdits && moveChangedFile(save, oldName)) {
+            done(Outcome::outdated);
+            return;
+        }
+        const Outcome outcome = writeNow(save);
+        if (outcome == Outcome::written && isElsewhere) {
+            // Both names can be one file's, on a file system that folds case.
+            const auto old = stampOf(m_folder + '/' + oldName.toStdString() + ".json");
+            if (!old || old != save.file->stampAt(save.name))
+                removeNow(oldName);
+        }
+        done(outcome);
+    });
+}
+
+void PresetFiles::remove(const std::shared_ptr<PresetFile> &file)
+{
+    start([this, file] {
+        if (const QString name = file->name(); !name.isEmpty())
+            removeNow(name);
     });
 }
 
 void PresetFiles::remove(const QString &name)
 {
-    start([=, this] { removeNow(name, QString()); });
+    start([this, name] { removeNow(name); });
 }
 
 void PresetFiles::removeLeftovers()
@@ -96,55 +114,78 @@ std::string PresetFiles::pathOf(const QString &name) const
     return m_folder + '/' + name.toStdString() + ".json";
 }
 
-bool PresetFiles::forbids(Rule rule, const QString &name, const std::string &path) const
+PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
 {
-    const auto present = stateOf(path);
-    if (rule == Rule::unlessPresent || (rule == Rule::unlessChanged && m_refused.contains(name)))
-        return present && !m_isUnreadable(name);
-    if (rule == Rule::always || !m_watcher->isWatchingPath())
-        return false;
-    const auto known = m_watcher->itemAtPath(QString::fromStdString(path));
-    return !known || !present || known->lastModificationDate() != present->modified ||
-           known->inode() != present->inode;
-}
-
-PresetFiles::Outcome PresetFiles::writeNow(const QString &name, const QByteArray &document, Rule rule)
-{
+    bool isStaged = false;
     try {
-        const std::string path = pathOf(name);
-        if (forbids(rule, name, path)) {
-            if (rule == Rule::unlessPresent)
-                m_refused.insert(name);
-            m_watcher->checkChangesAtPaths({QString::fromStdString(path)});
-            return Outcome::skipped;
-        }
-        StagedFile staged(path, document);
-        m_watcher->performOwnChange(QString::fromStdString(path), [&] { staged.commit(); });
-        m_refused.remove(name);
+        const std::string path = pathOf(save.name);
+        const QString watchedPath = QString::fromStdString(path);
+        const auto own = save.file->stampAt(save.name);
+        const auto present = stampOf(path);
+        // A missing file that the watcher still knows is a removal that it is about to report.
+        const bool isMissing = !present && m_watcher->hasItemAtPath(watchedPath);
+        if (own && !save.hasEdits && (isMissing || (present && present != own)))
+            return Outcome::outdated;
+        if (!own && present)
+            throw std::system_error(std::make_error_code(std::errc::file_exists));
+        StagedFile staged(path, save.document);
+        isStaged = true;
+        m_watcher->performOwnChange(watchedPath, [&] {
+            if (!own)
+                staged.commit(StagedFile::Target::mustBeNew);
+            else if (save.hasEdits || stampOf(path) == present) // syncing took its time
+                staged.commit();
+            else
+                throw Outdated();
+        });
+        save.file->set(save.name, staged.stamp());
         staged.syncFolder();
+    } catch (const Outdated &) {
+        return Outcome::outdated;
+    } catch (const std::system_error &error) {
+        logWriteError(save.name, QString::fromUtf8(error.what()));
+        if (error.code() != std::errc::file_exists)
+            return Outcome::failed;
+        // When it appeared in the last moment, the watcher has taken it for this process's own.
+        if (isStaged)
+            m_fileAppeared(pathOf(save.name));
+        return Outcome::refused;
     } catch (const std::exception &error) {
-        logLine("Error writing preset "_L1 + name + ": "_L1 + QString::fromUtf8(error.what()));
+        logWriteError(save.name, QString::fromUtf8(error.what()));
         return Outcome::failed;
     }
-    logLine("Preset Saved: "_L1 + name);
+    logLine("Preset Saved: "_L1 + save.name);
     return Outcome::written;
 }
 
-void PresetFiles::removeNow(const QString &name, const QString &replacement) const
+/// Gives the preset's file the new name as it is, if others have changed it. False when it is unchanged, or
+/// can't be renamed.
+bool PresetFiles::moveChangedFile(const Save &save, const QString &oldName) const
+{
+    try {
+        const std::string from = pathOf(oldName);
+        const std::string to = pathOf(save.name);
+        const auto known = save.file->stampAt(oldName);
+        const auto present = stampOf(from);
+        if (!known || !present || present == known)
+            return false;
+        m_watcher->performOwnChange(QString::fromStdString(to), [&] {
+            requireSuccess(::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
+        });
+        m_watcher->performOwnChange(QString::fromStdString(from), [] {}); // the removal was ours as well
+        save.file->set(save.name, *known); // the change itself has yet to be read
+        return true;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+void PresetFiles::removeNow(const QString &name) const
 {
     const QString path = QString::fromStdString(m_folder) + u'/' + name + ".json"_L1;
     try {
         const std::string target = pathOf(name);
-        if (!replacement.isNull()) {
-            const auto old = stateOf(target);
-            const auto fresh = stateOf(pathOf(replacement));
-            if (old && fresh && old->inode == fresh->inode && old->device == fresh->device)
-                return;
-        }
-        m_watcher->performOwnChange(path, [&] {
-            if (::unlink(target.c_str()) != 0)
-                throwError(errno);
-        });
+        m_watcher->performOwnChange(path, [&] { requireSuccess(::unlink(target.c_str())); });
     } catch (const std::exception &error) {
         logLine("Error deleting file "_L1 + path + ": "_L1 + QString::fromUtf8(error.what()));
     }

@@ -1,66 +1,113 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/document/FileAccess.h"
+
 #include <QtCore/QByteArray>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QThreadPool>
 
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 
 namespace vantle {
 
 class VRXWatchFolder;
 
-/// Writes, renames and deletes preset files of one folder, one after the other in the order of the calls,
-/// on a thread of its own with a lower priority. Every outcome is logged as one line. The watcher is told
-/// of each change before others can see it, so that it does not come back as an event.
+/// The file that a listed preset stands for: its name, and its stamp when the preset was last loaded from it
+/// or saved to it. A preset that has never been in a file has none. Shared by the list and the file tasks.
+/// Thread-safe.
+class PresetFile
+{
+public:
+    void set(const QString &name, const FileStamp &stamp)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_name = name;
+        m_stamp = stamp;
+    }
+    /// "" for none.
+    [[nodiscard]] QString name() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_name;
+    }
+    /// Nothing when the preset's file is not the one of this name.
+    [[nodiscard]] std::optional<FileStamp> stampAt(const QString &name) const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_name == name ? m_stamp : std::nullopt;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    QString m_name;
+    std::optional<FileStamp> m_stamp;
+};
+
+/// Writes, renames and deletes preset files of one folder, one after the other in the order of the calls, on
+/// a thread of its own with a lower priority. Outcomes are logged as one line. The watcher is told of each
+/// change before others can see it, so that it does not come back as an event.
+///
+/// A file that is not the preset's own is never replaced or deleted: another process has made it, or could
+/// not finish it, or it can't be read.
 ///
 /// Called on one thread. Destruction waits for the tasks that were started.
 class PresetFiles
 {
 public:
-    enum class Rule {
-        always,        ///< the new content replaces whatever is there
-        unlessChanged, ///< not when the file was changed or removed since the watcher last looked
-        unlessPresent, ///< not when there is a file that can be loaded: it is somebody else's
+    enum class Outcome {
+        written,
+        outdated, ///< not written: the file was changed or removed, and the preset has no edits
+        refused,  ///< not written: a file of this name is somebody else's
+        failed,
     };
-    enum class Outcome { written, skipped, failed };
     /// Called on the file thread.
     using Done = std::function<void(Outcome)>;
 
-    /// Says of a file in the folder that it could not be loaded. Callable from any thread.
-    using IsUnreadable = std::function<bool(const QString &name)>;
+    struct Save
+    {
+        std::shared_ptr<PresetFile> file;
+        QString name;
+        QByteArray document;
+        bool hasEdits = true; ///< since the preset was loaded or saved; edits win over changes of others
+    };
 
-    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, IsUnreadable isUnreadable);
+    /// Told, on the file thread, of a file of somebody else's that the watcher will not report.
+    using FileAppeared = std::function<void(const std::string &path)>;
+
+    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, FileAppeared fileAppeared);
     ~PresetFiles();
     PresetFiles(const PresetFiles &) = delete;
     PresetFiles &operator=(const PresetFiles &) = delete;
 
-    void write(const QString &name, const QByteArray &document, Rule rule, Done done);
-    /// Writes the new file, then deletes the old one; a failure leaves the old one.
-    void rename(const QString &oldName, const QString &newName, const QByteArray &document, Done done);
+    void write(const Save &save, const Done &done);
+    /// Writes the new file, then deletes the preset's earlier one; a failure leaves that. When the earlier
+    /// file was changed by others and the preset has no edits, the file itself gets the new name.
+    void rename(const Save &save, const Done &done);
+    /// Deletes the preset's file, if it has one.
+    void remove(const std::shared_ptr<PresetFile> &file);
+    /// Deletes the file of this name, whosever it is.
     void remove(const QString &name);
-    /// Runs a task after those that were started before. For what must not overtake a write.
-    void start(std::function<void()> task);
     /// Deletes what killed processes left behind.
     void removeLeftovers();
+    /// Runs a task after those that were started before.
+    void start(std::function<void()> task);
 
     void wait();
 
 private:
     [[nodiscard]] std::string pathOf(const QString &name) const;
-    [[nodiscard]] bool forbids(Rule rule, const QString &name, const std::string &path) const;
-    Outcome writeNow(const QString &name, const QByteArray &document, Rule rule);
-    /// Not when the name is another one of the replacement's file (on a file system that folds case, say).
-    void removeNow(const QString &name, const QString &replacement) const;
+    Outcome writeNow(const Save &save) const;
+    [[nodiscard]] bool moveChangedFile(const Save &save, const QString &oldName) const;
+    void removeNow(const QString &name) const;
 
     std::string m_folder;
     std::shared_ptr<VRXWatchFolder> m_watcher;
-    IsUnreadable m_isUnreadable;
-    QSet<QString> m_refused; // names whose file turned out to be somebody else's; file thread only
+    FileAppeared m_fileAppeared;
     QThreadPool m_thread;
 };
 

@@ -36,13 +36,13 @@ bool ListedPreset::precedes(const ListedPreset &other) const
     return name < other.name;
 }
 
-ListedPreset *PresetIndex::find(const VantlePreset *preset) const
+std::shared_ptr<ListedPreset> PresetIndex::find(const VantlePreset *preset) const
 {
     const auto found = m_byPreset.find(preset);
     return found == m_byPreset.end() ? nullptr : found->second;
 }
 
-ListedPreset *PresetIndex::findNamed(const QString &name) const
+std::shared_ptr<ListedPreset> PresetIndex::findNamed(const QString &name) const
 {
     const auto [begin, end] = m_byName.equal_range(canonicalName(name));
     ListedPreset *first = nullptr;
@@ -56,7 +56,7 @@ ListedPreset *PresetIndex::findNamed(const QString &name) const
             firstIsExact = isExact;
         }
     }
-    return first;
+    return first ? m_byPreset.at(first->preset.get()) : nullptr;
 }
 
 bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
@@ -84,7 +84,7 @@ int PresetIndex::insertionRow(const ListedPreset &entry) const
 
 void PresetIndex::insert(int row, std::shared_ptr<ListedPreset> entry)
 {
-    enter(entry.get());
+    enter(entry);
     m_presets.insert(row, entry->preset);
     m_entries.insert(m_entries.begin() + row, std::move(entry));
 }
@@ -92,16 +92,16 @@ void PresetIndex::insert(int row, std::shared_ptr<ListedPreset> entry)
 void PresetIndex::remove(int row)
 {
     const auto at = m_entries.begin() + row;
-    leave(at->get());
+    leave(**at);
     m_presets.removeAt(row);
     m_entries.erase(at);
 }
 
-void PresetIndex::rename(ListedPreset &entry, const QString &name, int from, int to)
+void PresetIndex::rename(const std::shared_ptr<ListedPreset> &entry, const QString &name, int from, int to)
 {
-    leave(&entry);
-    entry.setName(name);
-    enter(&entry);
+    leave(*entry);
+    entry->setName(name);
+    enter(entry);
     m_presets.move(from, to);
     const auto begin = m_entries.begin();
     if (from < to)
@@ -116,7 +116,7 @@ void PresetIndex::merge(Entries entries)
     m_byPreset.reserve(m_byPreset.size() + entries.size());
     m_byName.reserve(m_byName.size() + static_cast<qsizetype>(entries.size()));
     for (const auto &entry : entries)
-        enter(entry.get());
+        enter(entry);
     if (m_entries.empty()) {
         m_entries = std::move(entries);
     } else {
@@ -147,16 +147,16 @@ void PresetIndex::sort(Entries &entries)
     std::stable_sort(entries.begin(), entries.end(), precedes);
 }
 
-void PresetIndex::enter(ListedPreset *entry)
+void PresetIndex::enter(const std::shared_ptr<ListedPreset> &entry)
 {
     m_byPreset.emplace(entry->preset.get(), entry);
-    m_byName.insert(entry->canonicalName, entry);
+    m_byName.insert(entry->canonicalName, entry.get());
 }
 
-void PresetIndex::leave(ListedPreset *entry)
+void PresetIndex::leave(ListedPreset &entry)
 {
-    m_byPreset.erase(entry->preset.get());
-    m_byName.remove(entry->canonicalName, entry);
+    m_byName.remove(entry.canonicalName, &entry);
+    m_byPreset.erase(entry.preset.get());
 }
 
 } // namespace vantle

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "VantlePresets/model/VantlePreset.h"
+#include "VantlePresets/store/PresetFiles.h"
 
 #include <QtCore/QHash>
 
@@ -18,20 +19,16 @@ using PresetsList = QList<std::shared_ptr<VantlePreset>>;
 struct ListedPreset
 {
     std::shared_ptr<VantlePreset> preset;
-    /// The name of the preset's file, which its name() differs from while a user types.
+    /// The preset's name as far as the list is concerned; its name() differs while a user types.
     QString name;
     QString canonicalName;
     QByteArray collationKey;
     /// Of the document that was last loaded or saved; nothing before the first save and after a failed one.
     std::optional<std::size_t> documentHash;
-    /// Loaded from its file, or saved to it.
-    bool hasFile = false;
-    /// A save was skipped because another process had just made a file of this name.
-    bool awaitsForeignFile = false;
-    /// Saves whose outcome is not known yet, and what was reported about the file meanwhile: a removal or a
-    /// change that was seen before the outcome may be older than what the save wrote.
+    std::shared_ptr<PresetFile> file = std::make_shared<PresetFile>();
+    /// Saves whose outcome is not known yet. What is reported about the file meanwhile may be older than what
+    /// they write, and is looked at again afterwards.
     int savesInFlight = 0;
-    bool wasRemovedMeanwhile = false;
     bool wasChangedMeanwhile = false;
 
     /// Lists the preset under its present name. Callable from any thread that owns the preset.
@@ -51,9 +48,9 @@ public:
 
     [[nodiscard]] const PresetsList &presets() const { return m_presets; }
 
-    [[nodiscard]] ListedPreset *find(const VantlePreset *preset) const;
+    [[nodiscard]] std::shared_ptr<ListedPreset> find(const VantlePreset *preset) const;
     /// Under canonical equivalence; of several an entry with these code units, else the first of the list.
-    [[nodiscard]] ListedPreset *findNamed(const QString &name) const;
+    [[nodiscard]] std::shared_ptr<ListedPreset> findNamed(const QString &name) const;
     /// Whether an entry other than the given one has the name.
     [[nodiscard]] bool isTaken(const QString &name, const VantlePreset *except = nullptr) const;
 
@@ -64,7 +61,7 @@ public:
     void insert(int row, std::shared_ptr<ListedPreset> entry);
     void remove(int row);
     /// Gives the entry a name and moves it to the row that follows from it, counted without the entry.
-    void rename(ListedPreset &entry, const QString &name, int from, int to);
+    void rename(const std::shared_ptr<ListedPreset> &entry, const QString &name, int from, int to);
 
     /// Adds many entries at once.
     void merge(Entries entries);
@@ -75,12 +72,12 @@ public:
     static void sort(Entries &entries);
 
 private:
-    void enter(ListedPreset *entry);
-    void leave(ListedPreset *entry);
+    void enter(const std::shared_ptr<ListedPreset> &entry);
+    void leave(ListedPreset &entry);
 
     Entries m_entries;
     PresetsList m_presets; // the same rows
-    std::unordered_map<const VantlePreset *, ListedPreset *> m_byPreset;
+    std::unordered_map<const VantlePreset *, std::shared_ptr<ListedPreset>> m_byPreset;
     QMultiHash<QString, ListedPreset *> m_byName; // canonical names
 };
 

@@ -15,6 +15,7 @@
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QSet>
 #include <QtCore/QThread>
 
 #include <algorithm>
@@ -26,28 +27,33 @@ using namespace Qt::StringLiterals;
 class PresetsManager::Private final : public FolderReconciler::Receiver
 {
 public:
+    using Entry = std::shared_ptr<ListedPreset>;
+
     explicit Private(PresetsManager &manager) : q(manager) {}
 
     void start(const QStringList &dataDirectories);
     void stop();
 
     std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset);
-    void insert(const std::shared_ptr<ListedPreset> &entry);
-    void removeEntry(const ListedPreset &entry);
-    void moveEntry(ListedPreset &entry, const QString &name);
+    void insert(const Entry &entry);
+    void removeEntry(const Entry &entry);
+    void moveEntry(const Entry &entry, const QString &name);
     void setSelection(const std::shared_ptr<VantlePreset> &preset);
-    void endEditBeforeSave(const std::shared_ptr<VantlePreset> &preset);
-    PresetFiles::Done beginSave(const std::shared_ptr<VantlePreset> &preset, const QByteArray &document);
-    void finishSave(ListedPreset &entry, PresetFiles::Outcome outcome, bool hadFile);
-    void takeOver(ListedPreset &entry, const std::shared_ptr<VantlePreset> &source);
-    PresetIndex withoutListed(PresetIndex loaded);
-    QUrl urlOf(const QString &name) const { return QUrl::fromLocalFile(folder + u'/' + name + ".json"_L1); }
     void announceList() { Q_EMIT q.presetsChanged(index.presets()); }
 
+    enum class Way { write, rename };
+    void startSave(const Entry &entry, Way way);
+    void finishSave(const Entry &entry, PresetFiles::Outcome outcome);
+    void giveFreeName(const Entry &entry);
+    void lookAgain(const ListedPreset &entry);
+
     void presetsLoaded(PresetIndex loaded) override;
-    void presetAdded(const std::shared_ptr<ListedPreset> &added) override;
+    void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
-    void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source) override;
+    void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
+                       const FileStamp &stamp) override;
+    PresetIndex withoutListed(PresetIndex loaded);
+    void noteDocument(ListedPreset &entry);
 
     PresetsManager &q;
     PresetIndex index;
@@ -56,6 +62,7 @@ public:
     QString folder; // "" without one
     bool isLoaded = false;
     bool isQuitting = false;
+    int savesInFlight = 0;
 
     MainThreadQueue queue;
     std::shared_ptr<FolderReconciler> reconciler;
@@ -164,11 +171,13 @@ void PresetsManager::setPresets(const PresetsList &presets)
 {
     requireMainThread(*this);
     PresetIndex::Entries entries;
+    QSet<const VantlePreset *> listed;
     for (const auto &preset : presets) {
-        const auto *const known = d->index.find(preset.get());
-        entries.push_back(known ? std::make_shared<ListedPreset>(*known)
-                                : std::make_shared<ListedPreset>(preset));
-        entries.back()->hasFile = true; // what the host lists, it wants to be written
+        if (!preset || listed.contains(preset.get()))
+            continue;
+        listed.insert(preset.get());
+        const auto known = d->index.find(preset.get());
+        entries.push_back(known ? known : std::make_shared<ListedPreset>(preset));
     }
     Q_EMIT rowsAboutToBeReset();
     static_cast<void>(d->index.takeEntries());
@@ -194,14 +203,14 @@ void PresetsManager::setSelectedPreset(const std::shared_ptr<VantlePreset> &pres
     if (wanted && !d->index.find(wanted.get()))
         return;
     d->setSelection(wanted);
-    if (wanted)
+    if (wanted && d->index.find(wanted.get())) // an observer may have removed it
         save(wanted);
 }
 
 std::shared_ptr<VantlePreset> PresetsManager::presetWithName(const QString &name) const
 {
     requireMainThread(*this);
-    const auto *const entry = d->index.findNamed(name);
+    const auto entry = d->index.findNamed(name);
     return entry ? entry->preset : nullptr;
 }
 
@@ -246,27 +255,20 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
     const auto renamed = preset; // the argument may be this manager's own selection
     const QString oldName = from;
     const QString newName = trimmedName(to);
-    if (newName.isEmpty())
-        return false;
-    if (canonicalName(newName) == canonicalName(oldName)) {
+    const bool isRefused = newName.isEmpty() || d->index.isTaken(newName, renamed.get());
+    if (isRefused || canonicalName(newName) == canonicalName(oldName)) {
         if (renamed->name() != oldName)
-            renamed->setName(oldName);
-        return true;
+            renamed->setName(oldName); // what was typed meanwhile
+        return !isRefused;
     }
-    if (d->index.isTaken(newName, renamed.get()))
-        return false;
 
     renamed->setName(newName);
-    if (auto *const entry = d->index.find(renamed.get()))
-        d->moveEntry(*entry, newName);
-    const auto document = documentOf(*renamed);
-    if (d->files && document) {
-        if (auto *const entry = d->index.find(renamed.get()))
-            entry->hasFile = false;
-        d->files->rename(oldName, newName, *document, d->beginSave(renamed, *document));
+    if (const auto entry = d->index.find(renamed.get())) {
+        d->moveEntry(entry, newName);
+        d->startSave(entry, Private::Way::rename);
     }
     d->announceList();
-    if (d->selected == renamed) {
+    if (renamed == d->selected) {
         setSelectedPreset(nullptr);
         setSelectedPreset(renamed);
     }
@@ -276,40 +278,40 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
 void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    const auto *const entry = d->index.find(preset.get());
+    const auto entry = d->index.find(preset.get());
     if (!entry)
         return;
-    deletePresetFile(entry->name);
-    d->removeEntry(*entry);
+    if (d->files)
+        d->files->remove(entry->file);
+    d->removeEntry(entry);
     d->announceList();
 }
 
 void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
+    const auto saved = preset; // the argument may be this manager's own selection
+    if (!saved)
+        programmingFault("save of no preset");
     if (!d->files)
         return;
-    const auto saved = preset; // the argument may be this manager's own selection
-    d->endEditBeforeSave(saved);
-    const auto document = documentOf(*saved);
-    if (!document)
-        return;
-
-    QString name = saved->name();
-    auto rule = PresetFiles::Rule::always;
-    if (auto *const entry = d->index.find(saved.get())) {
-        if (d->nameEdit == saved)
-            name = entry->name; // nobody ended the edit: the file keeps its name
-        else if (name != entry->name)
-            d->moveEntry(*entry, name);
-        if (!entry->hasFile)
-            rule = PresetFiles::Rule::unlessPresent;
-        else if (entry->documentHash == documentHash(*document))
-            rule = PresetFiles::Rule::unlessChanged;
-    }
-    d->files->write(name, *document, rule, d->beginSave(saved, *document));
+    if (d->nameEdit == saved)
+        Q_EMIT nameEditMustEnd(saved);
+    auto entry = d->index.find(saved.get());
+    if (!entry)
+        entry = std::make_shared<ListedPreset>(saved); // not listed: a file of its name alone
+    else if (d->nameEdit != saved && saved->name() != entry->name &&
+             !d->index.isTaken(saved->name(), saved.get()))
+        d->moveEntry(entry, saved->name());
+    d->startSave(entry, Private::Way::write);
     if (d->isQuitting)
         waitForFileTasks();
+}
+
+bool PresetsManager::hasPendingSaves() const
+{
+    requireMainThread(*this);
+    return d->savesInFlight > 0;
 }
 
 void PresetsManager::saveSelectedPreset()
@@ -329,7 +331,7 @@ void PresetsManager::deletePresetFile(const QString &name)
 bool PresetsManager::hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
-    const auto *const entry = d->index.find(preset.get());
+    const auto entry = d->index.find(preset.get());
     if (!entry || !entry->documentHash)
         return true;
     const auto document = documentOf(*preset);
@@ -352,14 +354,14 @@ void PresetsManager::endNameEdit()
 QString PresetsManager::listedName(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
-    const auto *const entry = d->index.find(preset.get());
+    const auto entry = d->index.find(preset.get());
     return entry ? entry->name : preset->name();
 }
 
 int PresetsManager::rowOf(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
-    const auto *const entry = d->index.find(preset.get());
+    const auto entry = d->index.find(preset.get());
     return entry ? d->index.rowOf(*entry) : -1;
 }
 
@@ -387,7 +389,7 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     files = std::make_unique<PresetFiles>(
         folder.toStdString(), watcher,
-        [reconciler = reconciler](const QString &name) { return reconciler->isUnreadable(name); });
+        [reconciler = reconciler](const std::string &path) { reconciler->add(path); });
     files->removeLeftovers();
     WatchFolderError error;
     if (!watcher->startWatching(&error))
@@ -412,7 +414,7 @@ PresetsManager::Private::addAndSelect(const std::shared_ptr<VantlePreset> &prese
     return preset;
 }
 
-void PresetsManager::Private::insert(const std::shared_ptr<ListedPreset> &entry)
+void PresetsManager::Private::insert(const Entry &entry)
 {
     const int row = index.insertionRow(*entry);
     Q_EMIT q.rowAboutToBeInserted(row);
@@ -420,27 +422,25 @@ void PresetsManager::Private::insert(const std::shared_ptr<ListedPreset> &entry)
     Q_EMIT q.rowInserted(row);
 }
 
-void PresetsManager::Private::removeEntry(const ListedPreset &entry)
+void PresetsManager::Private::removeEntry(const Entry &entry)
 {
-    const auto preset = entry.preset;
-    if (nameEdit == preset)
+    if (nameEdit == entry->preset)
         nameEdit.reset();
-    if (selected == preset)
+    if (selected == entry->preset)
         setSelection(nullptr);
-    const auto *const present = index.find(preset.get()); // observers of the selection ran
-    if (!present)
+    if (index.find(entry->preset.get()) != entry) // an observer of the selection was faster
         return;
-    const int row = index.rowOf(*present);
+    const int row = index.rowOf(*entry);
     Q_EMIT q.rowAboutToBeRemoved(row);
     index.remove(row);
     Q_EMIT q.rowRemoved(row);
 }
 
-void PresetsManager::Private::moveEntry(ListedPreset &entry, const QString &name)
+void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
 {
-    ListedPreset moved = entry;
+    ListedPreset moved = *entry;
     moved.setName(name);
-    const int from = index.rowOf(entry);
+    const int from = index.rowOf(*entry);
     const int target = index.insertionRow(moved); // counted with the entry in its old place
     const int to = target > from ? target - 1 : target;
     if (to == from) {
@@ -458,52 +458,66 @@ void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &
     Q_EMIT q.selectedPresetChanged(preset);
 }
 
-void PresetsManager::Private::endEditBeforeSave(const std::shared_ptr<VantlePreset> &preset)
+void PresetsManager::Private::startSave(const Entry &entry, Way way)
 {
-    if (nameEdit == preset)
-        Q_EMIT q.nameEditMustEnd(preset);
-}
-
-/// Notes that a save of this document was started, and makes what takes its outcome.
-PresetFiles::Done PresetsManager::Private::beginSave(const std::shared_ptr<VantlePreset> &preset,
-                                                     const QByteArray &document)
-{
-    bool hadFile = true;
-    if (auto *const entry = index.find(preset.get())) {
-        hadFile = std::exchange(entry->hasFile, true);
-        entry->documentHash = documentHash(document);
-        ++entry->savesInFlight;
-    }
+    const auto document = documentOf(*entry->preset);
+    if (!files || !document)
+        return;
+    const std::size_t hash = documentHash(*document);
+    const PresetFiles::Save save{entry->file, entry->name, *document, entry->documentHash != hash};
+    entry->documentHash = hash;
+    ++entry->savesInFlight;
+    ++savesInFlight;
     // Weak: a preset must not be destroyed on the file thread.
-    return [this, saved = std::weak_ptr(preset), hadFile](PresetFiles::Outcome outcome) {
-        queue.post([this, saved, hadFile, outcome] {
-            const auto preset = saved.lock();
-            if (auto *const entry = index.find(preset.get()))
-                finishSave(*entry, outcome, hadFile);
+    const auto done = [this, weak = std::weak_ptr(entry)](PresetFiles::Outcome outcome) {
+        queue.post([this, weak, outcome] {
+            --savesInFlight;
+            if (const auto saved = weak.lock())
+                finishSave(saved, outcome);
         });
     };
+    if (way == Way::rename)
+        files->rename(save, done);
+    else
+        files->write(save, done);
 }
 
-void PresetsManager::Private::finishSave(ListedPreset &entry, PresetFiles::Outcome outcome, bool hadFile)
+void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcome outcome)
 {
-    --entry.savesInFlight;
-    const bool wasRemoved = std::exchange(entry.wasRemovedMeanwhile, false);
-    const bool wasChanged = std::exchange(entry.wasChangedMeanwhile, false);
-    if (outcome == PresetFiles::Outcome::written) {
-        entry.awaitsForeignFile = false;
-        if (wasChanged) // before or after the save? the file tells
-            files->start([reconciler = reconciler, url = urlOf(entry.name)] { reconciler->reread(url); });
+    --entry->savesInFlight;
+    if (outcome == PresetFiles::Outcome::failed || outcome == PresetFiles::Outcome::refused)
+        entry->documentHash.reset(); // not on disk: the next save is one with edits
+    if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
         return;
+    if (outcome == PresetFiles::Outcome::refused)
+        giveFreeName(entry);
+    else if (std::exchange(entry->wasChangedMeanwhile, false) || outcome == PresetFiles::Outcome::outdated)
+        lookAgain(*entry);
+}
+
+/// Another process had the idea of the same name first: both presets stay.
+void PresetsManager::Private::giveFreeName(const Entry &entry)
+{
+    if (nameEdit == entry->preset) {
+        Q_EMIT q.nameEditMustEnd(entry->preset);
+        if (index.find(entry->preset.get()) != entry || entry->savesInFlight > 0)
+            return;
     }
-    entry.hasFile = hadFile;
-    if (outcome == PresetFiles::Outcome::failed)
-        entry.documentHash.reset(); // not on disk: the next save is one with edits
-    else
-        entry.awaitsForeignFile = !hadFile;
-    if (wasRemoved)
-        presetRemoved(entry.name);
-    else if (wasChanged)
-        files->start([reconciler = reconciler, url = urlOf(entry.name)] { reconciler->reread(url); });
+    const QString refused = entry->name;
+    const QString name = uniqueName(refused, [&](const QString &n) {
+        return n == refused || index.isTaken(n, entry->preset.get()) || reconciler->isUnreadable(n);
+    });
+    entry->preset->setName(name);
+    moveEntry(entry, name);
+    startSave(entry, Way::rename);
+    announceList();
+}
+
+/// Lets the file itself say what has become of it.
+void PresetsManager::Private::lookAgain(const ListedPreset &entry)
+{
+    const QString path = folder + u'/' + entry.name + ".json"_L1;
+    files->start([reconciler = reconciler, path = path.toStdString()] { reconciler->reread(path); });
 }
 
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
@@ -522,84 +536,78 @@ void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
         Q_EMIT q.didLoad();
 }
 
-/// What was loaded less the files of presets that were added before the folder had been read.
+/// What was loaded less the files that this store wrote before the folder had been read.
 PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
 {
     PresetIndex::Entries entries = loaded.takeEntries();
-    std::erase_if(entries, [this](const auto &entry) {
-        auto *const known = index.findNamed(entry->name);
-        if (known && known->awaitsForeignFile)
-            takeOver(*known, entry->preset);
-        return known != nullptr;
+    std::erase_if(entries, [this](const Entry &entry) {
+        const auto known = index.findNamed(entry->name);
+        return known && known->file->name() == entry->name;
     });
     PresetIndex rest;
     rest.merge(std::move(entries));
     return rest;
 }
 
-void PresetsManager::Private::presetAdded(const std::shared_ptr<ListedPreset> &added)
+void PresetsManager::Private::presetAdded(const Entry &added)
 {
-    auto *const entry = index.findNamed(added->name);
-    if (entry && entry->awaitsForeignFile)
-        takeOver(*entry, added->preset);
-    else
-        insert(added);
+    const auto known = index.findNamed(added->name);
+    if (known && known->savesInFlight > 0 && known->file->name() == added->name) {
+        known->wasChangedMeanwhile = true; // removed and made again
+        return;
+    }
+    insert(added);
     announceList();
 }
 
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
-    auto *const entry = index.findNamed(name);
-    if (!entry)
-        return;
-    if (entry->savesInFlight > 0) {
-        entry->wasRemovedMeanwhile = true;
-        return;
-    }
-    removeEntry(*entry);
-    announceList();
-}
-
-void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source)
-{
-    auto *const entry = index.findNamed(name);
+    const auto entry = index.findNamed(name);
     if (!entry)
         return;
     if (entry->savesInFlight > 0) {
         entry->wasChangedMeanwhile = true;
         return;
     }
+    removeEntry(entry);
+    announceList();
+}
+
+void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
+                                            const FileStamp &stamp)
+{
+    const auto entry = index.findNamed(name);
+    if (!entry || !source)
+        return;
+    if (entry->savesInFlight > 0) {
+        entry->wasChangedMeanwhile = true;
+        return;
+    }
+    entry->file->set(name, stamp);
     // A file that says what it said before (it was only touched) must not undo edits.
     const auto document = documentOf(*source);
     if (document && entry->documentHash == documentHash(*document))
         return;
-    takeOver(*entry, source);
+    if (nameEdit == entry->preset)
+        source->setName(entry->preset->name()); // what the user is typing stays
+    if (updatePreset(*entry->preset, *source)) {
+        noteDocument(*entry);
+        Q_EMIT q.presetUpdated(entry->preset);
+    } else { // a file of another class
+        source->setName(entry->name);
+        const auto replacement = std::make_shared<ListedPreset>(source);
+        replacement->file->set(name, stamp);
+        noteDocument(*replacement);
+        removeEntry(entry);
+        insert(replacement);
+    }
     announceList();
 }
 
-/// Makes a listed preset what a file of another process says; a file of another class gets a new object.
-void PresetsManager::Private::takeOver(ListedPreset &entry, const std::shared_ptr<VantlePreset> &source)
+void PresetsManager::Private::noteDocument(ListedPreset &entry)
 {
-    entry.hasFile = true;
-    entry.awaitsForeignFile = false;
-    const auto preset = entry.preset;
-    if (nameEdit == preset)
-        source->setName(preset->name()); // what the user is typing stays
-    if (updatePreset(*preset, *source)) {
-        if (auto *const updated = index.find(preset.get())) {
-            const auto document = documentOf(*preset);
-            updated->documentHash = document ? std::optional(documentHash(*document)) : std::nullopt;
-        }
-        Q_EMIT q.presetUpdated(preset);
-        return;
-    }
-    source->setName(entry.name);
-    const auto replacement = std::make_shared<ListedPreset>(source);
-    replacement->hasFile = true;
-    if (const auto document = documentOf(*source))
-        replacement->documentHash = documentHash(*document);
-    removeEntry(entry);
-    insert(replacement);
+    const auto document = documentOf(*entry.preset);
+    entry.documentHash = document ? std::optional(documentHash(*document)) : std::nullopt;
 }
 
 } // namespace vantle

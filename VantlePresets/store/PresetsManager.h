@@ -75,16 +75,19 @@ public:
     /// Lists and selects a preset of the same kind with copies of the renditions and tracks. Connection
     /// fields are those of a new preset.
     std::shared_ptr<VantlePreset> duplicate(const std::shared_ptr<VantlePreset> &preset);
-    /// Gives the preset the trimmed name and its file with it. False when the name is empty or another
-    /// preset has it. A name that the file system refuses is accepted here; its file fails to be written.
+    /// Gives the preset the trimmed name and its file with it. `from` is its name before the user typed.
+    /// False when the name is empty or another preset has it; the preset's name is `from` then. A name that
+    /// the file system refuses is accepted here; its file fails to be written.
     bool rename(const std::shared_ptr<VantlePreset> &preset, const QString &from, const QString &to);
     /// Deletes the preset's file and takes it off the list. Nothing for a preset that is not listed.
     void remove(const std::shared_ptr<VantlePreset> &preset);
-    /// Writes the preset's file in the background: a whole file or none, in the order of the calls. A file
-    /// that another process changed a moment ago is not overwritten by a preset without edits of its own.
+    /// Writes the preset's file in the background: a whole file or none, in the order of the calls. Without
+    /// edits since it was loaded or saved, a preset does not overwrite a file that was changed or removed
+    /// meanwhile; that change is applied. A file of the name that is not this preset's is never overwritten:
+    /// the preset gets the next free name.
     void save(const std::shared_ptr<VantlePreset> &preset);
     void saveSelectedPreset();
-    /// Deletes a file of the folder in the background.
+    /// Deletes a file of the folder in the background; a listed preset stays listed.
     void deletePresetFile(const QString &name);
 
     /// Whether the preset's document differs from the one that was last loaded or saved.
@@ -103,6 +106,8 @@ public:
 
     /// Waits until the file tasks started so far are done. Their results need the event loop.
     void waitForFileTasks();
+    /// Whether the outcome of a save is not known yet; it comes with the event loop.
+    [[nodiscard]] bool hasPendingSaves() const;
 
 Q_SIGNALS:
     /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 
 #include "VantlePresets/document/FileAccess.h"
@@ -17,17 +18,6 @@ struct Options
     std::string target;
 };
 
-/// Replacing /dev/stdout or a FIFO would take it away from others.
-void requireFile(const fs::path &target)
-{
-    std::error_code ignored;
-    const fs::file_status status = fs::status(target, ignored);
-    if (fs::is_directory(status))
-        throw std::system_error(std::make_error_code(std::errc::is_a_directory));
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        throw std::system_error(make_error_code(FileFault::notRegular));
-}
-
 ExitCode convert(const Options &options, Output &out)
 {
     fs::path concerned = options.source;
@@ -35,7 +25,7 @@ ExitCode convert(const Options &options, Output &out)
         const auto preset = readPresetFile(concerned);
         const QByteArray document = preset->encoded(document::Format::pretty);
         concerned = options.target;
-        requireFile(concerned);
+        requireFileOrNothing(concerned);
         StagedFile file(concerned, document);
         file.commit();
         file.syncFolder();

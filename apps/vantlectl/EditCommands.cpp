@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/StoreSession.h"
 
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/NameRules.h"
+
+#include <optional>
 #include <utility>
 
 namespace vantle::ctl {
@@ -12,45 +16,48 @@ struct Options : StoreOptions
 {
     std::string kind;
     std::string name;
-    std::string newName;
+    std::optional<std::string> newName;
 };
-
-/// The store's own answer to a name that it refuses.
-void renameOrRefuse(PresetsManager &manager, const std::shared_ptr<VantlePreset> &preset,
-                    const std::string &newName)
-{
-    if (!manager.rename(preset, preset->name(), QString::fromStdString(newName)))
-        throw Refusal(u"This name is invalid or already taken."_s);
-}
 
 ExitCode add(const Options &options, Output &out)
 {
     StoreSession session(options);
     PresetsManager &manager = session.manager();
-    const auto type = streamingTypes().fromText(QString::fromStdString(options.kind));
-    if (!options.newName.empty() && manager.presetWithName(QString::fromStdString(options.newName)))
-        throw Refusal(u"This name is invalid or already taken."_s);
-    const auto preset = manager.addNewPreset(type.value());
-    if (!options.newName.empty())
-        renameOrRefuse(manager, preset, options.newName);
+    const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
+    std::shared_ptr<VantlePreset> preset;
+    if (!options.newName) {
+        preset = manager.addNewPreset(type);
+    } else {
+        const QString name = trimmedName(QString::fromStdString(*options.newName));
+        if (name.isEmpty() || name.contains(u'/') || manager.presetWithName(name))
+            throw Refusal(u"This name is invalid or already taken."_s);
+        preset = makePreset(type, name);
+        manager.setPresets(manager.presets() + PresetsList{preset});
+        manager.save(preset);
+    }
+    const ExitCode code = session.finish();
     printPreset(out, *preset, options.json);
-    return session.finish();
+    return code;
 }
 
 ExitCode duplicate(const Options &options, Output &out)
 {
     StoreSession session(options);
-    printPreset(out, *session.manager().duplicate(session.preset(options.name)), options.json);
-    return session.finish();
+    const auto copy = session.manager().duplicate(session.preset(options.name));
+    const ExitCode code = session.finish();
+    printPreset(out, *copy, options.json);
+    return code;
 }
 
 ExitCode rename(const Options &options, Output &out)
 {
     StoreSession session(options);
     const auto preset = session.preset(options.name);
-    renameOrRefuse(session.manager(), preset, options.newName);
+    if (!session.manager().rename(preset, preset->name(), QString::fromStdString(*options.newName)))
+        throw Refusal(u"This name is invalid or already taken."_s);
+    const ExitCode code = session.finish();
     printPreset(out, *preset, options.json);
-    return session.finish();
+    return code;
 }
 
 ExitCode remove(const Options &options, Output &out)

@@ -60,6 +60,7 @@ void addShowCommand(CLI::App &app, Command &chosen)
     const auto options = std::make_shared<Options>();
     command->add_option("PRESET", options->preset, "A preset file, or the name of a preset in the store")
         ->required();
+    options->readsOnly = true;
     options->addTo(*command);
     command->add_flag("--reveal", options->reveal, "Show the stream key and the password");
     command->callback([options, &chosen] {

@@ -4,7 +4,9 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
+#include <QtCore/QFileInfo>
 
 #include <atomic>
 
@@ -35,11 +37,13 @@ void StoreOptions::addTo(CLI::App &command)
 
 StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared<Log>())
 {
+    const QString directory = QString::fromStdString(options.dataDirectory);
+    if (options.readsOnly && !directory.isEmpty() && !QFileInfo(directory).isDir())
+        throw Refusal(directory + ": there is no such directory"_L1);
     setLogSink([log = m_log](const QString &line) { log->take(line); });
     m_manager = options.dataDirectory.empty()
                     ? std::make_unique<PresetsManager>()
-                    : std::make_unique<PresetsManager>(
-                          [&] { return QStringList{QString::fromStdString(options.dataDirectory)}; });
+                    : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
     if (m_log->hasStartFailed)
         throw Refusal(u"the presets folder can't be used"_s);
     QEventLoop loop;
@@ -63,7 +67,11 @@ std::shared_ptr<VantlePreset> StoreSession::preset(const std::string &name) cons
 
 ExitCode StoreSession::finish()
 {
-    m_manager->waitForFileTasks();
+    // An outcome can lead to another save, under a name that is free.
+    do {
+        m_manager->waitForFileTasks();
+        QCoreApplication::processEvents();
+    } while (m_manager->hasPendingSaves());
     return m_log->hasFileFailed ? ExitCode::failed : ExitCode::good;
 }
 

@@ -23,6 +23,7 @@ struct StoreOptions
 {
     std::string dataDirectory; ///< "" for the machine-wide one
     bool json = false;
+    bool readsOnly = false; ///< a data directory that is not there is a mistake, and not made
 
     void addTo(CLI::App &command);
 };

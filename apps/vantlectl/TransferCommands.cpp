@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
 
@@ -77,6 +78,7 @@ ExitCode exportPreset(const ExportOptions &options, Output &out)
     }
     const fs::path target = options.file;
     try {
+        requireFileOrNothing(target);
         StagedFile file(target, document);
         file.commit();
         file.syncFolder();
@@ -102,6 +104,7 @@ void addTransferCommands(CLI::App &app, Command &chosen)
 
     CLI::App *const exporting = app.add_subcommand("export", "Write a preset to a file, pretty-printed");
     const auto exported = std::make_shared<ExportOptions>();
+    exported->readsOnly = true;
     exported->addTo(*exporting);
     exporting->add_option("NAME", exported->name, "The preset")->required();
     exporting->add_option("FILE", exported->file, "The file to write, or - for standard output")->required();

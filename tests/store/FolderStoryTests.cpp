@@ -128,21 +128,76 @@ TEST_F(OpenList, AnUntouchedPresetDoesNotOverwriteAForeignChange)
     EXPECT_FALSE(m_store.onDisk("A"));
 }
 
-TEST_F(OpenList, ANewPresetDoesNotOverwriteAFileThatJustAppeared)
+TEST_F(OpenList, AFileThatJustAppearedIsNeverOverwritten)
 {
-    ASSERT_TRUE(m_store.runElsewhere(u"sed 's/4500/3333/' A.json > 'HLS Preset.json'"_s));
-    const auto preset = m_manager->addNewPreset(StreamingType::hls);
-    EXPECT_TRUE(waitFor([&] { return preset->videoSettings().first()->bitRate() == 3333; }));
-    ASSERT_TRUE(LiveStore::settle(*m_manager));
-    EXPECT_EQ(m_store.onDisk("HLS Preset")->videoSettings().first()->bitRate(), 3333);
-    EXPECT_EQ(m_manager->presets().size(), 4);
-
-    ASSERT_TRUE(m_store.runElsewhere(u"sed 's/4500/6666/' B.json > Z.json"_s));
+    ASSERT_TRUE(m_store.runElsewhere(
+        u"for n in 'HLS Preset' Z; do sed 's/4500/3333/' B.json > \"$n.json\"; done; echo { > 'SRT Preset.json'"_s));
+    const auto added = m_manager->addNewPreset(StreamingType::hls);
+    added->videoSettings().first()->setBitRate(1);
+    m_manager->save(added);
+    const auto besideBroken = m_manager->addNewPreset(StreamingType::srt);
     EXPECT_TRUE(m_manager->rename(m_a, u"A"_s, u"Z"_s));
+    m_manager->setSelectedPreset(m_a);
     ASSERT_TRUE(LiveStore::settle(*m_manager));
-    EXPECT_EQ(m_store.logOf("Error"_L1).first(), u"Error writing preset Z: File exists"_s);
-    EXPECT_EQ(m_store.onDisk("Z")->videoSettings().first()->bitRate(), 6666);
-    EXPECT_TRUE(m_store.onDisk("A"));
+    EXPECT_TRUE(waitFor([&] { return !m_manager->hasPendingSaves() && m_manager->presets().size() == 7; }));
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"B"_s, u"C"_s, u"HLS Preset"_s, u"HLS Preset 2"_s,
+                                                u"SRT Preset 2"_s, u"Z"_s, u"Z 2"_s}));
+    EXPECT_EQ(m_store.onDisk("HLS Preset")->videoSettings().first()->bitRate(), 3333);
+    EXPECT_EQ(m_store.onDisk("HLS Preset 2")->videoSettings().first()->bitRate(), 1);
+    EXPECT_EQ(m_store.onDisk("Z")->videoSettings().first()->bitRate(), 3333);
+    EXPECT_EQ(m_a->name(), u"Z 2"_s);
+    EXPECT_TRUE(m_store.onDisk("Z 2"));
+    EXPECT_FALSE(m_store.onDisk("A"));
+    EXPECT_EQ(besideBroken->name(), u"SRT Preset 2"_s);
+    EXPECT_TRUE(std::filesystem::exists(m_store.file("SRT Preset.json")));
+}
+
+TEST(FolderStories, APresetAddedBeforeTheFolderIsReadLeavesItsFilesAlone)
+{
+    LiveStore store;
+    store.writePreset(u"HLS Preset"_s, StreamingType::hls, 3333);
+    PresetsManager manager([&] { return QStringList{store.dataDirectory()}; });
+    const auto added = manager.addNewPreset(StreamingType::hls);
+    added->videoSettings().first()->setBitRate(1);
+    manager.save(added);
+    EXPECT_TRUE(manager.rename(added, u"HLS Preset"_s, u"Mine"_s));
+    EXPECT_TRUE(waitFor([&] { return manager.isLoaded() && !manager.hasPendingSaves(); }));
+    EXPECT_EQ(namesOf(manager), (QStringList{u"HLS Preset"_s, u"Mine"_s}));
+    EXPECT_EQ(store.onDisk("HLS Preset")->videoSettings().first()->bitRate(), 3333);
+    EXPECT_EQ(store.onDisk("Mine")->videoSettings().first()->bitRate(), 1);
+}
+
+TEST_F(OpenList, RenamingTakesAForeignChangeAlong)
+{
+    ASSERT_TRUE(m_store.runElsewhere(u"sed -i 's/4500/3333/' A.json"_s));
+    EXPECT_TRUE(m_manager->rename(m_a, u"A"_s, u"Z"_s));
+    EXPECT_TRUE(waitFor([&] { return m_a->videoSettings().first()->bitRate() == 3333; }));
+    ASSERT_TRUE(LiveStore::settle(*m_manager));
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"B"_s, u"C"_s, u"Z"_s}));
+    EXPECT_EQ(m_store.fileNames(), (QStringList{u"B.json"_s, u"C.json"_s, u"Z.json"_s}));
+}
+
+TEST_F(OpenList, ABrokenForeignEditSurvivesASelection)
+{
+    ASSERT_TRUE(elsewhere(u"echo 'half {' > A.json"_s));
+    m_manager->setSelectedPreset(m_a);
+    m_manager->deletePresetFile(u"B"_s);
+    m_manager->setSelectedPreset(m_manager->presetWithName(u"B"_s)); // saved anew: nobody else removed it
+    m_manager->waitForFileTasks();
+    EXPECT_FALSE(m_store.onDisk("A"));
+    EXPECT_TRUE(m_store.onDisk("B"));
+}
+
+TEST_F(OpenList, ObserversMayRemoveWhatIsBeingSelected)
+{
+    const auto b = m_manager->presetWithName(u"B"_s);
+    QObject::connect(m_manager.get(), &PresetsManager::selectedPresetChanged, m_manager.get(),
+                     [&](const auto &preset) { m_manager->remove(preset); });
+    m_manager->setSelectedPreset(b);
+    m_manager->setPresets({m_a, nullptr, m_a});
+    m_manager->waitForFileTasks();
+    EXPECT_EQ(m_manager->presets(), PresetsList{m_a});
+    EXPECT_FALSE(m_store.onDisk("B"));
 }
 
 TEST_F(OpenList, AHalfTypedNameFoolsNobody)

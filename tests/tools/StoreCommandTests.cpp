@@ -143,9 +143,14 @@ TEST_F(StoreCommands, WatchPrintsEveryChangeAndStopsCleanly)
 
 TEST_F(StoreCommands, AFolderThatCannotBeUsedIsAnError)
 {
-    const Finished finished = runProcess({VANTLECTL, "list", "--data-dir", "/dev/null"});
-    EXPECT_EQ(finished.exitCode, 1);
-    EXPECT_TRUE(finished.errors.contains("Error to create directory or start watching: "));
+    const Finished adding = runProcess({VANTLECTL, "add", "HLS", "--data-dir", "/dev/null"});
+    EXPECT_EQ(adding.exitCode, 1);
+    EXPECT_TRUE(adding.errors.contains("Error to create directory or start watching: "));
+    const std::string nowhere = m_data.path("nowhere");
+    const Finished listing = runProcess({VANTLECTL, "list", "--data-dir", nowhere});
+    EXPECT_EQ(listing.exitCode, 1);
+    EXPECT_TRUE(listing.errors.contains("there is no such directory"));
+    EXPECT_FALSE(std::filesystem::exists(nowhere));
 }
 
 } // namespace
