@@ -78,15 +78,21 @@ TEST_P(WatcherUnderRandomChanges, EndsWithWhatIsThere)
     for (int round = 0; round < operations / operationsPerRound; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         const bool isHeld = round % 16 == 7;
+        // A folder that was renamed is read again anyway; in one round it is the overflow alone that asks for
+        // it.
+        const bool overflowsOnly = round == 7;
+        if (overflowsOnly) {
+            ASSERT_TRUE(flushed(*watching.watcher));
+        }
         stream->setReaderHeld(isHeld);
         if (isHeld)
             tell(child, "burst " + std::to_string(enoughToOverflow));
         tell(child,
              "random " + std::to_string(random() % 100'000) + ' ' + std::to_string(operationsPerRound));
         stream->setReaderHeld(false);
-        // A folder that is renamed is read again anyway; here it is the overflow alone that asks for it.
-        if (round == 7) {
+        if (overflowsOnly) {
             ASSERT_TRUE(flushed(*watching.watcher));
+            EXPECT_GT(overflows, 0);
         }
         if (random() % 8 == 0) {
             std::filesystem::rename(folder, outside.path() + "/away");
@@ -109,7 +115,6 @@ TEST_P(WatcherUnderRandomChanges, EndsWithWhatIsThere)
     EXPECT_EQ(watching.recorder->replayed(), there);
     EXPECT_THAT(watching.recorder->contradictions(), testing::IsEmpty());
     EXPECT_GT(there.size(), 0U);
-    EXPECT_GT(overflows, 0);
 }
 
 // Of 10,000 changes by both sides at once, the client hears the other side's.
