@@ -5,6 +5,7 @@
 #include "VantlePresets/store/PresetFiles.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <optional>
@@ -29,6 +30,9 @@ struct ListedPreset
     /// Saves whose outcome is not known yet. What is reported about the file meanwhile may be older than what
     /// they write, and is looked at again afterwards.
     int savesInFlight = 0;
+    /// Since the last save that was written, the names whose files turned out to be somebody else's. The
+    /// first is the one that was wanted.
+    QStringList refusedNames;
     bool wasChangedMeanwhile = false;
 
     /// Lists the preset under its present name. Callable from any thread that owns the preset.

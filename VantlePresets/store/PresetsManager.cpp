@@ -485,6 +485,8 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
 void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcome outcome)
 {
     --entry->savesInFlight;
+    if (outcome == PresetFiles::Outcome::written)
+        entry->refusedNames.clear();
     if (outcome == PresetFiles::Outcome::failed || outcome == PresetFiles::Outcome::refused)
         entry->documentHash.reset(); // not on disk: the next save is one with edits
     if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
@@ -503,9 +505,10 @@ void PresetsManager::Private::giveFreeName(const Entry &entry)
         if (index.find(entry->preset.get()) != entry || entry->savesInFlight > 0)
             return;
     }
-    const QString refused = entry->name;
-    const QString name = uniqueName(refused, [&](const QString &n) {
-        return n == refused || index.isTaken(n, entry->preset.get()) || reconciler->isUnreadable(n);
+    entry->refusedNames.append(entry->name);
+    const QString name = uniqueName(entry->refusedNames.first(), [&](const QString &n) {
+        return entry->refusedNames.contains(n) || index.isTaken(n, entry->preset.get()) ||
+               reconciler->isUnreadable(n);
     });
     entry->preset->setName(name);
     moveEntry(entry, name);
