@@ -282,13 +282,14 @@ void KernelEventStream::lookForFolder()
         folderChanged();
         return;
     }
-    if (!m_reportedMissing) {
-        m_reportedMissing = true;
-        if (!saysMissing(error))
-            qWarning().noquote() << "WatchFolder:" << displayPath(folderPath())
-                                 << QString::fromStdString(error.message());
+    const bool isFirst = !std::exchange(m_reportedMissing, true);
+    if (isFirst && !saysMissing(error))
+        qWarning().noquote() << "WatchFolder:" << displayPath(folderPath())
+                             << QString::fromStdString(error.message());
+    // Said again at each look: the folder may have been back for a moment in between, and some of it may have
+    // been met.
+    if (isFirst || saysMissing(error))
         emitFolderEvent(RootChanged);
-    }
     lookForFolderLater(missingPoll);
 }
 
@@ -316,6 +317,7 @@ void KernelEventStream::rescan()
     if (openFolder()) {
         // Gone meanwhile, or out of descriptors: tried again until it works.
         m_waitingForFolder = true;
+        m_reportedMissing = false;
         lookForFolderLater(missingPoll);
     }
     emitFolderEvent(MustScanSubDirs | KernelDropped | ItemIsDir);

@@ -100,7 +100,7 @@ private:
     std::uint64_t m_drained = 0;
     bool m_folderIsSuspect = false;  // an event said that the folder may have gone
     bool m_waitingForFolder = false; // it was missing at the last look, and the look is repeated
-    bool m_reportedMissing = false;  // and that was reported
+    bool m_reportedMissing = false;  // and that was said
     bool m_lookScheduled = false;
     bool m_overflowed = false; // set by a record, cleared when the rescan is scheduled
     bool m_rescanScheduled = false;
