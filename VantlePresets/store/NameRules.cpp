@@ -41,7 +41,10 @@ const icu::Collator *collator()
     return instance.get();
 }
 
-bool isBlank(QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; }
+bool isBlank(QChar c)
+{
+    return c == u'\t' || c.category() == QChar::Separator_Space;
+}
 
 bool isBlankOrBreak(QChar c)
 {
@@ -135,7 +138,8 @@ QByteArray collationKey(const QString &name)
     const icu::UnicodeString text = toICU(name);
     QByteArray key(2 * name.size() + 16, Qt::Uninitialized);
     const auto fill = [&] {
-        return order->getSortKey(text, reinterpret_cast<uint8_t *>(key.data()), static_cast<int32_t>(key.size()));
+        return order->getSortKey(text, reinterpret_cast<uint8_t *>(key.data()),
+                                 static_cast<int32_t>(key.size()));
     };
     int32_t length = fill();
     if (length > key.size()) {
@@ -146,7 +150,10 @@ QByteArray collationKey(const QString &name)
     return key;
 }
 
-QString trimmedName(const QString &name) { return trimmed(name, isBlankOrBreak); }
+QString trimmedName(const QString &name)
+{
+    return trimmed(name, isBlankOrBreak);
+}
 
 QString uniqueName(const QString &wanted, const NameIsTaken &isTaken)
 {

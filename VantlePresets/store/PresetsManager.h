@@ -29,8 +29,8 @@ class PresetsManager : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PresetsManager)
     Q_PROPERTY(vantle::PresetsList presets READ presets WRITE setPresets NOTIFY presetsChanged)
-    Q_PROPERTY(std::shared_ptr<vantle::VantlePreset> selectedPreset READ selectedPreset WRITE setSelectedPreset
-                   NOTIFY selectedPresetChanged)
+    Q_PROPERTY(std::shared_ptr<vantle::VantlePreset> selectedPreset READ selectedPreset WRITE
+                   setSelectedPreset NOTIFY selectedPresetChanged)
 
 public:
     /// Answers with the directories that may hold the machine's data, best first; only the first counts.

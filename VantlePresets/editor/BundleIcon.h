@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtGui/QColor>
+#include <QtGui/QIcon>
+#include <QtWidgets/QWidget>
+
+namespace vantle {
+
+/// A picture of the component's bundle in its own colours, sharp at every size and scale.
+[[nodiscard]] QIcon bundleIcon(const QString &name);
+
+/// A symbol of the bundle in one colour; without a tint in the text colour of the application's palette,
+/// whatever it is when the symbol is painted.
+[[nodiscard]] QIcon bundleSymbol(const QString &name, const QColor &tint = QColor());
+
+/// An icon that stands in a line of text. Decoration only: it takes no focus and has no accessible name.
+class SymbolView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SymbolView(const QIcon &icon, QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QIcon m_icon;
+};
+
+} // namespace vantle
