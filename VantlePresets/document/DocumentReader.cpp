@@ -7,6 +7,8 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include <string_view>
+
 namespace vantle::document {
 namespace {
 
@@ -20,11 +22,12 @@ const Value &asValue(const void *value)
     return *static_cast<const Value *>(value);
 }
 
-const Value *find(const Value &object, const char *key)
+const Value *find(const Value &object, std::string_view key)
 {
     for (auto member = object.MemberEnd(); member != object.MemberBegin();) {
         --member;
-        if (member->name == rapidjson::StringRef(key))
+        // Not the library's operator==: under C++20's rules it calls itself without end.
+        if (std::string_view(member->name.GetString(), member->name.GetStringLength()) == key)
             return &member->value;
     }
     return nullptr;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <random>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -74,15 +75,24 @@ void writeAll(int file, QByteArrayView content)
     }
 }
 
+constexpr std::string_view kTemporaryPrefix = ".vantle-";
+constexpr std::size_t kTemporaryLetters = 8;
+constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+
 std::string temporaryName()
 {
-    static constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     static thread_local std::mt19937 random{std::random_device{}()};
     std::uniform_int_distribution<std::size_t> pick(0, kLetters.size() - 1);
-    std::string name = ".vantle-";
-    for (int i = 0; i < 8; ++i)
+    std::string name(kTemporaryPrefix);
+    for (std::size_t i = 0; i < kTemporaryLetters; ++i)
         name += kLetters[pick(random)];
     return name;
+}
+
+bool isTemporaryName(std::string_view name)
+{
+    return name.starts_with(kTemporaryPrefix) && name.size() == kTemporaryPrefix.size() + kTemporaryLetters &&
+           name.find_first_not_of(kLetters, kTemporaryPrefix.size()) == std::string_view::npos;
 }
 
 void requireRegular(const struct stat &status)
@@ -100,7 +110,7 @@ std::error_code make_error_code(FileFault fault)
     return {static_cast<int>(fault), category};
 }
 
-std::filesystem::path nativePath(const QString &path)
+std::filesystem::path fileSystemPath(const QString &path)
 {
     return path.toStdString();
 }
@@ -152,7 +162,8 @@ StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView conte
         throw std::system_error(make_error_code(FileFault::badName));
     const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
     try {
-        createTemporary(folder);
+        m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+        createTemporary();
         writeAll(m_file, content);
         checked([&] { return ::fsync(m_file); });
     } catch (...) {
@@ -166,27 +177,37 @@ StagedFile::~StagedFile()
     discard();
 }
 
-void StagedFile::createTemporary(const std::string &folder)
+void StagedFile::createTemporary()
 {
-    m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-
     struct stat old = {};
     const bool replaces =
         ::fstatat(m_folder, m_targetName.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
     // A replaced file's permissions are set once owner and group stand, never wider in between.
     const mode_t mode = replaces ? 0600 : 0666;
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     do {
+        if (m_file >= 0)
+            ::close(m_file);
         m_temporaryName = temporaryName();
-        m_file = ::openat(m_folder, m_temporaryName.c_str(),
-                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-    } while (m_file < 0 && (errno == EEXIST || errno == EINTR));
-    if (m_file < 0) {
-        m_temporaryName.clear();
-        throwLastError();
-    }
-    checked([&] { return ::flock(m_file, LOCK_EX | LOCK_NB); });
+        m_file = ::openat(m_folder, m_temporaryName.c_str(), kFlags, mode);
+        if (m_file < 0 && errno != EEXIST && errno != EINTR) {
+            m_temporaryName.clear();
+            throwLastError();
+        }
+    } while (m_file < 0 || !ownTemporary());
     if (replaces)
         adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
+}
+
+/// Whether the new file is locked and still there: between its creation and its lock, another process
+/// that cleans up may have taken it for a leftover.
+bool StagedFile::ownTemporary() const
+{
+    struct stat byName = {};
+    struct stat byFile = {};
+    return ::flock(m_file, LOCK_EX | LOCK_NB) == 0 && ::fstat(m_file, &byFile) == 0 &&
+           ::fstatat(m_folder, m_temporaryName.c_str(), &byName, AT_SYMLINK_NOFOLLOW) == 0 &&
+           byName.st_ino == byFile.st_ino && byName.st_dev == byFile.st_dev;
 }
 
 void StagedFile::adoptIdentity(mode_t mode, uid_t owner, gid_t group)
@@ -205,6 +226,10 @@ void StagedFile::commit()
 {
     checked([&] { return ::renameat(m_folder, m_temporaryName.c_str(), m_folder, m_targetName.c_str()); });
     m_temporaryName.clear();
+}
+
+void StagedFile::syncFolder()
+{
     // A file system that can't sync a folder says EINVAL; the rename itself is done.
     if (::fsync(m_folder) != 0 && errno != EINVAL)
         throwLastError();
@@ -219,6 +244,25 @@ void StagedFile::discard() noexcept
         if (*descriptor >= 0)
             ::close(*descriptor);
         *descriptor = -1;
+    }
+}
+
+void removeLeftoverFiles(const std::filesystem::path &folder) noexcept
+{
+    try {
+        for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+            if (!isTemporaryName(entry.path().filename().string()))
+                continue;
+            const int file =
+                ::open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+            if (file < 0)
+                continue;
+            const Descriptor closer(file);
+            if (::flock(file, LOCK_EX | LOCK_NB) == 0)
+                ::unlink(entry.path().c_str());
+        }
+    } catch (const std::exception &) {
+        // The folder can't be listed: whoever uses it will say so.
     }
 }
 

@@ -25,7 +25,7 @@ enum class FileFault {
 [[nodiscard]] std::error_code make_error_code(FileFault fault);
 
 /// The path in the file system's bytes. Names are UTF-8 in every locale.
-[[nodiscard]] std::filesystem::path nativePath(const QString &path);
+[[nodiscard]] std::filesystem::path fileSystemPath(const QString &path);
 
 /// Reads a whole regular file, through links. Never blocks on a FIFO or device. Throws std::system_error
 /// whose what() is the bare reason ("Permission denied"), with a FileFault or the system's code.
@@ -39,11 +39,11 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 /// A file's new content, complete and on disk, but not yet in its place.
 ///
 /// The constructor writes a hidden temporary file (".vantle-" and eight letters, locked with flock while
-/// it is in use) into the target's folder and syncs it; commit() renames it over the target and syncs the
-/// folder, so that readers and power failures find the old content or the new one, whole. Without a
-/// commit the temporary file is removed. A target that exists keeps its mode, and its owner and group as
-/// far as the process may set them; permissions for a group that could not be kept are dropped. A new
-/// file obeys the umask. A link as target is replaced, never followed.
+/// it is in use) into the target's folder and syncs it; commit() renames it over the target and
+/// syncFolder() makes the renaming last, so that readers and power failures find the old content or the
+/// new one, whole. Without a commit the temporary file is removed. A target that exists keeps its mode, and
+/// its owner and group as far as the process may set them; permissions for a group that could not be kept are
+/// dropped. A new file obeys the umask. A link as target is replaced, never followed.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile
@@ -55,9 +55,11 @@ public:
     StagedFile &operator=(const StagedFile &) = delete;
 
     void commit();
+    void syncFolder();
 
 private:
-    void createTemporary(const std::string &folder);
+    void createTemporary();
+    [[nodiscard]] bool ownTemporary() const;
     void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
     void discard() noexcept;
 
@@ -66,6 +68,10 @@ private:
     int m_folder = -1;
     int m_file = -1;
 };
+
+/// Removes the temporary files of StagedFile that killed processes left in a folder: those that nobody
+/// has locked. Silent about what can't be removed.
+void removeLeftoverFiles(const std::filesystem::path &folder) noexcept;
 
 } // namespace vantle
 

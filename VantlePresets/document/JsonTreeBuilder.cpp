@@ -69,7 +69,11 @@ bool JsonTreeBuilder::RawNumber(const char *text, rapidjson::SizeType length, bo
         return m_tree.Int64(*integer);
 
     double real = 0;
-    if (std::from_chars(text, text + length, real).ec != std::errc()) {
+    // Out of range is too large or too small; a number too small is zero. The parser has refused large
+    // integer parts, which leaves a positive exponent as the only way to be too large.
+    const std::size_t exponentAt = number.find_first_of("eE");
+    const bool canBeLarge = exponentAt != std::string_view::npos && number[exponentAt + 1] != '-';
+    if (std::from_chars(text, text + length, real).ec != std::errc() && canBeLarge) {
         m_refusal = QStringLiteral("number out of range");
         return false;
     }

@@ -7,6 +7,8 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
+#include <typeinfo>
+
 namespace vantle {
 
 std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name)
@@ -50,6 +52,19 @@ std::shared_ptr<VantlePreset> readPresetFile(const std::filesystem::path &path)
     auto preset = decodePreset(readFile(path));
     preset->setName(presetNameFromPath(QString::fromStdString(path.string())));
     return preset;
+}
+
+bool updatePreset(VantlePreset &preset, const VantlePreset &source)
+{
+    if (typeid(preset) != typeid(source))
+        return false;
+    if (auto *const rtmp = dynamic_cast<RTMPVantlePreset *>(&preset))
+        rtmp->update(static_cast<const RTMPVantlePreset &>(source));
+    else if (auto *const srt = dynamic_cast<SRTVantlePreset *>(&preset))
+        srt->update(static_cast<const SRTVantlePreset &>(source));
+    else
+        preset.update(source);
+    return true;
 }
 
 } // namespace vantle

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/document/DocumentError.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QByteArrayView>
@@ -20,5 +21,9 @@ namespace vantle {
 /// Reads a preset file of any kind; the preset is named after the file. Throws DecodingError, or
 /// std::system_error when the file can't be read. Callable from any thread, to which the preset belongs.
 [[nodiscard]] std::shared_ptr<VantlePreset> readPresetFile(const std::filesystem::path &path);
+
+/// Takes over all that the class's document keeps, with the class's own update(). False, without a change,
+/// when the two presets are not of the same class.
+bool updatePreset(VantlePreset &preset, const VantlePreset &source);
 
 } // namespace vantle

@@ -62,7 +62,7 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::withFileAtPath(const QString
     if (!preset->readBaseFromFile(path))
         return nullptr;
     try {
-        const document::Document json(readFile(nativePath(path)));
+        const document::Document json(readFile(fileSystemPath(path)));
         const auto decoded = decode(json.root());
         preset->m_streamingURL = decoded->m_streamingURL;
         preset->m_streamingProtocol = decoded->m_streamingProtocol;

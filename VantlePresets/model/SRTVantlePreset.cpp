@@ -38,7 +38,7 @@ std::shared_ptr<SRTVantlePreset> SRTVantlePreset::withFileAtPath(const QString &
     if (!preset->readBaseFromFile(path))
         return nullptr;
     try {
-        const document::Document json(readFile(nativePath(path)));
+        const document::Document json(readFile(fileSystemPath(path)));
         const auto decoded = RTMPVantlePreset::decode(json.root());
         preset->m_streamingURL = decoded->streamingURL();
         preset->m_portNumber = decoded->portNumber();

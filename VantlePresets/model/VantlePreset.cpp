@@ -74,7 +74,7 @@ QByteArray VantlePreset::encoded(document::Format format) const
 bool VantlePreset::writeToFileAtPath(const QString &path) const
 {
     try {
-        writeFileInPlace(nativePath(path), encoded(document::Format::pretty));
+        writeFileInPlace(fileSystemPath(path), encoded(document::Format::pretty));
         return true;
     } catch (const std::exception &) {
         return false;
@@ -144,6 +144,18 @@ void VantlePreset::update()
     Q_EMIT objectWillChange();
 }
 
+void VantlePreset::moveWithSettingsToThread(QThread *thread)
+{
+    moveToThread(thread);
+    for (const auto &rendition : std::as_const(m_videoSettings))
+        rendition->moveToThread(thread);
+    for (const auto &track : std::as_const(m_audioSettings))
+        track->moveToThread(thread);
+    // After the factory's reading it is a track of its own; after others it is one of the list.
+    if (m_defaultAudioSettings && m_defaultAudioSettings->thread() != thread)
+        m_defaultAudioSettings->moveToThread(thread);
+}
+
 void VantlePreset::audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track, bool isDefault)
 {
     if (!isDefault)
@@ -191,7 +203,7 @@ void VantlePreset::decodeListsAgain(const document::ObjectReader &root)
 bool VantlePreset::readBaseFromFile(const QString &path)
 {
     try {
-        const document::Document json(readFile(nativePath(path)));
+        const document::Document json(readFile(fileSystemPath(path)));
         decodeBase(json.root());
     } catch (const std::exception &) {
         return false;

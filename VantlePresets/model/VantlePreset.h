@@ -104,6 +104,9 @@ public:
     /// Emits objectWillChange() alone, after a change inside a settings object.
     void update();
 
+    /// Hands the preset and its settings objects to another thread. Called on the thread that owns them.
+    void moveWithSettingsToThread(QThread *thread);
+
     /// Clears the flag of all other tracks when a track became the default, and notes the track.
     void audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track, bool isDefault) override;
 

@@ -24,7 +24,7 @@ icu::UnicodeString toICU(const QString &text)
 
 QString fromICU(const icu::UnicodeString &text)
 {
-    return {reinterpret_cast<const QChar *>(text.getBuffer()), text.length()};
+    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
 }
 
 /// One collator a thread, as they are not documented as safe to share.

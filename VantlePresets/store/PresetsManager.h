@@ -55,6 +55,9 @@ public:
     /// Sorts the new list. Clears the selection when it is not in it. No file is touched.
     void setPresets(const PresetsList &presets);
 
+    /// Whether the first inventory of the folder has been read; see didLoad().
+    [[nodiscard]] bool isLoaded() const;
+
     /// One of presets(), or null.
     [[nodiscard]] const std::shared_ptr<VantlePreset> &selectedPreset() const;
     /// Selects and saves; every assignment of a preset saves it, the same preset included. A preset that
@@ -102,6 +105,9 @@ public:
     void waitForFileTasks();
 
 Q_SIGNALS:
+    /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.
+    void didLoad();
+
     /// After each operation and each change from outside that touches the list, once.
     void presetsChanged(const vantle::PresetsList &presets);
     /// At every assignment, also of the preset that is selected already.

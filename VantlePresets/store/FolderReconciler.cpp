@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/store/FolderReconciler.h"
+
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/core/ProgrammingFault.h"
+#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/MainThreadQueue.h"
+#include "watchfolder/NativePath.h"
+#include "watchfolder/VRXWatchFolder.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <thread>
+
+namespace vantle {
+
+using namespace Qt::StringLiterals;
+
+struct FolderReconciler::PresetFile
+{
+    std::string path; // the file system's bytes
+    QString fileName;
+    QString name; ///< the preset's: the file name without its extension
+    bool isUtf8;
+};
+
+std::size_t documentHash(const QByteArray &document)
+{
+    return qHash(document, 0);
+}
+
+FolderReconciler::FolderReconciler(MainThreadQueue &queue, Receiver &receiver)
+    : m_queue(queue), m_receiver(receiver)
+{
+}
+
+/// Nothing for a URL that does not belong to the store: the extension must be "json", in this case.
+std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(const QUrl &url)
+{
+    constexpr std::string_view kExtension = ".json";
+    std::string path = nativePathOfUrl(url);
+    const std::string_view name = splitPath(path).name;
+    if (name.size() <= kExtension.size() || !name.ends_with(kExtension))
+        return std::nullopt;
+    const QByteArrayView bytes(name.data(), static_cast<qsizetype>(name.size()));
+    const QString fileName = QString::fromUtf8(bytes);
+    const bool isUtf8 = fileName.toUtf8() == bytes;
+    return PresetFile{std::move(path), fileName, presetNameFromPath(fileName), isUtf8};
+}
+
+/// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
+std::shared_ptr<ListedPreset> FolderReconciler::load(const PresetFile &file) const
+{
+    try {
+        if (!file.isUtf8)
+            throw std::runtime_error("File name is not UTF-8");
+        const auto preset = decodePreset(readFile(file.path));
+        preset->setName(file.name);
+        auto listed = std::make_shared<ListedPreset>(preset);
+        listed->hasFile = true;
+        listed->documentHash = documentHash(preset->encoded(document::Format::compact));
+        preset->moveWithSettingsToThread(m_queue.thread());
+        return listed;
+    } catch (const std::exception &error) {
+        logLine("Error loading Preset "_L1 + file.fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        return nullptr;
+    }
+}
+
+void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder)
+{
+    if (!watchFolder)
+        programmingFault("a reload without its watch folder");
+
+    std::vector<PresetFile> files;
+    for (const QUrl &url : watchFolder->URLs()) {
+        if (auto file = presetFile(url))
+            files.push_back(std::move(*file));
+    }
+
+    PresetIndex::Entries entries(files.size());
+    std::atomic<std::size_t> next = 0;
+    const auto loadSome = [&] {
+        constexpr std::size_t kChunk = 32;
+        for (std::size_t begin; (begin = next.fetch_add(kChunk)) < files.size() && !m_isCancelled;) {
+            for (std::size_t i = begin; i < std::min(begin + kChunk, files.size()); ++i)
+                entries[i] = load(files[i]);
+        }
+    };
+    {
+        std::vector<std::jthread> others;
+        const std::size_t wanted =
+            std::min<std::size_t>(std::thread::hardware_concurrency(), files.size() / 64);
+        for (std::size_t i = 1; i < wanted; ++i)
+            others.emplace_back(loadSome);
+        loadSome();
+    }
+    if (m_isCancelled)
+        return;
+
+    for (std::size_t i = 0; i < files.size(); ++i)
+        noteReadability(files[i], entries[i] != nullptr);
+    std::erase(entries, nullptr);
+    const auto loaded = std::make_shared<PresetIndex>();
+    loaded->merge(std::move(entries));
+    m_queue.post([this, loaded] { m_receiver.presetsLoaded(std::move(*loaded)); });
+}
+
+void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
+{
+    if (const auto file = presetFile(url))
+        loadAndAdd(*file);
+}
+
+void FolderReconciler::loadAndAdd(const PresetFile &file)
+{
+    const auto listed = load(file);
+    noteReadability(file, listed != nullptr);
+    if (listed)
+        m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
+}
+
+void FolderReconciler::noteReadability(const PresetFile &file, bool isReadable)
+{
+    const std::lock_guard lock(m_mutex);
+    if (isReadable)
+        m_unreadable.remove(file.name);
+    else
+        m_unreadable.insert(file.name);
+}
+
+bool FolderReconciler::isUnreadable(const QString &name) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_unreadable.contains(name);
+}
+
+void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &url, bool)
+{
+    const auto file = presetFile(url);
+    if (!file)
+        return;
+    noteReadability(*file, true); // there is nothing left to read
+    m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
+}
+
+void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
+{
+    const auto file = presetFile(url);
+    if (!file)
+        return;
+    if (isUnreadable(file->name))
+        loadAndAdd(*file);
+    else
+        reread(url);
+}
+
+void FolderReconciler::reread(const QUrl &url) const
+{
+    const auto file = presetFile(url);
+    if (!file)
+        return;
+    QByteArray document;
+    try {
+        document = readFile(file->path);
+    } catch (const std::exception &error) {
+        logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        return;
+    }
+    try {
+        const auto source = decodePreset(document);
+        source->setName(file->name);
+        source->moveWithSettingsToThread(m_queue.thread());
+        m_queue.post([this, source] { m_receiver.presetUpdated(source->name(), source); });
+    } catch (const std::exception &) {
+        // Half an edit of somebody's: the preset stays as it is until the file can be read again.
+    }
+}
+
+} // namespace vantle

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/store/PresetIndex.h"
+#include "watchfolder/VRXWatchFolderDelegate.h"
+
+#include <QtCore/QSet>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace vantle {
+
+class MainThreadQueue;
+
+/// Turns what the watcher reports into presets: reads and decodes the files on the watcher's queue (the
+/// first inventory on all cores) and hands the results to the main thread, in order.
+class FolderReconciler final : public VRXWatchFolderDelegate
+{
+public:
+    /// Takes the results, on the main thread.
+    class Receiver
+    {
+    public:
+        virtual void presetsLoaded(PresetIndex loaded) = 0;
+        virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
+        virtual void presetRemoved(const QString &name) = 0;
+        virtual void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source) = 0;
+
+    protected:
+        ~Receiver() = default;
+    };
+
+    /// Queue and receiver must live until the watcher has stopped.
+    FolderReconciler(MainThreadQueue &queue, Receiver &receiver);
+
+    /// Lets a running load end early; its results are dropped. Callable from any thread.
+    void cancel() { m_isCancelled = true; }
+
+    /// Whether the preset's file is there but could not be loaded. Callable from any thread.
+    [[nodiscard]] bool isUnreadable(const QString &name) const;
+
+    /// Reads a preset's file again and reports it as an update. Callable from any thread.
+    void reread(const QUrl &url) const;
+
+    void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
+    void watchFolderFileAddedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
+    void watchFolderFileRemovedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
+    void watchFolderFileUpdatedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
+
+private:
+    struct PresetFile;
+
+    static std::optional<PresetFile> presetFile(const QUrl &url);
+    std::shared_ptr<ListedPreset> load(const PresetFile &file) const;
+    void loadAndAdd(const PresetFile &file);
+    void noteReadability(const PresetFile &file, bool isReadable);
+
+    MainThreadQueue &m_queue;
+    Receiver &m_receiver;
+    std::atomic<bool> m_isCancelled = false;
+    mutable std::mutex m_mutex;
+    QSet<QString> m_unreadable; // names of files that could not be loaded; guarded by m_mutex
+};
+
+/// Of a preset's document; equal documents have equal hashes.
+[[nodiscard]] std::size_t documentHash(const QByteArray &document);
+
+} // namespace vantle

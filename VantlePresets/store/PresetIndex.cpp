@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/store/PresetIndex.h"
+
+#include "VantlePresets/store/NameRules.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace vantle {
+namespace {
+
+bool precedes(const std::shared_ptr<ListedPreset> &a, const std::shared_ptr<ListedPreset> &b)
+{
+    return a->precedes(*b);
+}
+
+} // namespace
+
+ListedPreset::ListedPreset(std::shared_ptr<VantlePreset> listed) : preset(std::move(listed))
+{
+    setName(preset->name());
+}
+
+void ListedPreset::setName(const QString &newName)
+{
+    name = newName;
+    canonicalName = vantle::canonicalName(newName);
+    collationKey = vantle::collationKey(newName);
+}
+
+bool ListedPreset::precedes(const ListedPreset &other) const
+{
+    if (const int order = collationKey.compare(other.collationKey); order != 0)
+        return order < 0;
+    return name < other.name;
+}
+
+ListedPreset *PresetIndex::find(const VantlePreset *preset) const
+{
+    const auto found = m_byPreset.find(preset);
+    return found == m_byPreset.end() ? nullptr : found->second;
+}
+
+ListedPreset *PresetIndex::findNamed(const QString &name) const
+{
+    const auto [begin, end] = m_byName.equal_range(canonicalName(name));
+    ListedPreset *first = nullptr;
+    bool firstIsExact = false;
+    for (auto entry = begin; entry != end; ++entry) {
+        const bool isExact = (*entry)->name == name;
+        const bool isBetter = !first || (isExact && !firstIsExact) ||
+                              (isExact == firstIsExact && rowOf(**entry) < rowOf(*first));
+        if (isBetter) {
+            first = *entry;
+            firstIsExact = isExact;
+        }
+    }
+    return first;
+}
+
+bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
+{
+    const auto [begin, end] = m_byName.equal_range(canonicalName(name));
+    return std::any_of(begin, end, [&](const ListedPreset *entry) { return entry->preset.get() != except; });
+}
+
+int PresetIndex::rowOf(const ListedPreset &entry) const
+{
+    auto at = std::lower_bound(m_entries.begin(), m_entries.end(), entry,
+                               [](const auto &listed, const ListedPreset &e) { return listed->precedes(e); });
+    while (at->get() != &entry) // entries of one name
+        ++at;
+    return static_cast<int>(at - m_entries.begin());
+}
+
+int PresetIndex::insertionRow(const ListedPreset &entry) const
+{
+    const auto at =
+        std::upper_bound(m_entries.begin(), m_entries.end(), entry,
+                         [](const ListedPreset &e, const auto &listed) { return e.precedes(*listed); });
+    return static_cast<int>(at - m_entries.begin());
+}
+
+void PresetIndex::insert(int row, std::shared_ptr<ListedPreset> entry)
+{
+    enter(entry.get());
+    m_presets.insert(row, entry->preset);
+    m_entries.insert(m_entries.begin() + row, std::move(entry));
+}
+
+void PresetIndex::remove(int row)
+{
+    const auto at = m_entries.begin() + row;
+    leave(at->get());
+    m_presets.removeAt(row);
+    m_entries.erase(at);
+}
+
+void PresetIndex::rename(ListedPreset &entry, const QString &name, int from, int to)
+{
+    leave(&entry);
+    entry.setName(name);
+    enter(&entry);
+    m_presets.move(from, to);
+    const auto begin = m_entries.begin();
+    if (from < to)
+        std::rotate(begin + from, begin + from + 1, begin + to + 1);
+    else
+        std::rotate(begin + to, begin + from, begin + from + 1);
+}
+
+void PresetIndex::merge(Entries entries)
+{
+    sort(entries);
+    for (const auto &entry : entries)
+        enter(entry.get());
+    if (m_entries.empty()) {
+        m_entries = std::move(entries);
+    } else {
+        Entries merged;
+        merged.reserve(m_entries.size() + entries.size());
+        std::merge(std::make_move_iterator(m_entries.begin()), std::make_move_iterator(m_entries.end()),
+                   std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()),
+                   std::back_inserter(merged), precedes);
+        m_entries = std::move(merged);
+    }
+    PresetsList presets;
+    presets.reserve(static_cast<qsizetype>(m_entries.size()));
+    for (const auto &entry : m_entries)
+        presets.append(entry->preset);
+    m_presets = presets;
+}
+
+PresetIndex::Entries PresetIndex::takeEntries()
+{
+    m_presets.clear();
+    m_byPreset.clear();
+    m_byName.clear();
+    return std::exchange(m_entries, {});
+}
+
+void PresetIndex::sort(Entries &entries)
+{
+    std::stable_sort(entries.begin(), entries.end(), precedes);
+}
+
+void PresetIndex::enter(ListedPreset *entry)
+{
+    m_byPreset.emplace(entry->preset.get(), entry);
+    m_byName.insert(entry->canonicalName, entry);
+}
+
+void PresetIndex::leave(ListedPreset *entry)
+{
+    m_byPreset.erase(entry->preset.get());
+    m_byName.remove(entry->canonicalName, entry);
+}
+
+} // namespace vantle

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+#include <QtCore/QHash>
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace vantle {
+
+using PresetsList = QList<std::shared_ptr<VantlePreset>>;
+
+/// What the store knows about a listed preset beside the preset itself.
+struct ListedPreset
+{
+    std::shared_ptr<VantlePreset> preset;
+    /// The name of the preset's file, which its name() differs from while a user types.
+    QString name;
+    QString canonicalName;
+    QByteArray collationKey;
+    /// Of the document that was last loaded or saved; nothing before the first save and after a failed one.
+    std::optional<std::size_t> documentHash;
+    /// Loaded from its file, or saved to it.
+    bool hasFile = false;
+    /// A save was skipped because another process had just made a file of this name.
+    bool awaitsForeignFile = false;
+    /// Saves whose outcome is not known yet, and what was reported about the file meanwhile: a removal or a
+    /// change that was seen before the outcome may be older than what the save wrote.
+    int savesInFlight = 0;
+    bool wasRemovedMeanwhile = false;
+    bool wasChangedMeanwhile = false;
+
+    /// Lists the preset under its present name. Callable from any thread that owns the preset.
+    explicit ListedPreset(std::shared_ptr<VantlePreset> listed);
+    void setName(const QString &newName);
+
+    /// The order of the list; names that the locale does not tell apart are ordered by their code units.
+    [[nodiscard]] bool precedes(const ListedPreset &other) const;
+};
+
+/// The sorted list of presets with the ways to find one in it: by identity, by name, by row. Nothing is
+/// ever sorted anew because one entry came or went.
+class PresetIndex
+{
+public:
+    using Entries = std::vector<std::shared_ptr<ListedPreset>>;
+
+    [[nodiscard]] const PresetsList &presets() const { return m_presets; }
+
+    [[nodiscard]] ListedPreset *find(const VantlePreset *preset) const;
+    /// Under canonical equivalence; of several an entry with these code units, else the first of the list.
+    [[nodiscard]] ListedPreset *findNamed(const QString &name) const;
+    /// Whether an entry other than the given one has the name.
+    [[nodiscard]] bool isTaken(const QString &name, const VantlePreset *except = nullptr) const;
+
+    [[nodiscard]] int rowOf(const ListedPreset &entry) const;
+    /// Where the entry, listed or not, belongs among the others.
+    [[nodiscard]] int insertionRow(const ListedPreset &entry) const;
+
+    void insert(int row, std::shared_ptr<ListedPreset> entry);
+    void remove(int row);
+    /// Gives the entry a name and moves it to the row that follows from it, counted without the entry.
+    void rename(ListedPreset &entry, const QString &name, int from, int to);
+
+    /// Adds many entries at once.
+    void merge(Entries entries);
+    /// Leaves the index empty.
+    [[nodiscard]] Entries takeEntries();
+
+    /// In the order of the list.
+    static void sort(Entries &entries);
+
+private:
+    void enter(ListedPreset *entry);
+    void leave(ListedPreset *entry);
+
+    Entries m_entries;
+    PresetsList m_presets; // the same rows
+    std::unordered_map<const VantlePreset *, ListedPreset *> m_byPreset;
+    QMultiHash<QString, ListedPreset *> m_byName; // canonical names
+};
+
+} // namespace vantle

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtCore/QStringList>
+
+namespace vantle {
+
+/// The machine-wide data directories, best first: /var/lib, the state that all users of a machine share.
+[[nodiscard]] QStringList machineDataDirectories();
+
+/// "<data directory>/Orvalle/Streaming Presets".
+[[nodiscard]] QString presetsFolderPath(const QString &dataDirectory);
+
+/// Makes the folder and its parents if nothing is at its path. Throws std::system_error.
+void ensureFolder(const QString &path);
+
+} // namespace vantle

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "watchfolder/NativePath.h"
+#include "watchfolder/VRXWatchFolder.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSocketNotifier>
+
+#include <sys/signalfd.h>
+
+#include <csignal>
+#include <cstdio>
+
+using namespace vantle;
+
+namespace {
+
+struct Options
+{
+    std::string folder;
+    bool deep = false;
+    double latency = 1.0;
+    std::vector<std::string> extensions;
+    std::vector<std::string> types;
+    bool includeSelf = false;
+    std::string backend = "auto";
+    bool json = false;
+};
+
+const std::map<std::string, WatchBackend> backends = {{"auto", WatchBackend::Automatic},
+                                                      {"fanotify", WatchBackend::Fanotify},
+                                                      {"inotify", WatchBackend::Inotify}};
+
+QStringList toStrings(const std::vector<std::string> &texts)
+{
+    QStringList strings;
+    for (const std::string &text : texts)
+        strings.append(QString::fromStdString(text));
+    return strings;
+}
+
+/// Prints each callback as a line: words, or with --json an object.
+class Printer final : public VRXWatchFolderDelegate
+{
+public:
+    explicit Printer(bool json) : m_json(json) {}
+
+    void watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool isDirectory) override
+    {
+        printItem("added", url, isDirectory);
+    }
+    void watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &url, bool isDirectory) override
+    {
+        printItem("removed", url, isDirectory);
+    }
+    void watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool isDirectory) override
+    {
+        printItem("updated", url, isDirectory);
+    }
+    void watchFolderAddedURLsUpdatedURLsDeletedURLs(VRXWatchFolder *, const QList<QUrl> &added,
+                                                    const QList<QUrl> &updated,
+                                                    const QList<QUrl> &deleted) override
+    {
+        if (m_json)
+            printObject("batch", {{QStringLiteral("added"), added.size()},
+                                  {QStringLiteral("updated"), updated.size()},
+                                  {QStringLiteral("removed"), deleted.size()}});
+        else
+            print("batch " + std::to_string(added.size()) + ' ' + std::to_string(updated.size()) + ' ' +
+                  std::to_string(deleted.size()));
+    }
+    void watchFolderBecameUnreachable(VRXWatchFolder *) override { printWord("unreachable"); }
+    void watchFolderDidReloadCurrentURLs(VRXWatchFolder *) override { printWord("reloaded"); }
+    bool shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *, const std::error_code &error,
+                                                     const QUrl &url) override
+    {
+        std::fprintf(stderr, "vrxwatch: %s: %s\n", nativePathOfUrl(url).c_str(), error.message().c_str());
+        return true;
+    }
+
+private:
+    void printItem(const char *word, const QUrl &url, bool isDirectory)
+    {
+        const std::string path = nativePathOfUrl(url);
+        if (m_json)
+            printObject(word, {{QStringLiteral("path"), displayPath(path)},
+                               {QStringLiteral("url"), QString::fromLatin1(url.toEncoded())},
+                               {QStringLiteral("directory"), isDirectory}});
+        else
+            print(std::string(word) + ' ' + path);
+    }
+    void printWord(const char *word)
+    {
+        if (m_json)
+            printObject(word, {});
+        else
+            print(word);
+    }
+    void printObject(const char *word, QJsonObject object)
+    {
+        object.insert(QStringLiteral("event"), QString::fromLatin1(word));
+        print(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString());
+    }
+    // Whoever reads the other end of a pipe sees each line as it comes.
+    void print(const std::string &line)
+    {
+        std::fprintf(stdout, "%s\n", line.c_str());
+        std::fflush(stdout);
+    }
+
+    const bool m_json;
+};
+
+/// Ends the event loop on SIGINT and SIGTERM. Has to be made before any other thread, so that all block them.
+class StopOnSignal
+{
+public:
+    StopOnSignal()
+    {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        sigprocmask(SIG_BLOCK, &signals, nullptr);
+        const int descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+        m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                         [] { QCoreApplication::quit(); });
+    }
+
+private:
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+int watch(const Options &options)
+{
+    const auto printer = std::make_shared<Printer>(options.json);
+    const QString folder = QDir(QString::fromStdString(options.folder)).absolutePath();
+    VRXWatchFolder watcher(folder, printer, options.deep, options.latency, toStrings(options.types),
+                           toStrings(options.extensions));
+    watcher.setIgnoreSelf(!options.includeSelf);
+    watcher.setBackend(backends.at(options.backend));
+    WatchFolderError error;
+    if (!watcher.startWatching(&error)) {
+        const QString reason = error.reason.isEmpty() ? QString() : QStringLiteral(": ") + error.reason;
+        std::fprintf(stderr, "vrxwatch: %s%s\n", qUtf8Printable(error.description), qUtf8Printable(reason));
+        return 1;
+    }
+    const int result = QCoreApplication::exec();
+    watcher.stopWatching();
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    Options options;
+    CLI::App commandLine("Prints what appears, changes and disappears in a folder.", "vrxwatch");
+    commandLine.add_option("DIR", options.folder, "The folder to watch")->required();
+    commandLine.add_flag("--deep", options.deep, "Watch the directories below it too");
+    commandLine.add_option("--latency", options.latency, "Seconds for which events are collected")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, 3600.0));
+    commandLine.add_option("--ext", options.extensions, "Only files with one of these extensions (a,b)")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    commandLine.add_option("--type", options.types, "Only files of one of these MIME types (a,b)")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    commandLine.add_flag("--include-self", options.includeSelf, "Report what vrxwatch itself changes");
+    commandLine.add_option("--backend", options.backend, "Where events come from")
+        ->capture_default_str()
+        ->check(CLI::IsMember(backends));
+    commandLine.add_flag("--json", options.json, "Print one JSON object per line");
+    CLI11_PARSE(commandLine, argc, argv);
+
+    const QCoreApplication application(argc, argv);
+    const StopOnSignal stopOnSignal;
+    return watch(options);
+}

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <system_error>
+
+namespace vantle {
+
+using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
+
+/// What one statx says about a path. A link is described itself, never its target.
+struct FileState
+{
+    FileTime modified;
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t size = 0;
+    std::uint32_t linkCount = 0;
+    bool isDirectory = false;
+    bool isRegular = false;
+};
+
+enum class Follow { No, Links };
+
+/// None with the error set when the state can't be read.
+std::optional<FileState> readFileState(int directory, const char *name, Follow follow,
+                                       std::error_code &error);
+std::optional<FileState> readFileState(const char *path, std::error_code &error);
+
+/// True when the error says that nothing is at the path (any other leaves that open).
+bool saysMissing(const std::error_code &error);
+
+} // namespace vantle

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "watchfolder/FolderInventory.h"
+
+#include "watchfolder/NativePath.h"
+
+namespace vantle {
+
+std::optional<Inventory::Record> FolderInventory::find(std::string_view path) const
+{
+    const std::lock_guard lock(m_mutex);
+    const Inventory::Record *record = m_inventory.find(path);
+    return record == nullptr ? std::nullopt : std::optional(*record);
+}
+
+void FolderInventory::forEach(
+    const std::function<void(const std::string &, const Inventory::Record &)> &visit) const
+{
+    const std::lock_guard lock(m_mutex);
+    m_inventory.forEach(visit);
+}
+
+std::vector<std::string> FolderInventory::pathsBelow(std::string_view directory) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_inventory.pathsBelow(directory);
+}
+
+void FolderInventory::setOwnEventsAreTold(bool told)
+{
+    const std::lock_guard lock(m_mutex);
+    m_ownEventsAreTold = told;
+}
+
+Finding FolderInventory::compare(const ChangedPath &changed)
+{
+    const std::lock_guard lock(m_mutex);
+    std::error_code error;
+    const auto state = readState(changed.path, error);
+    Inventory::Record *record = m_inventory.find(changed.path);
+    const bool isOwn = changed.cause != ChangedPath::Foreign;
+
+    if (!state) {
+        if (record == nullptr || !saysMissing(error))
+            return {};
+        if (changed.cause == ChangedPath::OwnRemoval) {
+            removeWithDescendants(changed.path);
+            return {};
+        }
+        return {.difference = Finding::Missing, .wasDirectory = record->state.isDirectory};
+    }
+    if (record == nullptr) {
+        m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .own = isOwn});
+        return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
+    }
+
+    bool differs = !record->hasState || state->modified != record->state.modified;
+    if (record->own)
+        differs = differs || m_ownEventsAreTold || state->inode != record->state.inode ||
+                  state->size != record->state.size;
+    const Finding finding{.difference =
+                              differs && !isOwn && !changed.existenceOnly ? Finding::Updated : Finding::None,
+                          .isDirectory = state->isDirectory,
+                          .wasDirectory = record->state.isDirectory};
+    record->state = *state;
+    record->hasState = true;
+    record->own = isOwn;
+    return finding;
+}
+
+std::optional<Inventory::Record> FolderInventory::removeIfMissing(std::string_view path)
+{
+    const std::lock_guard lock(m_mutex);
+    const Inventory::Record *record = m_inventory.find(path);
+    std::error_code error;
+    if (record == nullptr || readState(path, error) || !saysMissing(error))
+        return std::nullopt;
+    const Inventory::Record removed = *record;
+    m_inventory.remove(path);
+    return removed;
+}
+
+void FolderInventory::performOwnChange(std::string_view path, const std::function<void()> &change)
+{
+    const std::lock_guard lock(m_mutex);
+    // Whatever the change did before it failed was done by this process too.
+    struct TakeOver
+    {
+        FolderInventory *inventory;
+        std::string_view path;
+        ~TakeOver() { inventory->takeOver(path); }
+    } const takeOver{this, path};
+    if (m_replacing)
+        m_ownDuringReplacement.emplace(path);
+    change();
+}
+
+void FolderInventory::takeOver(std::string_view path)
+{
+    std::error_code error;
+    if (const auto state = readState(path, error))
+        m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true});
+    else if (saysMissing(error))
+        removeWithDescendants(path);
+}
+
+std::uint32_t FolderInventory::beginWalk()
+{
+    const std::lock_guard lock(m_mutex);
+    return ++m_walk;
+}
+
+bool FolderInventory::meet(std::string_view directory, std::string_view name, const FileState &state,
+                           std::uint32_t walk)
+{
+    const std::lock_guard lock(m_mutex);
+    Inventory::Names &names = m_inventory.namesForUpdate(directory);
+    const auto found = names.find(name);
+    if (found == names.end())
+        return false;
+    Inventory::Record &record = found->second;
+    record.walk = walk;
+    return record.hasState && record.state.modified == state.modified &&
+           record.state.isDirectory == state.isDirectory && !record.own;
+}
+
+std::vector<std::string> FolderInventory::notMet(std::string_view directory, std::uint32_t walk) const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<std::string> paths = m_inventory.pathsBelow(directory);
+    std::erase_if(paths,
+                  [this, walk](const std::string &path) { return m_inventory.find(path)->walk == walk; });
+    return paths;
+}
+
+void FolderInventory::beginReplacement()
+{
+    const std::lock_guard lock(m_mutex);
+    m_replacing = true;
+    m_ownDuringReplacement.clear();
+}
+
+void FolderInventory::replace(Inventory replacement)
+{
+    const std::lock_guard lock(m_mutex);
+    std::swap(m_inventory, replacement);
+    m_replacing = false;
+    for (const std::string &path : m_ownDuringReplacement)
+        takeOver(path);
+    m_ownDuringReplacement.clear();
+}
+
+void FolderInventory::clear()
+{
+    const std::lock_guard lock(m_mutex);
+    m_inventory.clear();
+    m_ownDuringReplacement.clear();
+}
+
+void FolderInventory::removeWithDescendants(std::string_view path)
+{
+    const Inventory::Record *record = m_inventory.find(path);
+    if (record != nullptr && record->state.isDirectory) {
+        for (const std::string &below : m_inventory.pathsBelow(path))
+            m_inventory.remove(below);
+    }
+    m_inventory.remove(path);
+}
+
+std::optional<FileState> FolderInventory::readState(std::string_view path, std::error_code &error) const
+{
+    return readFileState((m_folder + '/' + std::string(path)).c_str(), error);
+}
+
+} // namespace vantle

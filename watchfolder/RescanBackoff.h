@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+
+namespace vantle {
+
+/// How long a rescan has to wait: a queue that overflows again soon is given longer each time.
+class RescanBackoff
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    std::chrono::milliseconds nextDelay(Clock::time_point now)
+    {
+        const bool isQuiet = !m_last || now - *m_last > 2 * longest;
+        m_delay = isQuiet ? shortest : std::min(2 * m_delay, longest);
+        m_last = now;
+        return m_delay;
+    }
+
+private:
+    static constexpr std::chrono::milliseconds shortest{250};
+    static constexpr std::chrono::milliseconds longest{5000};
+
+    std::chrono::milliseconds m_delay = shortest;
+    std::optional<Clock::time_point> m_last;
+};
+
+} // namespace vantle

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "watchfolder/VRXWatchFolderDelegate.h"
+#include "watchfolder/VRXWatchFolderItem.h"
+#include "watchfolder/WatchFolderEnvironment.h"
+#include "watchfolder/WatchFolderError.h"
+#include "watchfolder/WorkingQueue.h"
+
+#include <QHash>
+#include <QSet>
+#include <QStringList>
+
+#include <mutex>
+
+namespace vantle {
+
+class WatchFolderCore;
+
+/// Watches one folder and tells its delegate which items appeared, changed or disappeared.
+///
+/// It keeps an inventory of the folder and compares the file system with it whenever the kernel says that
+/// something may have changed; what the delegate hears is the outcome of these comparisons and never a raw
+/// event. So nothing is missed when the kernel drops events, and nothing is reported twice. A rename is a
+/// removal and an addition. Hidden items (their names begin with a dot) do not exist for it.
+///
+/// Threads: every function may be called from any thread; startWatching needs an event loop on its thread and
+/// another one on the main thread, and keeps no thread waiting for the folder. Callbacks: see
+/// VRXWatchFolderDelegate.
+///
+/// Own changes: with fanotify, changes that this process makes are not reported while ignoreSelf is set;
+/// those of its child processes are. With either backend, changes made through performOwnChange are not. What
+/// can't be told (after an overflow of the kernel's queue, or in a directory that was new at the time) is
+/// reported.
+class VRXWatchFolder final
+{
+public:
+    /// Not deep, one second of latency, no filters.
+    explicit VRXWatchFolder(const QString &folderPath, std::weak_ptr<VRXWatchFolderDelegate> delegate = {});
+    /// Latency in seconds. Types are MIME type names, extensions come without a dot; an item counts when it
+    /// matches either list, and every one does when both are empty.
+    VRXWatchFolder(const QString &folderPath, std::weak_ptr<VRXWatchFolderDelegate> delegate, bool deepWatch,
+                   double latency, const QStringList &UTTypesFilter, const QStringList &extensionsFilter,
+                   WatchFolderEnvironment environment = WatchFolderEnvironment::system());
+    /// Stops watching.
+    ~VRXWatchFolder();
+    VRXWatchFolder(const VRXWatchFolder &) = delete;
+    VRXWatchFolder &operator=(const VRXWatchFolder &) = delete;
+
+    QString folderPath() const { return m_folderPath; }
+    bool deepWatch() const;
+    double latency() const { return m_latency; }
+    QStringList UTTypesFilter() const;
+    QStringList extensionFilter() const;
+    QStringList propertiesToFetch() const;
+    unsigned enumerationOptions() const;
+    /// True from the end of the first inventory until stopWatching.
+    bool isWatchingPath() const;
+
+    QString displayName() const;
+    void setDisplayName(const QString &name);
+    std::shared_ptr<VRXWatchFolderDelegate> delegate() const;
+    void setDelegate(std::weak_ptr<VRXWatchFolderDelegate> delegate);
+    /// Takes effect at the next start, like the two below.
+    bool ignoreSelf() const;
+    void setIgnoreSelf(bool ignore);
+    /// Utility makes the working queue give way to other threads.
+    QualityOfService qualityOfService() const;
+    void setQualityOfService(QualityOfService qualityOfService);
+    void setBackend(WatchBackend backend);
+    /// The one that runs; Automatic while none does.
+    WatchBackend backend() const;
+    /// Empty while not watching.
+    QString streamDescription() const;
+
+    /// Begins to watch and takes the first inventory in the background. False, with the error, when the
+    /// folder is missing (1001), is not a directory (1002), or when there is no event source (1003: the
+    /// reason says whether watches or descriptors ran out). While watching it only repeats what it cancels.
+    bool startWatching(WatchFolderError *error = nullptr);
+    /// Drops pending work, waits for the running callback unless called by it, and empties the inventory.
+    /// After it returns no callback begins.
+    void stopWatching();
+    /// Drops the pending comparisons; what they would have found is found when the items change again.
+    void cancel();
+    /// Makes a running enumeration stop early; reset by startWatching.
+    bool cancelRequested() const;
+    void setCancelRequested(bool requested);
+
+    /// Calls done on the working queue once everything that changed before this call has been reported,
+    /// without waiting for the latency to pass. Needs the event loops to run. At once, on this thread, when
+    /// not watching; never when watching is stopped meanwhile.
+    void flush(std::function<void()> done);
+    /// Runs a change (a write, a rename, a removal) that this process makes to the item at an absolute path,
+    /// and takes over its outcome, so that it is not reported. The inventory is locked meanwhile: the change
+    /// must not call the watcher. An exception of the change goes to the caller after the outcome was taken
+    /// over.
+    void performOwnChange(const QString &path, const std::function<void()> &change);
+    /// Compares a directory at or below the folder with the inventory, in the background.
+    void forceChangesCheckingAtPath(const QString &path);
+    void checkChangesAtPaths(const QSet<QString> &paths);
+
+    /// What the inventory knows about an absolute path.
+    std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;
+    bool hasItemAtPath(const QString &path) const;
+    QList<QUrl> URLs() const;
+    QHash<QString, QUrl> URLsDictionary() const;
+    QHash<QString, VRXWatchFolderItem> pathToItemsDictionary() const;
+    /// True when the filters refuse the item.
+    bool shouldIgnoreURL(const QUrl &url) const;
+
+    static std::optional<QString> fsTypeNameFromPath(const QString &path);
+
+private:
+    const QString m_folderPath;
+    const double m_latency;
+    const std::shared_ptr<WatchFolderCore> m_core;
+    mutable std::mutex m_nameMutex;
+    QString m_displayName = QStringLiteral("Untitled WatchFolder");
+};
+
+} // namespace vantle

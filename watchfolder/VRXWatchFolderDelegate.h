@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QUrl>
+
+#include <system_error>
+
+namespace vantle {
+
+class VRXWatchFolder;
+
+/// Hears what a folder watcher finds. Every callback is optional.
+///
+/// Threads: all callbacks run on the watcher's working queue, one at a time and in order, except that
+/// watchFolderFileFinderInfoChangedAtURL runs on the main thread. A callback may call any operation of the
+/// watcher, stopWatching and its destruction included. The watcher holds its delegate weakly; while a
+/// callback runs the delegate can't go away, and a last reference is let go of on the main thread.
+class VRXWatchFolderDelegate
+{
+public:
+    virtual ~VRXWatchFolderDelegate() = default;
+
+    /// An item appeared. Not sent for what the first inventory finds, nor for a new file that its writer has
+    /// not closed.
+    virtual void watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
+    virtual void watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
+    /// An item's modification date changed. A rewrite that keeps the date is not reported.
+    virtual void watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
+    /// Once per comparison that found any change, after the single callbacks.
+    virtual void watchFolderAddedURLsUpdatedURLsDeletedURLs(VRXWatchFolder *, const QList<QUrl> & /*added*/,
+                                                            const QList<QUrl> & /*updated*/,
+                                                            const QList<QUrl> & /*deleted*/)
+    {
+    }
+    virtual void watchFolderFileFinderInfoChangedAtURL(VRXWatchFolder *, const QUrl &) {}
+    /// The folder is not at its path any more; once per disappearance, before its items are removed.
+    virtual void watchFolderBecameUnreachable(VRXWatchFolder *) {}
+    /// The first inventory is complete.
+    virtual void watchFolderDidReloadCurrentURLs(VRXWatchFolder *) {}
+    /// An enumeration met an error (a directory can't be read, or can't be watched because the user is out of
+    /// watches). False stops the enumeration.
+    virtual bool shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *,
+                                                             const std::error_code & /*error*/, const QUrl &)
+    {
+        return true;
+    }
+};
+
+} // namespace vantle

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "watchfolder/FileState.h"
+
+#include <QString>
+#include <QUrl>
+
+namespace vantle {
+
+/// One file or directory as the inventory knows it: a value, without any tie to the watcher.
+class VRXWatchFolderItem
+{
+public:
+    /// Reads the item's state; what can't be read is logged and stays absent.
+    explicit VRXWatchFolderItem(const QUrl &fileURL);
+    VRXWatchFolderItem(QUrl fileURL, const std::optional<FileState> &state);
+
+    QUrl URL() const { return m_url; }
+    QString path() const;
+    bool isDirectory() const { return m_isDirectory; }
+
+    /// To the nanosecond; absent when it could not be read.
+    std::optional<FileTime> lastModificationDate() const { return m_modified; }
+    void setLastModificationDate(std::optional<FileTime> date) { m_modified = date; }
+
+    /// In bytes; 0 when the state could not be read.
+    quint64 size() const { return m_size; }
+    quint64 inode() const { return m_inode; }
+    quint64 device() const { return m_device; }
+
+    /// Designates the file by device and inode; for debugging output.
+    QUrl fileReferenceURL() const;
+    QString uniqueID() const;
+    QString debugDescription() const;
+
+private:
+    void apply(const std::optional<FileState> &state);
+
+    QUrl m_url;
+    std::optional<FileTime> m_modified;
+    quint64 m_size = 0;
+    quint64 m_inode = 0;
+    quint64 m_device = 0;
+    bool m_isDirectory = false;
+};
+
+} // namespace vantle

@@ -1,0 +1,458 @@
+// SPDX-License-Identifier: MIT
+#include "watchfolder/WatchFolderCore.h"
+
+#include "watchfolder/NativePath.h"
+#include "watchfolder/RunLoop.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+
+namespace vantle {
+
+namespace {
+
+constexpr std::chrono::seconds forcedCheckInterval{30};
+constexpr size_t pathsBetweenCancellationChecks = 200;
+
+// Their servers' changes come without events, or with some of them only.
+constexpr std::array unreliableFileSystems = {"smb", "cifs", "AvidUnityISIS"};
+
+void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format,
+              const std::string &folder, const std::error_code &reason = {})
+{
+    if (error == nullptr)
+        return;
+    error->code = code;
+    error->description = QString::fromLatin1(format).arg(displayPath(folder));
+    error->reason = reason ? QString::fromStdString(reason.message()) : QString();
+}
+
+/// Fills a new inventory.
+class FirstEnumeration final : public FolderWalkVisitor
+{
+public:
+    FirstEnumeration(const WatchFolderCore &core, FileSystemEventStream &stream, ChangeReport &report)
+        : m_core(core), m_stream(stream), m_report(report)
+    {
+    }
+
+    Inventory takeInventory() { return std::move(m_inventory); }
+
+    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
+    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
+    {
+        m_names = nullptr;
+        return directory.empty() ? std::error_code()
+                                 : m_stream.watchDirectory(m_core.folder + '/' + directory, descriptor);
+    }
+    void found(const std::string &directory, std::string_view name,
+               const std::optional<FileState> &state) override
+    {
+        if (m_core.filter.shouldIgnore(m_core.folder + '/' + joinPath(directory, name)))
+            return;
+        if (m_names == nullptr)
+            m_names = &m_inventory.namesForUpdate(directory);
+        m_names->try_emplace(std::string(name), Inventory::Record{.state = state.value_or(FileState()),
+                                                                  .hasState = state.has_value()});
+    }
+    bool shouldContinue(const std::error_code &error, const std::string &path) override
+    {
+        return m_report.shouldContinue(error, path);
+    }
+
+private:
+    const WatchFolderCore &m_core;
+    FileSystemEventStream &m_stream;
+    ChangeReport &m_report;
+    Inventory m_inventory;
+    Inventory::Names *m_names = nullptr;
+};
+
+/// Finds what has to be compared.
+class ReInventory final : public FolderWalkVisitor
+{
+public:
+    ReInventory(WatchFolderCore &core, FileSystemEventStream *stream, ChangeReport &report)
+        : m_core(core), m_stream(stream), m_report(report), m_walk(core.inventory.beginWalk())
+    {
+    }
+
+    std::uint32_t walk() const { return m_walk; }
+    std::vector<ChangedPath> takeChanged() { return std::move(m_changed); }
+
+    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
+    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
+    {
+        return directory.empty() || m_stream == nullptr
+                   ? std::error_code()
+                   : m_stream->watchDirectory(m_core.folder + '/' + directory, descriptor);
+    }
+    void found(const std::string &directory, std::string_view name,
+               const std::optional<FileState> &state) override
+    {
+        if (state && !m_core.inventory.meet(directory, name, *state, m_walk))
+            m_changed.push_back({.path = joinPath(directory, name)});
+    }
+    bool shouldContinue(const std::error_code &error, const std::string &path) override
+    {
+        return m_report.shouldContinue(error, path);
+    }
+
+private:
+    WatchFolderCore &m_core;
+    FileSystemEventStream *m_stream;
+    ChangeReport &m_report;
+    const std::uint32_t m_walk;
+    std::vector<ChangedPath> m_changed;
+};
+
+} // namespace
+
+WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const std::string &path, bool isDeep,
+                                 std::chrono::milliseconds streamLatency, ItemFilter itemFilter,
+                                 WatchFolderEnvironment environment)
+    : folder(path.substr(0, path.find_last_not_of('/') + 1)), deepWatch(isDeep), latency(streamLatency),
+      filter(std::move(itemFilter)), inventory(folder), m_isAbsolute(path.starts_with('/')), m_owner(owner),
+      m_environment(std::move(environment))
+{
+}
+
+bool WatchFolderCore::start(WatchFolderError *error)
+{
+    const std::lock_guard starting(m_startStopMutex);
+    bool lostWork = false;
+    if (m_queue) {
+        m_pendingDirectories.clear();
+        lostWork = m_queue->cancelAll();
+        m_queue->waitUntilFinished();
+    }
+    cancelRequested = false;
+    if (!checkFolder(error))
+        return false;
+    startForceDirectoryEnumerationTimerIfNeeded();
+    if (!m_queue) {
+        const std::lock_guard lock(m_streamMutex);
+        m_queue = std::make_shared<WorkingQueue>(qualityOfService);
+    }
+
+    if (!stream()) {
+        if (!createStream(error))
+            return false;
+        m_enumerationPending = true;
+    }
+    if (m_enumerationPending) {
+        enqueue(&WatchFolderCore::enumerateFolder);
+    } else if (lostWork) {
+        m_pendingDirectories.addPathToInventory(folder);
+        enqueueNextDirectoryIterationOperation();
+    }
+    enqueue([](WatchFolderCore &core, const Cancelled &) { core.isWatchingPath = true; });
+    return true;
+}
+
+bool WatchFolderCore::checkFolder(WatchFolderError *error) const
+{
+    std::error_code reason = std::make_error_code(std::errc::no_such_file_or_directory);
+    const auto state =
+        m_isAbsolute ? readFileState(AT_FDCWD, folderPath().c_str(), Follow::Links, reason) : std::nullopt;
+    if (!state)
+        setError(error, WatchFolderError::FolderNotReachable,
+                 "FolderPath not reachable when starting to watch (%1)", folderPath(), reason);
+    else if (!state->isDirectory)
+        setError(error, WatchFolderError::FolderIsFile, "Item at FolderPath is a file, not a directory (%1)",
+                 folderPath());
+    return state && state->isDirectory;
+}
+
+bool WatchFolderCore::createStream(WatchFolderError *error)
+{
+    const auto callback = [weak = weak_from_this()](std::vector<VRXWatchFolderEvent> events) {
+        std::erase_if(events, [](const VRXWatchFolderEvent &event) {
+            return splitPath(event.nativePath()).name.starts_with('.');
+        });
+        RunLoop::main()->post([weak, events = std::move(events)] {
+            if (const auto core = weak.lock())
+                core->handleEvents(events);
+        });
+    };
+    std::error_code reason;
+    auto made = m_environment.startStream({.folder = folder, .latency = latency, .callback = callback},
+                                          wantedBackend, reason);
+    if (!made) {
+        setError(error, WatchFolderError::NoEventStream,
+                 "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", folderPath(), reason);
+        return false;
+    }
+    inventory.setOwnEventsAreTold(made->tellsOwnEvents() && ignoreSelf);
+    const std::lock_guard lock(m_streamMutex);
+    m_stream = std::move(made);
+    return true;
+}
+
+void WatchFolderCore::stop()
+{
+    std::shared_ptr<WorkingQueue> queue;
+    std::shared_ptr<FileSystemEventStream> stopped;
+    {
+        const std::lock_guard lock(m_streamMutex);
+        m_forceTimer.reset();
+        queue = m_queue;
+        stopped = std::exchange(m_stream, nullptr);
+    }
+    m_pendingDirectories.clear();
+    if (stopped)
+        stopped->stop();
+    if (queue) {
+        queue->cancelAll();
+        queue->waitUntilFinished();
+    }
+    isWatchingPath = false;
+    m_enumerationPending = false;
+    inventory.clear();
+}
+
+void WatchFolderCore::cancel()
+{
+    std::shared_ptr<WorkingQueue> queue;
+    {
+        const std::lock_guard lock(m_streamMutex);
+        queue = m_queue;
+    }
+    if (queue)
+        queue->cancelAll();
+}
+
+void WatchFolderCore::flush(std::function<void()> done)
+{
+    const auto current = stream();
+    if (!current)
+        return done();
+    current->flush([weak = weak_from_this(), done = std::move(done)] {
+        // Behind the events on the main thread, then behind their comparisons on the working queue.
+        RunLoop::main()->post([weak, done] {
+            if (const auto core = weak.lock())
+                core->enqueue([done](WatchFolderCore &, const Cancelled &) { done(); });
+        });
+    });
+}
+
+void WatchFolderCore::forceChangesChecking(const std::string &path)
+{
+    if (!isAtOrBelow(path, folder))
+        return;
+    m_pendingDirectories.addPathToInventory(path);
+    enqueueNextDirectoryIterationOperation();
+}
+
+std::shared_ptr<FileSystemEventStream> WatchFolderCore::stream() const
+{
+    const std::lock_guard lock(m_streamMutex);
+    return m_stream;
+}
+
+std::shared_ptr<VRXWatchFolderDelegate> WatchFolderCore::delegate() const
+{
+    const std::lock_guard lock(m_delegateMutex);
+    return m_delegate.lock();
+}
+
+void WatchFolderCore::setDelegate(std::weak_ptr<VRXWatchFolderDelegate> delegate)
+{
+    const std::lock_guard lock(m_delegateMutex);
+    m_delegate = std::move(delegate);
+}
+
+std::optional<std::string> WatchFolderCore::relativePath(std::string_view path) const
+{
+    if (path.size() <= folder.size() + 1 || !path.starts_with(folder) || path[folder.size()] != '/')
+        return std::nullopt;
+    const std::string_view relative = path.substr(folder.size() + 1);
+    if (hasHiddenComponent(relative) || (!deepWatch && relative.find('/') != std::string_view::npos))
+        return std::nullopt;
+    return std::string(relative);
+}
+
+unsigned WatchFolderCore::enumerationOptions() const
+{
+    return SkipHiddenFiles | SkipPackageContents | (deepWatch ? 0U : SkipSubdirectoryDescendants);
+}
+
+void WatchFolderCore::startForceDirectoryEnumerationTimerIfNeeded()
+{
+    const auto type = m_environment.fileSystemTypeName(displayPath(folderPath()));
+    const bool isUnreliable =
+        type && std::any_of(unreliableFileSystems.begin(), unreliableFileSystems.end(),
+                            [&type](const char *prefix) { return type->startsWith(QLatin1String(prefix)); });
+    const std::lock_guard lock(m_streamMutex);
+    if (!isUnreliable || m_forceTimer)
+        return;
+    m_forceTimer = m_environment.startTimer(forcedCheckInterval, [weak = weak_from_this()] {
+        if (const auto core = weak.lock())
+            core->forceChangesChecking(core->folder);
+    });
+}
+
+// On the main thread.
+void WatchFolderCore::handleEvents(const std::vector<VRXWatchFolderEvent> &events)
+{
+    if (!stream())
+        return;
+    std::vector<ChangedPath> changed;
+    for (const VRXWatchFolderEvent &event : events) {
+        if (event.nativePath() == folderPath()) {
+            if (event.has(MustScanSubDirs | RootChanged))
+                m_pendingDirectories.addPathToInventory(folder);
+        } else {
+            handleFileEvent(event, changed);
+        }
+    }
+    checkChangesAtPaths(std::move(changed));
+    enqueueNextDirectoryIterationOperation();
+}
+
+void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vector<ChangedPath> &changed)
+{
+    auto path = relativePath(event.nativePath());
+    if (!path)
+        return;
+    if (event.has(ItemIsDir)) {
+        if (!event.has(MustScanSubDirs | ItemRenamed))
+            return;
+        if (deepWatch)
+            m_pendingDirectories.addPathToInventory(event.nativePath());
+    } else if (event.has(ItemFinderInfoMod) && event.has(ItemIsFile)) {
+        if (const auto receiver = delegate())
+            receiver->watchFolderFileFinderInfoChangedAtURL(m_owner, urlForNativePath(event.nativePath()));
+    }
+    ChangedPath change{.path = std::move(*path), .existenceOnly = event.has(ItemIsDir)};
+    if (event.has(OwnEvent) && ignoreSelf)
+        change.cause = event.has(ItemRemoved | ItemRenamed) ? ChangedPath::OwnRemoval : ChangedPath::Own;
+    changed.push_back(std::move(change));
+}
+
+void WatchFolderCore::checkChangesAtPaths(std::vector<ChangedPath> paths)
+{
+    if (paths.empty())
+        return;
+    enqueue([paths = std::move(paths)](WatchFolderCore &core, const Cancelled &cancelled) {
+        ChangeReport report(core.folder, core.m_owner, core.delegate(), cancelled);
+        core.performChanges(paths, report);
+    });
+}
+
+void WatchFolderCore::enqueue(std::function<void(WatchFolderCore &, const Cancelled &)> operation)
+{
+    // Under the lock: when stop() has taken the stream away, nothing may come behind what it cancels.
+    const std::lock_guard lock(m_streamMutex);
+    if (!m_stream)
+        return;
+    m_queue->add([weak = weak_from_this(), operation = std::move(operation)](const Cancelled &cancelled) {
+        if (const auto core = weak.lock())
+            operation(*core, cancelled);
+    });
+}
+
+void WatchFolderCore::enqueueNextDirectoryIterationOperation()
+{
+    if (!m_pendingDirectories.pendingPathsToInventory().empty())
+        enqueue(&WatchFolderCore::enumeratePendingDirectories);
+}
+
+// The first enumeration: what it finds is the inventory, and is reported as a whole.
+void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
+{
+    const auto current = stream();
+    if (!current)
+        return;
+    ChangeReport report(folder, m_owner, delegate(), cancelled);
+    inventory.beginReplacement();
+    FirstEnumeration enumeration(*this, *current, report);
+    walkFolder(folder, {}, enumerationOptions(), enumeration);
+    if (enumeration.cancelled())
+        return;
+    m_enumerationPending = false;
+    if (!folderExists())
+        return reportUnreachable(report);
+    m_unreachable = false;
+    inventory.replace(enumeration.takeInventory());
+    report.didReload();
+}
+
+void WatchFolderCore::enumeratePendingDirectories(const Cancelled &cancelled)
+{
+    while (const auto path = m_pendingDirectories.dequeueNextPathToInventory()) {
+        if (cancelled)
+            return;
+        ChangeReport report(folder, m_owner, delegate(), cancelled);
+        const size_t begin = std::min(folder.size() + 1, path->size());
+        std::string directory = path->substr(begin);
+        if (directory.ends_with('/'))
+            directory.pop_back();
+        enumerateAndPerformChangesAtPath(directory, report);
+    }
+}
+
+void WatchFolderCore::enumerateAndPerformChangesAtPath(const std::string &directory, ChangeReport &report)
+{
+    const auto current = stream();
+    ReInventory found(*this, current.get(), report);
+    if (deepWatch || directory.empty())
+        walkFolder(folder, directory, enumerationOptions(), found);
+    if (found.cancelled())
+        return;
+    std::vector<ChangedPath> paths = found.takeChanged();
+    for (std::string &missing : inventory.notMet(directory, found.walk()))
+        paths.push_back({.path = std::move(missing)});
+    performChanges(paths, report);
+}
+
+void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, ChangeReport &report)
+{
+    std::vector<std::string> missing;
+    for (size_t i = 0; i < paths.size(); ++i) {
+        if (i % pathsBetweenCancellationChecks == 0 && report.cancelled())
+            return;
+        const ChangedPath &changed = paths[i];
+        if (filter.shouldIgnore(folder + '/' + changed.path) && !inventory.has(changed.path))
+            continue;
+        const Finding finding = inventory.compare(changed);
+        if (finding.difference == Finding::Added)
+            report.added(changed.path, finding.isDirectory);
+        else if (finding.difference == Finding::Updated)
+            report.updated(changed.path, finding.isDirectory);
+        else if (finding.difference == Finding::Missing)
+            missing.push_back(changed.path);
+        if (finding.wasDirectory && !finding.isDirectory)
+            std::ranges::move(inventory.pathsBelow(changed.path), std::back_inserter(missing));
+        if (!finding.wasDirectory && finding.isDirectory && deepWatch)
+            m_pendingDirectories.addPathToInventory(folder + '/' + changed.path);
+    }
+    if (folderExists())
+        m_unreachable = false;
+    else
+        reportUnreachable(report);
+    for (const std::string &path : missing) {
+        if (report.cancelled())
+            return;
+        if (const auto removed = inventory.removeIfMissing(path))
+            report.removed(path, removed->state.isDirectory);
+    }
+    report.finish();
+}
+
+void WatchFolderCore::reportUnreachable(ChangeReport &report)
+{
+    if (!std::exchange(m_unreachable, true))
+        report.becameUnreachable();
+}
+
+bool WatchFolderCore::folderExists() const
+{
+    std::error_code error;
+    const auto state = readFileState(AT_FDCWD, folderPath().c_str(), Follow::Links, error);
+    return state ? state->isDirectory : !saysMissing(error);
+}
+
+} // namespace vantle

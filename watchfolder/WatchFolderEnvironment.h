@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "watchfolder/FileSystemEventStream.h"
+
+#include <optional>
+
+namespace vantle {
+
+/// What a watcher takes from the system, replaceable one by one.
+struct WatchFolderEnvironment
+{
+    /// Destroying it ends the repetition. It may be destroyed on any thread.
+    using Timer = std::shared_ptr<void>;
+
+    /// The name of the file-system type that holds a path.
+    std::function<std::optional<QString>(const QString &path)> fileSystemTypeName;
+    /// Calls a function on the main thread again and again.
+    std::function<Timer(std::chrono::milliseconds interval, std::function<void()> tick)> startTimer;
+    EventStreamFactory startStream;
+
+    static WatchFolderEnvironment system();
+};
+
+/// None when the path is longer than 1,024 bytes or nothing is known about its volume. Volumes of the SMB
+/// family are "smbfs", "smb2" and "cifs".
+std::optional<QString> fileSystemTypeName(const QString &path);
+
+} // namespace vantle

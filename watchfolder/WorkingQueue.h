@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+namespace vantle {
+
+/// How urgent the work of a queue is; the numbers are those of the system's quality-of-service classes.
+enum class QualityOfService {
+    UserInteractive = 33,
+    UserInitiated = 25,
+    Default = 21,
+    Utility = 17,
+    Background = 9,
+};
+
+/// Runs operations one at a time, in order, on a thread of its own. All functions may be called from any
+/// thread, the queue's own included: an operation never waits for itself.
+class WorkingQueue
+{
+public:
+    /// Says whether the running operation was cancelled; long operations ask now and then.
+    using Cancelled = std::atomic<bool>;
+    using Operation = std::function<void(const Cancelled &cancelled)>;
+
+    explicit WorkingQueue(QualityOfService qualityOfService);
+    /// Cancels, and waits unless it is destroyed by an operation of its own.
+    ~WorkingQueue();
+    WorkingQueue(const WorkingQueue &) = delete;
+    WorkingQueue &operator=(const WorkingQueue &) = delete;
+
+    void add(Operation operation);
+    /// Drops what has not begun and asks the running operation to stop. Returns whether there was anything.
+    bool cancelAll();
+    /// Waits until the queue is empty; returns at once in an operation of this queue.
+    void waitUntilFinished();
+
+private:
+    struct State;
+    static void run(const std::shared_ptr<State> &state);
+
+    std::shared_ptr<State> m_state;
+};
+
+} // namespace vantle
