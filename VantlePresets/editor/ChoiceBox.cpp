@@ -71,6 +71,14 @@ QSize ChoiceBox::sizeHint() const
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
 }
 
+void ChoiceBox::initStyleOption(QStyleOptionComboBox *option) const
+{
+    QComboBox::initStyleOption(option);
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this);
+    option->currentText = fontMetrics().elidedText(option->currentText, Qt::ElideRight, field.width());
+}
+
 void ChoiceBox::wheelEvent(QWheelEvent *event)
 {
     event->ignore();

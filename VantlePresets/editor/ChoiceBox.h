@@ -34,6 +34,8 @@ Q_SIGNALS:
     void chosen(int index);
 
 protected:
+    /// Elides a text that is wider than all choices.
+    void initStyleOption(QStyleOptionComboBox *option) const override;
     void wheelEvent(QWheelEvent *event) override;
     void changeEvent(QEvent *event) override;
 

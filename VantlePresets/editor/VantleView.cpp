@@ -274,7 +274,7 @@ void VantleView::showSelectedPreset()
 void VantleView::showTitle()
 {
     const QString title = m_shown ? m_shown->name() : u"Vantle"_s;
-    m_title->setText(m_shown ? title : QString());
+    m_title->setText(title);
     // In window titles this stands for a mark of unsaved changes.
     setWindowTitle(QString(title).replace("[*]"_L1, "[*][*]"_L1));
 }

@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include <QtCore/QTimer>
+#include <QtGui/QCursor>
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -69,8 +71,11 @@ int takePicture(PresetsManager &manager, QMainWindow &window, const Options &opt
     if (!preset && !name.isEmpty())
         return 1;
     manager.setSelectedPreset(preset);
+    QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight()); // no row under the pointer
     window.show();
-    QCoreApplication::sendPostedEvents(); // the form follows the selection by a posted event
+    // The form follows the selection, and its scroll bars the size of the window, by posted events.
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents();
     if (window.grab().save(QString::fromStdString(options.screenshot)))
         return 0;
     std::fprintf(stderr, "vantle: can't write %s\n", options.screenshot.c_str());
