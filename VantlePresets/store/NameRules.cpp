@@ -9,6 +9,7 @@
 #include <unicode/unistr.h>
 
 #include <charconv>
+#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -32,7 +33,11 @@ const icu::Collator *collator()
 {
     static thread_local const std::unique_ptr<icu::Collator> instance = [] {
         UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(status));
+        // The C locale's order is that of the code points; people get the order of no language in particular.
+        const icu::Locale &locale = icu::Locale::getDefault();
+        const bool isPosix = std::strcmp(locale.getVariant(), "POSIX") == 0;
+        std::unique_ptr<icu::Collator> made(
+            icu::Collator::createInstance(isPosix ? icu::Locale::getRoot() : locale, status));
         if (U_FAILURE(status))
             return std::unique_ptr<icu::Collator>();
         made->setStrength(icu::Collator::SECONDARY); // accents count, case does not

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/vantlectl/Output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace vantle::ctl {
+
+/// What the process reports to its caller.
+enum class ExitCode : int {
+    good = 0,
+    failed = 1, ///< a file is not a preset, or something could not be read or written
+    usage = 2,  ///< the command line makes no sense
+};
+
+/// The command that the command line asked for, to be run when all of it was understood.
+using Command = std::function<ExitCode(Output &out)>;
+
+// Each adds one subcommand, which sets `chosen` when it is the one asked for.
+void addValidateCommand(CLI::App &app, Command &chosen);
+void addShowCommand(CLI::App &app, Command &chosen);
+void addConvertCommand(CLI::App &app, Command &chosen);
+
+} // namespace vantle::ctl

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <system_error>
+
+namespace vantle::ctl {
+
+/// Standard output can't be written: its reader went away, or the disk is full.
+class OutputError : public std::system_error
+{
+public:
+    using std::system_error::system_error;
+};
+
+/// Standard output, buffered, with every write checked. Throws OutputError. What is left in the buffer at
+/// the end is written by flush(), never by the destructor.
+class Output
+{
+public:
+    /// Writes the text and a line break.
+    void line(const QString &text = {});
+    void bytes(QByteArrayView content);
+    void flush();
+
+private:
+    QByteArray m_buffer;
+};
+
+/// Writes "vantlectl: <text>" to standard error.
+void complain(const QString &text);
+
+} // namespace vantle::ctl

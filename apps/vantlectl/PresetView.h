@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/VantlePreset.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QStringList>
+
+namespace vantle::ctl {
+
+/// A preset for people, as lines. Stream key and password are masked unless revealed.
+[[nodiscard]] QStringList presetAsText(const VantlePreset &preset, bool reveal);
+
+/// A preset for machines: what its document keeps, and per rendition what follows from it. What can't be
+/// told is left out. Stream key and password are masked unless revealed.
+[[nodiscard]] QByteArray presetAsJson(const VantlePreset &preset, bool reveal);
+
+} // namespace vantle::ctl

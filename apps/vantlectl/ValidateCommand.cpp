@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/PresetText.h"
+#include "apps/vantlectl/Table.h"
+
+#include "VantlePresets/model/PresetFactory.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace vantle::ctl {
+namespace {
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+struct Options
+{
+    std::vector<std::string> paths;
+    bool json = false;
+};
+
+struct Result
+{
+    fs::path path;
+    std::shared_ptr<VantlePreset> preset; ///< null when there is a failure
+    std::optional<Failure> failure;
+};
+
+/// What a folder's presets are: its visible *.json, no matter what kind of file, sorted by name.
+std::vector<fs::path> presetFilesOf(const fs::path &folder)
+{
+    std::vector<fs::path> files;
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder)) {
+        std::error_code ignored; // what can't be looked at is listed, so that reading it tells why
+        const std::string name = entry.path().filename().native();
+        if (name.front() != '.' && entry.path().extension() == ".json" && !entry.is_directory(ignored))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+Result judge(const fs::path &path)
+{
+    try {
+        return {path, readPresetFile(path), {}};
+    } catch (const std::exception &error) {
+        return {path, nullptr, Failure(error)};
+    }
+}
+
+void printText(Output &out, const Result &result, qsizetype pathColumns)
+{
+    const QString path = padded(shown(result.path), pathColumns);
+    if (result.failure)
+        out.line("error  "_L1 + path + "  "_L1 + result.failure->message());
+    else
+        out.line("ok     "_L1 + path + "  "_L1 + padded(displayName(result.preset->type()), 8) + "  "_L1 +
+                 countsOf(*result.preset));
+}
+
+void printJson(Output &out, const Result &result, qsizetype)
+{
+    out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+        writer.beginObject();
+        writer.string("file", QString::fromStdString(result.path.native()));
+        writer.boolean("ok", !result.failure);
+        if (result.failure) {
+            writer.string("place", result.failure->place);
+            writer.string("error", result.failure->description);
+        } else {
+            writer.string("kind", displayName(result.preset->type()));
+            writer.integer("videoSettings", result.preset->videoSettings().size());
+            writer.integer("audioSettings", result.preset->audioSettings().size());
+        }
+        writer.endObject();
+    }));
+    out.line();
+}
+
+ExitCode validate(const Options &options, Output &out)
+{
+    const auto print = options.json ? printJson : printText;
+    ExitCode code = ExitCode::good;
+    std::vector<fs::path> files;
+    for (const fs::path path : options.paths) {
+        std::error_code ignored;
+        if (!fs::is_directory(path, ignored)) {
+            files.push_back(path);
+            continue;
+        }
+        try {
+            const std::vector<fs::path> inside = presetFilesOf(path);
+            if (inside.empty())
+                complain("no preset files in "_L1 + shown(path));
+            files.insert(files.end(), inside.begin(), inside.end());
+        } catch (const fs::filesystem_error &error) {
+            print(out, {path, nullptr, Failure(std::system_error(error.code()))}, 0);
+            code = ExitCode::failed;
+        }
+    }
+
+    qsizetype pathColumns = 0;
+    for (const fs::path &file : files)
+        pathColumns = std::max(pathColumns, columnsOf(shown(file)));
+    for (const fs::path &file : files) {
+        const Result result = judge(file);
+        print(out, result, pathColumns);
+        if (result.failure)
+            code = ExitCode::failed;
+    }
+    return code;
+}
+
+} // namespace
+
+void addValidateCommand(CLI::App &app, Command &chosen)
+{
+    CLI::App *const command = app.add_subcommand("validate", "Check preset files, one line per file");
+    const auto options = std::make_shared<Options>();
+    command->add_option("PATH", options->paths, "Preset files, or folders with *.json files")->required();
+    command->add_flag("--json", options->json, "One JSON object per line");
+    command->callback(
+        [options, &chosen] { chosen = [options](Output &out) { return validate(*options, out); }; });
+}
+
+} // namespace vantle::ctl
