@@ -6,6 +6,11 @@ namespace vantle {
 NameEdit::NameEdit(const std::shared_ptr<PresetsManager> &manager, QObject *parent)
     : QObject(parent), m_manager(manager)
 {
+    // Views leave the field when its row goes; by then there must be no edit to end.
+    connect(manager.get(), &PresetsManager::rowAboutToBeRemoved, this, [this](int row) {
+        if (m_manager->presets().at(row) == m_preset)
+            m_preset.reset();
+    });
 }
 
 void NameEdit::begin(const std::shared_ptr<VantlePreset> &preset)

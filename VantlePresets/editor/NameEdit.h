@@ -8,7 +8,8 @@
 namespace vantle {
 
 /// One rename from the moment the name field gets the focus until it is left. The name is written while
-/// the user types; the store renames the file at the end, or the old name comes back.
+/// the user types; the store renames the file at the end, or the old name comes back. A preset that leaves
+/// the list takes its edit with it.
 class NameEdit : public QObject
 {
     Q_OBJECT

@@ -21,8 +21,8 @@ namespace vantle {
 using namespace Qt::StringLiterals;
 
 PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
-    : QListView(parent), m_manager(manager), m_model(new PresetsListModel(manager, this)),
-      m_nameEdit(new NameEdit(manager, this))
+    : QListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
+      m_model(new PresetsListModel(manager, this))
 {
     setObjectName(u"presets"_s);
     setAccessibleName(tr("Presets"));
@@ -45,7 +45,7 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     connect(delegate, &PresetsListDelegate::nameEditUndone, m_nameEdit, &NameEdit::undo);
     connect(m_nameEdit, &NameEdit::renameFailed, this, &PresetsListView::showRenameFailed);
 
-    connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this, &PresetsListView::showSelection);
+    connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this, &PresetsListView::followSelection);
     connect(m_manager.get(), &PresetsManager::nameEditMustEnd, this, &PresetsListView::endNameEdit);
     connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PresetsListView::showSelection);
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
@@ -101,6 +101,15 @@ void PresetsListView::selectionChanged(const QItemSelection &selected, const QIt
         return;
     saveBeforeLeaving(*m_manager);
     m_manager->setSelectedPreset(preset);
+}
+
+void PresetsListView::followSelection(const std::shared_ptr<VantlePreset> &preset)
+{
+    // No selection is often one that comes back, or the first sign of a row that goes.
+    if (preset)
+        showSelection();
+    else
+        QMetaObject::invokeMethod(this, &PresetsListView::showSelection, Qt::QueuedConnection);
 }
 
 void PresetsListView::showSelection()
@@ -184,6 +193,14 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
     connect(menu->addAction(bundleSymbol(u"trash"_s, trashTint()), tr("Delete")), &QAction::triggered, this,
             [this, preset] { confirmDelete(preset); });
     menu->popup(isByKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+}
+
+void PresetsListView::focusInEvent(QFocusEvent *event)
+{
+    QListView::focusInEvent(event);
+    // The base class makes the first row the current one, and an arrow key would then skip it.
+    if (!selectionModel()->hasSelection())
+        selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
 }
 
 void PresetsListView::showEvent(QShowEvent *event)

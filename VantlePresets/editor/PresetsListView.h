@@ -32,10 +32,12 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
+    void followSelection(const std::shared_ptr<VantlePreset> &preset);
     void showSelection();
     [[nodiscard]] QModelIndex deleteButtonAt(const QMouseEvent &event) const;
     void takeFocusSoon();
@@ -48,8 +50,8 @@ private:
     void reopenNameField();
 
     std::shared_ptr<PresetsManager> m_manager;
+    NameEdit *m_nameEdit; // hears of rows that go before the model tells the view
     PresetsListModel *m_model;
-    NameEdit *m_nameEdit;
     std::shared_ptr<VantlePreset> m_presetToDelete;
     std::unique_ptr<LocalKeyMonitor> m_keyMonitor; ///< while the list is shown
     QPersistentModelIndex m_pressedDeleteButton;
