@@ -29,7 +29,7 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     setFrameShape(QFrame::NoFrame);
     setUniformItemSizes(true);
     setSelectionMode(SingleSelection);
-    setEditTriggers(EditKeyPressed | SelectedClicked | DoubleClicked);
+    setEditTriggers(EditKeyPressed | DoubleClicked);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
     viewport()->setAutoFillBackground(false);
@@ -193,6 +193,12 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
     connect(menu->addAction(bundleSymbol(u"trash"_s, trashTint()), tr("Delete")), &QAction::triggered, this,
             [this, preset] { confirmDelete(preset); });
     menu->popup(isByKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+}
+
+void PresetsListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint)
+{
+    // The Tab key ends a rename; it does not begin one of another preset.
+    QListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void PresetsListView::focusInEvent(QFocusEvent *event)

@@ -65,6 +65,7 @@ TEST_F(Rename, EnterAndADoubleClickBeginItAndEscapeUndoesIt)
     EXPECT_EQ(selectedName(), u"Beta"_s);
     EXPECT_TRUE(list().hasFocus());
 
+    clickRow(u"Delta"_s);
     QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, rowRect(u"Delta"_s).center());
     ASSERT_TRUE(waitFor([&] { return nameField() != nullptr; }));
     press(Qt::Key_End);

@@ -137,9 +137,9 @@ TEST_F(Window, RemembersItsFrameAsFarAsTheScreensShowIt)
     };
     EXPECT_EQ(reopened({20, 30, 1100, 720}), QRect(20, 30, 1100, 720));
     EXPECT_EQ(reopened({5, 5, 10, 10}).size(), QSize(1080, 700));
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_EQ(reopened({9000, 9000, 1100, 720}).topLeft(),
-              QPoint(std::max(0, screen.width() - 1100), std::max(0, screen.height() - 720)));
+    ASSERT_EQ(QGuiApplication::primaryScreen()->availableSize(), QSize(1920, 1200));
+    EXPECT_EQ(reopened({9000, 9000, 1100, 720}), QRect(1920 - 1100, 1200 - 720, 1100, 720));
+    EXPECT_EQ(reopened({0, 0, 9000, 9000}), QRect(0, 0, 1920, 1200));
     EXPECT_EQ(reopened({-5000, -5000, 1100, 720}).topLeft(), QPoint(0, 0));
 }
 
@@ -148,7 +148,9 @@ TEST_F(Window, TheHostSelectsAndTheFirstOpeningShowsIt)
     m_store.writePreset(u"Chosen"_s, T::srt);
     m_manager = m_store.makeManager();
     m_manager->setSelectedPreset(m_manager->presetWithName(u"Chosen"_s));
+    ASSERT_EQ(selectedName(), u"Chosen"_s);
     openWindow();
+    ASSERT_EQ(selectedName(), u"Chosen"_s);
     EXPECT_EQ(highlightedName(), u"Chosen"_s);
     EXPECT_TRUE(form());
     m_controller.reset();
