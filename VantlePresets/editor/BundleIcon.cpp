@@ -15,7 +15,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-enum class Coloring { own, tint, text };
+enum class Coloring { own, tint, text, dimmedText };
 
 /// Renders the vector picture for the very pixels that are asked for; nothing is scaled afterwards.
 class BundleIconEngine : public QIconEngine
@@ -47,8 +47,7 @@ public:
 private:
     [[nodiscard]] QPixmap rendered(const QSize &size, QIcon::Mode mode) const
     {
-        const QColor tint =
-            m_coloring == Coloring::text ? QGuiApplication::palette().color(QPalette::ButtonText) : m_tint;
+        const QColor tint = color();
         const QString key = u"vantle:%1:%2x%3:%4:%5"_s.arg(
             m_name, QString::number(size.width()), QString::number(size.height()),
             QString::number(tint.rgba()), QString::number(mode));
@@ -71,6 +70,20 @@ private:
         return picture;
     }
 
+    [[nodiscard]] QColor color() const
+    {
+        switch (m_coloring) {
+        case Coloring::own:
+        case Coloring::tint:
+            return m_tint;
+        case Coloring::text:
+            return QGuiApplication::palette().color(QPalette::ButtonText);
+        case Coloring::dimmedText:
+            return dimmedText(QGuiApplication::palette());
+        }
+        return {};
+    }
+
     QString m_name;
     Coloring m_coloring;
     QColor m_tint;
@@ -86,6 +99,11 @@ QIcon bundleIcon(const QString &name)
 QIcon bundleSymbol(const QString &name, const QColor &tint)
 {
     return QIcon(new BundleIconEngine(name, tint.isValid() ? Coloring::tint : Coloring::text, tint));
+}
+
+QIcon dimmedBundleSymbol(const QString &name)
+{
+    return QIcon(new BundleIconEngine(name, Coloring::dimmedText, QColor()));
 }
 
 SymbolView::SymbolView(const QIcon &icon, QWidget *parent) : QWidget(parent), m_icon(icon)

@@ -13,6 +13,8 @@ namespace vantle {
 /// A symbol of the bundle in one colour; without a tint in the text colour of the application's palette,
 /// whatever it is when the symbol is painted.
 [[nodiscard]] QIcon bundleSymbol(const QString &name, const QColor &tint = QColor());
+/// The same in the palette's dimmed text colour.
+[[nodiscard]] QIcon dimmedBundleSymbol(const QString &name);
 
 /// An icon that stands in a line of text. Decoration only: it takes no focus and has no accessible name.
 class SymbolView : public QWidget

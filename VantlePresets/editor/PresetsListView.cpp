@@ -93,7 +93,8 @@ void PresetsListView::reopenNameField()
 void PresetsListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
     QListView::selectionChanged(selected, deselected);
-    if (m_isShowingSelection || m_model->isChanging())
+    const bool isChange = !selected.isEmpty() || !deselected.isEmpty(); // setting the model is none
+    if (!isChange || m_isShowingSelection || m_model->isChanging())
         return;
     const QModelIndexList rows = selectedIndexes();
     const auto preset = rows.isEmpty() ? nullptr : m_model->preset(rows.first());

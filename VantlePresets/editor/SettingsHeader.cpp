@@ -26,7 +26,7 @@ SettingsHeader::SettingsHeader(const QIcon &symbol, const QString &list, QWidget
     remove->setObjectName(list);
     remove->setAccessibleName(tr("Remove"));
     remove->setToolTip(tr("Remove"));
-    remove->setIcon(bundleSymbol(u"xmark.circle.fill"_s, dimmedText(palette())));
+    remove->setIcon(dimmedBundleSymbol(u"xmark.circle.fill"_s));
     remove->setIconSize({kSymbolSize, kSymbolSize});
     remove->setAutoRaise(true);
     connect(remove, &QToolButton::clicked, this, &SettingsHeader::removeClicked);

@@ -120,6 +120,12 @@ TEST_F(Window, ClosingAnyWindowSavesTheSelectedPresetOnce)
     window().show();
     window().close();
     EXPECT_EQ(saves(), before + 2) << "nothing is selected";
+
+    m_manager->setSelectedPreset(preset);
+    preset->videoSettings().first()->setBitRate(2222);
+    ASSERT_TRUE(QMetaObject::invokeMethod(qApp, "aboutToQuit", Qt::DirectConnection));
+    // No waiting here: the process could end now.
+    EXPECT_EQ(m_store.onDisk("HLS Preset")->videoSettings().first()->bitRate(), 2222);
 }
 
 TEST_F(Window, RemembersItsFrameAsFarAsTheScreensShowIt)
