@@ -29,9 +29,14 @@ public:
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State) override
     {
         const double ratio = painter->device()->devicePixelRatioF();
-        QPixmap picture = rendered(rect.size() * ratio, mode);
-        picture.setDevicePixelRatio(ratio);
-        painter->drawPixmap(rect, picture);
+        const QSize size = rect.size() * ratio;
+        if (m_last.isNull() || m_last.size() != size || m_lastMode != mode || m_lastColor != color()) {
+            m_last = rendered(size, mode);
+            m_last.setDevicePixelRatio(ratio);
+            m_lastMode = mode;
+            m_lastColor = color();
+        }
+        painter->drawPixmap(rect, m_last);
     }
 
     QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State) override
@@ -87,6 +92,10 @@ private:
     QString m_name;
     Coloring m_coloring;
     QColor m_tint;
+
+    QPixmap m_last; ///< as it was painted last
+    QIcon::Mode m_lastMode = QIcon::Normal;
+    QColor m_lastColor;
 };
 
 } // namespace

@@ -4,6 +4,19 @@
 #include "VantlePresets/editor/BundleIcon.h"
 
 namespace vantle {
+namespace {
+
+/// One icon object per kind: each keeps the picture that it painted last.
+QIcon kindIcon(StreamingType type)
+{
+    static QHash<StreamingType, QIcon> icons;
+    QIcon &icon = icons[type];
+    if (icon.isNull())
+        icon = bundleIcon(displayName(type));
+    return icon;
+}
+
+} // namespace
 
 PresetsListModel::PresetsListModel(const std::shared_ptr<PresetsManager> &manager, QObject *parent)
     : QAbstractListModel(parent), m_manager(manager)
@@ -59,7 +72,7 @@ QVariant PresetsListModel::data(const QModelIndex &index, int role) const
         followName(preset);
         return preset->name();
     case Qt::DecorationRole:
-        return bundleIcon(displayName(preset->type()));
+        return kindIcon(preset->type());
     case Qt::AccessibleDescriptionRole:
         return displayName(preset->type());
     default:

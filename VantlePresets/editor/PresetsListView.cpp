@@ -21,13 +21,12 @@ namespace vantle {
 using namespace Qt::StringLiterals;
 
 PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
-    : QListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
+    : UniformListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
       m_model(new PresetsListModel(manager, this))
 {
     setObjectName(u"presets"_s);
     setAccessibleName(tr("Presets"));
     setFrameShape(QFrame::NoFrame);
-    setUniformItemSizes(true);
     setSelectionMode(SingleSelection);
     setEditTriggers(EditKeyPressed | DoubleClicked);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -92,7 +91,7 @@ void PresetsListView::reopenNameField()
 
 void PresetsListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    QListView::selectionChanged(selected, deselected);
+    UniformListView::selectionChanged(selected, deselected);
     const bool isChange = !selected.isEmpty() || !deselected.isEmpty(); // setting the model is none
     if (!isChange || m_isShowingSelection || m_model->isChanging())
         return;
@@ -144,7 +143,7 @@ void PresetsListView::keyPressEvent(QKeyEvent *event)
             edit(currentIndex());
         return;
     default:
-        QListView::keyPressEvent(event);
+        UniformListView::keyPressEvent(event);
     }
 }
 
@@ -162,14 +161,14 @@ void PresetsListView::mousePressEvent(QMouseEvent *event)
     // A press on the button neither selects the row nor begins a rename.
     m_pressedDeleteButton = deleteButtonAt(*event);
     if (!m_pressedDeleteButton.isValid())
-        QListView::mousePressEvent(event);
+        UniformListView::mousePressEvent(event);
 }
 
 void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
 {
     const QPersistentModelIndex pressed = std::exchange(m_pressedDeleteButton, QPersistentModelIndex());
     if (!pressed.isValid())
-        QListView::mouseReleaseEvent(event);
+        UniformListView::mouseReleaseEvent(event);
     else if (deleteButtonAt(*event) == pressed)
         confirmDelete(m_model->preset(pressed));
 }
@@ -177,7 +176,7 @@ void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
 void PresetsListView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (!deleteButtonAt(*event).isValid())
-        QListView::mouseDoubleClickEvent(event);
+        UniformListView::mouseDoubleClickEvent(event);
 }
 
 void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
@@ -199,12 +198,12 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
 void PresetsListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint)
 {
     // The Tab key ends a rename; it does not begin one of another preset.
-    QListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    UniformListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void PresetsListView::focusInEvent(QFocusEvent *event)
 {
-    QListView::focusInEvent(event);
+    UniformListView::focusInEvent(event);
     // The base class makes the first row the current one, and an arrow key would then skip it.
     if (!selectionModel()->hasSelection())
         selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
@@ -212,7 +211,7 @@ void PresetsListView::focusInEvent(QFocusEvent *event)
 
 void PresetsListView::showEvent(QShowEvent *event)
 {
-    QListView::showEvent(event);
+    UniformListView::showEvent(event);
     if (!m_keyMonitor)
         m_keyMonitor = std::make_unique<LocalKeyMonitor>(
             [this](const QKeyEvent &key) { return duplicateByShortcut(key); });
@@ -222,7 +221,7 @@ void PresetsListView::hideEvent(QHideEvent *event)
 {
     m_keyMonitor.reset();
     endNameEdit();
-    QListView::hideEvent(event);
+    UniformListView::hideEvent(event);
 }
 
 bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)

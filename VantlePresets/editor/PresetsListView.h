@@ -3,9 +3,8 @@
 
 #include "VantlePresets/editor/LocalKeyMonitor.h"
 #include "VantlePresets/editor/NameEdit.h"
+#include "VantlePresets/editor/UniformListView.h"
 #include "VantlePresets/store/PresetsManager.h"
-
-#include <QtWidgets/QListView>
 
 namespace vantle {
 
@@ -15,7 +14,7 @@ class PresetsListModel;
 ///
 /// The selection is the store's. The view writes it when the user selects a row, never because rows come
 /// and go.
-class PresetsListView : public QListView
+class PresetsListView : public UniformListView
 {
     Q_OBJECT
 
