@@ -6,6 +6,7 @@
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
+#include <QtGui/QTextLayout>
 #include <QtWidgets/QLineEdit>
 
 #include <algorithm>
@@ -35,6 +36,28 @@ RowParts partsOf(const QRect &wholeRow, Qt::LayoutDirection direction)
     return {row, visual({row.left() + kInRow, y, kSymbolSize, kSymbolSize}),
             visual({nameLeft, row.top(), buttonLeft - kInRow / 2 - nameLeft, row.height()}),
             visual({buttonLeft, y, kSymbolSize, kSymbolSize})};
+}
+
+/// Elides the name only when it is too wide: finding out shapes the text, and drawing the shaped text costs
+/// half of shaping it twice.
+void drawName(QPainter *painter, const QStyleOptionViewItem &option, const QRect &rect, const QString &name)
+{
+    QTextLayout layout(name, option.font);
+    QTextOption singleLine;
+    singleLine.setWrapMode(QTextOption::NoWrap);
+    layout.setTextOption(singleLine);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    if (line.naturalTextWidth() > rect.width()) {
+        painter->setFont(option.font);
+        painter->drawText(rect, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                          option.fontMetrics.elidedText(name, Qt::ElideRight, rect.width()));
+        return;
+    }
+    const bool isRightToLeft = option.direction == Qt::RightToLeft;
+    const double x = isRightToLeft ? rect.right() + 1 - line.naturalTextWidth() : rect.left();
+    layout.draw(painter, QPointF(x, rect.top() + (rect.height() - qRound(line.height())) / 2));
 }
 
 } // namespace
@@ -68,10 +91,7 @@ void PresetsListDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
 
     index.data(Qt::DecorationRole).value<QIcon>().paint(painter, parts.icon);
     painter->setPen(text);
-    painter->setFont(option.font);
-    const QString name = index.data(Qt::DisplayRole).toString();
-    painter->drawText(parts.name, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                      option.fontMetrics.elidedText(name, Qt::ElideRight, parts.name.width()));
+    drawName(painter, option, parts.name, index.data(Qt::DisplayRole).toString());
     if (isSelected || isUnderPointer) {
         // On the accent colour the red would not be seen.
         const bool isOnAccent = isSelected && hasFocus;

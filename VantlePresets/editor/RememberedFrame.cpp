@@ -32,8 +32,23 @@ QRect availableAround(const QRect &rect)
 RememberedFrame::RememberedFrame(const QString &name, QWidget *window)
     : QObject(window), m_name(name), m_window(window)
 {
+    constexpr int kSettledAfter = 250;
+    m_settled.setSingleShot(true);
+    m_settled.setInterval(kSettledAfter);
+    connect(&m_settled, &QTimer::timeout, this, &RememberedFrame::store);
     restore();
     window->installEventFilter(this);
+}
+
+RememberedFrame::~RememberedFrame()
+{
+    if (m_settled.isActive())
+        store();
+}
+
+void RememberedFrame::store()
+{
+    QSettings().setValue(m_name, m_frame);
 }
 
 void RememberedFrame::restore()
@@ -53,8 +68,10 @@ bool RememberedFrame::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isChange = event->type() == QEvent::Move || event->type() == QEvent::Resize;
     const auto isUsual = [this] { return !(m_window->windowState() & ~Qt::WindowActive); };
-    if (isChange && m_window->isVisible() && isUsual())
-        QSettings().setValue(m_name, m_window->geometry());
+    if (isChange && m_window->isVisible() && isUsual()) {
+        m_frame = m_window->geometry();
+        m_settled.start();
+    }
     return QObject::eventFilter(watched, event);
 }
 

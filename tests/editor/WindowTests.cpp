@@ -132,11 +132,15 @@ TEST_F(Window, RemembersItsFrameAsFarAsTheScreensShowIt)
 {
     open();
     window().setGeometry(20, 30, 1100, 720);
+    const auto stored = [] { return QSettings().value(u"VantleWindowFrame"_s).toRect(); };
+    EXPECT_TRUE(waitFor([&] { return stored() == QRect(20, 30, 1100, 720); }));
+    window().resize(1111, 722);
     turn();
-    EXPECT_EQ(QSettings().value(u"VantleWindowFrame"_s).toRect(), QRect(20, 30, 1100, 720));
-    const auto reopened = [&](const QRect &stored) {
+    m_controller.reset();
+    EXPECT_EQ(stored(), QRect(20, 30, 1111, 722)) << "also when the window goes before a drag has settled";
+    const auto reopened = [&](const QRect &frame) {
         m_controller.reset();
-        QSettings().setValue(u"VantleWindowFrame"_s, stored);
+        QSettings().setValue(u"VantleWindowFrame"_s, frame);
         m_controller =
             PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(m_manager);
         return window().geometry();
