@@ -37,12 +37,13 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     std::error_code error;
     const auto state = readState(changed.path, error);
     Inventory::Record *record = m_inventory.find(changed.path);
-    const bool isOwn = changed.cause != ChangedPath::Foreign;
+    const bool isOwn = changed.cause == ChangedPath::Own || changed.cause == ChangedPath::OwnRemoval;
 
     if (!state) {
         if (record == nullptr || !saysMissing(error))
             return {};
-        if (changed.cause == ChangedPath::OwnRemoval) {
+        // With the whole folder gone, nobody can say that it was this process who removed the item.
+        if (changed.cause == ChangedPath::OwnRemoval && readState({}, error)) {
             removeWithDescendants(changed.path);
             return {};
         }
@@ -53,17 +54,19 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
     }
 
-    bool differs = !record->hasState || state->modified != record->state.modified;
-    if (record->own)
-        differs = differs || m_ownEventsAreTold || state->inode != record->state.inode ||
+    const bool becameAnother = state->isDirectory != record->state.isDirectory;
+    bool differs = becameAnother || (!changed.existenceOnly &&
+                                     (!record->hasState || state->modified != record->state.modified));
+    const bool hidesForeign = record->own && m_ownEventsAreTold && changed.cause == ChangedPath::Foreign;
+    if (record->own && !changed.existenceOnly)
+        differs = differs || hidesForeign || state->inode != record->state.inode ||
                   state->size != record->state.size;
-    const Finding finding{.difference =
-                              differs && !isOwn && !changed.existenceOnly ? Finding::Updated : Finding::None,
+    const Finding finding{.difference = differs && !isOwn ? Finding::Updated : Finding::None,
                           .isDirectory = state->isDirectory,
                           .wasDirectory = record->state.isDirectory};
     record->state = *state;
     record->hasState = true;
-    record->own = isOwn;
+    record->own = isOwn || (record->own && changed.cause == ChangedPath::Unknown && !differs);
     return finding;
 }
 
@@ -119,8 +122,9 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
         return false;
     Inventory::Record &record = found->second;
     record.walk = walk;
-    return record.hasState && record.state.modified == state.modified &&
-           record.state.isDirectory == state.isDirectory && !record.own;
+    const FileState &known = record.state;
+    return record.hasState && known.modified == state.modified && known.isDirectory == state.isDirectory &&
+           (!record.own || (known.inode == state.inode && known.size == state.size));
 }
 
 std::vector<std::string> FolderInventory::notMet(std::string_view directory, std::uint32_t walk) const

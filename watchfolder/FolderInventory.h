@@ -12,13 +12,14 @@ namespace vantle {
 struct ChangedPath
 {
     enum Cause {
-        Foreign,    ///< somebody else, or not known
+        Unknown,    ///< none: a walk or a client asks for a look
+        Foreign,    ///< an event of somebody else, or of nobody knows whom
         Own,        ///< this process and nobody else
         OwnRemoval, ///< this process removed it or moved it away
     };
 
     std::string path;
-    Cause cause = Foreign;
+    Cause cause = Unknown;
     /// Only whether the item is there and what it is; its date is taken over in silence.
     bool existenceOnly = false;
 };

@@ -17,7 +17,7 @@ ItemFilter::ItemFilter(const QStringList &types, const QStringList &extensions) 
 
 bool ItemFilter::shouldIgnore(std::string_view path) const
 {
-    if (m_types.isEmpty() && m_extensions.isEmpty())
+    if (isEmpty())
         return false;
     if (!m_extensions.isEmpty() && matchesExtension(displayPath(splitPath(path).name)))
         return false;

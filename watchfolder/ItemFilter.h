@@ -18,6 +18,7 @@ public:
 
     const QStringList &types() const { return m_types; }
     const QStringList &extensions() const { return m_extensions; }
+    bool isEmpty() const { return m_types.isEmpty() && m_extensions.isEmpty(); }
     bool shouldIgnore(std::string_view path) const;
 
 private:

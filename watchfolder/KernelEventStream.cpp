@@ -85,23 +85,30 @@ std::error_code KernelEventStream::openFolder()
     }
 }
 
-// Marks that are refused for lack of rights are left out: such directories are rarely renamed.
+// Marks that are refused for lack of rights are left out: such directories are rarely changed.
 void KernelEventStream::markAncestors(int queue)
 {
-    char resolved[PATH_MAX];
-    if (realpath(folderPath().c_str(), resolved) == nullptr)
-        return;
-    std::string path = resolved;
-    m_folderName = splitPath(path).name;
-    WatchRole role = WatchRole::Parent;
-    while (path.size() > 1) {
-        path = splitPath(path).directory;
-        if (path.empty())
-            path = "/";
+    const auto markDirectory = [this, queue](const std::string &path, WatchRole role) {
         const Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (directory.isOpen())
             mark(queue, path, directory.get(), role);
-        role = WatchRole::Ancestor;
+    };
+    char resolved[PATH_MAX];
+    if (realpath(folderPath().c_str(), resolved) == nullptr)
+        return;
+    for (std::string path = resolved; path.size() > 1;) {
+        path.resize(std::max<size_t>(path.rfind('/'), 1));
+        markDirectory(path, WatchRole::Ancestor);
+    }
+    // Each place where a name on the way to the folder can be given to something else: the folder's own, and
+    // links'.
+    for (std::string path = folderPath(); path.size() > 1;) {
+        const std::string parent = path.substr(0, std::max<size_t>(path.rfind('/'), 1));
+        char target = 0;
+        if (path == m_configuration.folder || readlink(path.c_str(), &target, 1) > 0) {
+            markDirectory(parent, WatchRole::Parent);
+        }
+        path = parent;
     }
 }
 
@@ -113,7 +120,7 @@ quint32 KernelEventStream::eventsForRole(WatchRole role)
     case WatchRole::Below:
         return watchedEvents;
     case WatchRole::Parent:
-        return selfEvents | IN_DELETE;
+        return selfEvents | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
     case WatchRole::Ancestor:
         return selfEvents;
     }
@@ -209,9 +216,10 @@ void KernelEventStream::handle(const Record &record)
     if (record.directory == nullptr)
         return;
     if (record.role == WatchRole::Parent || record.role == WatchRole::Ancestor || record.name.empty()) {
-        const bool isFolder = record.name.empty() || record.name == m_folderName;
-        const bool wentAway = (record.mask & (selfEvents | IN_DELETE | IN_UNMOUNT)) != 0;
-        m_folderIsSuspect = m_folderIsSuspect || (record.role != WatchRole::Below && isFolder && wentAway);
+        // Of these only what may take the folder away is asked for, and its mode, which does not matter.
+        constexpr quint32 takingAway = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_DELETE | IN_MOVE;
+        m_folderIsSuspect =
+            m_folderIsSuspect || (record.role != WatchRole::Below && (record.mask & takingAway));
         return;
     }
     if (isDirectoryEvent(record.mask) && (record.mask & departingEvents))

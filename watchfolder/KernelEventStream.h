@@ -86,7 +86,6 @@ private:
     void emitFolderEvent(quint32 flags);
 
     const Configuration m_configuration;
-    std::string m_folderName;
     std::shared_ptr<RunLoop> m_loop;
     std::atomic<bool> m_scheduled = false;
 

@@ -26,7 +26,7 @@ VRXWatchFolder::VRXWatchFolder(const QString &folderPath, std::weak_ptr<VRXWatch
                                bool deepWatch, double latency, const QStringList &UTTypesFilter,
                                const QStringList &extensionsFilter, WatchFolderEnvironment environment)
     : m_folderPath(folderPath), m_latency(latency),
-      m_core(std::make_shared<WatchFolderCore>(this, nativePath(folderPath), deepWatch, milliseconds(latency),
+      m_core(std::make_shared<WatchFolderCore>(this, folderPath, deepWatch, milliseconds(latency),
                                                ItemFilter(UTTypesFilter, extensionsFilter),
                                                std::move(environment)))
 {

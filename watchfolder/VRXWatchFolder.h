@@ -61,10 +61,10 @@ public:
     void setDisplayName(const QString &name);
     std::shared_ptr<VRXWatchFolderDelegate> delegate() const;
     void setDelegate(std::weak_ptr<VRXWatchFolderDelegate> delegate);
-    /// Takes effect at the next start, like the two below.
+    /// Takes effect when watching starts, like setBackend.
     bool ignoreSelf() const;
     void setIgnoreSelf(bool ignore);
-    /// Utility makes the working queue give way to other threads.
+    /// Utility makes the working queue give way to other threads. To be set before the first start.
     QualityOfService qualityOfService() const;
     void setQualityOfService(QualityOfService qualityOfService);
     void setBackend(WatchBackend backend);

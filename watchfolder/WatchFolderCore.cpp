@@ -3,6 +3,7 @@
 
 #include "watchfolder/NativePath.h"
 #include "watchfolder/RunLoop.h"
+#include "watchfolder/WatchFolderWalks.h"
 
 #include <fcntl.h>
 
@@ -19,103 +20,30 @@ constexpr size_t pathsBetweenCancellationChecks = 200;
 // Their servers' changes come without events, or with some of them only.
 constexpr std::array unreliableFileSystems = {"smb", "cifs", "AvidUnityISIS"};
 
-void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format,
-              const std::string &folder, const std::error_code &reason = {})
+void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format, const QString &folder,
+              const std::error_code &reason = {})
 {
     if (error == nullptr)
         return;
     error->code = code;
-    error->description = QString::fromLatin1(format).arg(displayPath(folder));
+    error->description = QString::fromLatin1(format).arg(folder);
     error->reason = reason ? QString::fromStdString(reason.message()) : QString();
 }
 
-/// Fills a new inventory.
-class FirstEnumeration final : public FolderWalkVisitor
+std::string withoutTrailingSlashes(std::string path)
 {
-public:
-    FirstEnumeration(const WatchFolderCore &core, FileSystemEventStream &stream, ChangeReport &report)
-        : m_core(core), m_stream(stream), m_report(report)
-    {
-    }
-
-    Inventory takeInventory() { return std::move(m_inventory); }
-
-    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
-    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
-    {
-        m_names = nullptr;
-        return directory.empty() ? std::error_code()
-                                 : m_stream.watchDirectory(m_core.folder + '/' + directory, descriptor);
-    }
-    void found(const std::string &directory, std::string_view name,
-               const std::optional<FileState> &state) override
-    {
-        if (m_core.filter.shouldIgnore(m_core.folder + '/' + joinPath(directory, name)))
-            return;
-        if (m_names == nullptr)
-            m_names = &m_inventory.namesForUpdate(directory);
-        m_names->try_emplace(std::string(name), Inventory::Record{.state = state.value_or(FileState()),
-                                                                  .hasState = state.has_value()});
-    }
-    bool shouldContinue(const std::error_code &error, const std::string &path) override
-    {
-        return m_report.shouldContinue(error, path);
-    }
-
-private:
-    const WatchFolderCore &m_core;
-    FileSystemEventStream &m_stream;
-    ChangeReport &m_report;
-    Inventory m_inventory;
-    Inventory::Names *m_names = nullptr;
-};
-
-/// Finds what has to be compared.
-class ReInventory final : public FolderWalkVisitor
-{
-public:
-    ReInventory(WatchFolderCore &core, FileSystemEventStream *stream, ChangeReport &report)
-        : m_core(core), m_stream(stream), m_report(report), m_walk(core.inventory.beginWalk())
-    {
-    }
-
-    std::uint32_t walk() const { return m_walk; }
-    std::vector<ChangedPath> takeChanged() { return std::move(m_changed); }
-
-    bool cancelled() const override { return m_report.cancelled() || m_core.cancelRequested; }
-    std::error_code willReadDirectory(const std::string &directory, int descriptor) override
-    {
-        return directory.empty() || m_stream == nullptr
-                   ? std::error_code()
-                   : m_stream->watchDirectory(m_core.folder + '/' + directory, descriptor);
-    }
-    void found(const std::string &directory, std::string_view name,
-               const std::optional<FileState> &state) override
-    {
-        if (state && !m_core.inventory.meet(directory, name, *state, m_walk))
-            m_changed.push_back({.path = joinPath(directory, name)});
-    }
-    bool shouldContinue(const std::error_code &error, const std::string &path) override
-    {
-        return m_report.shouldContinue(error, path);
-    }
-
-private:
-    WatchFolderCore &m_core;
-    FileSystemEventStream *m_stream;
-    ChangeReport &m_report;
-    const std::uint32_t m_walk;
-    std::vector<ChangedPath> m_changed;
-};
+    path.erase(path.find_last_not_of('/') + 1);
+    return path;
+}
 
 } // namespace
 
-WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const std::string &path, bool isDeep,
+WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const QString &path, bool isDeep,
                                  std::chrono::milliseconds streamLatency, ItemFilter itemFilter,
                                  WatchFolderEnvironment environment)
-    : folder(path.substr(0, path.find_last_not_of('/') + 1)), deepWatch(isDeep), latency(streamLatency),
-      filter(std::move(itemFilter)), inventory(folder), m_isAbsolute(path.starts_with('/')), m_owner(owner),
-      m_environment(std::move(environment))
+    : folder(withoutTrailingSlashes(nativePath(path))), deepWatch(isDeep), latency(streamLatency),
+      filter(std::move(itemFilter)), inventory(folder), m_folderText(path),
+      m_isAbsolute(nativePath(path).starts_with('/')), m_owner(owner), m_environment(std::move(environment))
 {
 }
 
@@ -159,10 +87,10 @@ bool WatchFolderCore::checkFolder(WatchFolderError *error) const
         m_isAbsolute ? readFileState(AT_FDCWD, folderPath().c_str(), Follow::Links, reason) : std::nullopt;
     if (!state)
         setError(error, WatchFolderError::FolderNotReachable,
-                 "FolderPath not reachable when starting to watch (%1)", folderPath(), reason);
+                 "FolderPath not reachable when starting to watch (%1)", m_folderText, reason);
     else if (!state->isDirectory)
         setError(error, WatchFolderError::FolderIsFile, "Item at FolderPath is a file, not a directory (%1)",
-                 folderPath());
+                 m_folderText);
     return state && state->isDirectory;
 }
 
@@ -182,10 +110,11 @@ bool WatchFolderCore::createStream(WatchFolderError *error)
                                           wantedBackend, reason);
     if (!made) {
         setError(error, WatchFolderError::NoEventStream,
-                 "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", folderPath(), reason);
+                 "WatchFolder Error: Unable to Create FSEventStream (Path '%1')", m_folderText, reason);
         return false;
     }
-    inventory.setOwnEventsAreTold(made->tellsOwnEvents() && ignoreSelf);
+    m_isIgnoringSelf = made->tellsOwnEvents() && ignoreSelf;
+    inventory.setOwnEventsAreTold(m_isIgnoringSelf);
     const std::lock_guard lock(m_streamMutex);
     m_stream = std::move(made);
     return true;
@@ -326,8 +255,9 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
         if (const auto receiver = delegate())
             receiver->watchFolderFileFinderInfoChangedAtURL(m_owner, urlForNativePath(event.nativePath()));
     }
-    ChangedPath change{.path = std::move(*path), .existenceOnly = event.has(ItemIsDir)};
-    if (event.has(OwnEvent) && ignoreSelf)
+    ChangedPath change{
+        .path = std::move(*path), .cause = ChangedPath::Foreign, .existenceOnly = !event.has(ItemIsFile)};
+    if (event.has(OwnEvent) && m_isIgnoringSelf)
         change.cause = event.has(ItemRemoved | ItemRenamed) ? ChangedPath::OwnRemoval : ChangedPath::Own;
     changed.push_back(std::move(change));
 }
@@ -368,7 +298,7 @@ void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
         return;
     ChangeReport report(folder, m_owner, delegate(), cancelled);
     inventory.beginReplacement();
-    FirstEnumeration enumeration(*this, *current, report);
+    FirstEnumeration enumeration(*this, current.get(), report);
     walkFolder(folder, {}, enumerationOptions(), enumeration);
     if (enumeration.cancelled())
         return;
@@ -402,10 +332,7 @@ void WatchFolderCore::enumerateAndPerformChangesAtPath(const std::string &direct
         walkFolder(folder, directory, enumerationOptions(), found);
     if (found.cancelled())
         return;
-    std::vector<ChangedPath> paths = found.takeChanged();
-    for (std::string &missing : inventory.notMet(directory, found.walk()))
-        paths.push_back({.path = std::move(missing)});
-    performChanges(paths, report);
+    performChanges(found.takeDifferences(directory), report);
 }
 
 void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, ChangeReport &report)
@@ -415,7 +342,7 @@ void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, Chan
         if (i % pathsBetweenCancellationChecks == 0 && report.cancelled())
             return;
         const ChangedPath &changed = paths[i];
-        if (filter.shouldIgnore(folder + '/' + changed.path) && !inventory.has(changed.path))
+        if (shouldIgnore({}, changed.path) && !inventory.has(changed.path))
             continue;
         const Finding finding = inventory.compare(changed);
         if (finding.difference == Finding::Added)

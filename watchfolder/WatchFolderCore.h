@@ -3,8 +3,8 @@
 
 #include "watchfolder/ChangeReport.h"
 #include "watchfolder/FolderInventory.h"
-#include "watchfolder/FolderWalk.h"
 #include "watchfolder/ItemFilter.h"
+#include "watchfolder/NativePath.h"
 #include "watchfolder/PendingDirectories.h"
 #include "watchfolder/WatchFolderEnvironment.h"
 #include "watchfolder/WatchFolderError.h"
@@ -20,7 +20,7 @@ namespace vantle {
 class WatchFolderCore : public std::enable_shared_from_this<WatchFolderCore>
 {
 public:
-    WatchFolderCore(VRXWatchFolder *owner, const std::string &path, bool deepWatch,
+    WatchFolderCore(VRXWatchFolder *owner, const QString &path, bool deepWatch,
                     std::chrono::milliseconds latency, ItemFilter filter, WatchFolderEnvironment environment);
 
     bool start(WatchFolderError *error);
@@ -37,6 +37,10 @@ public:
     /// lies deeper than is watched.
     std::optional<std::string> relativePath(std::string_view path) const;
     unsigned enumerationOptions() const;
+    bool shouldIgnore(std::string_view directory, std::string_view name) const
+    {
+        return !filter.isEmpty() && filter.shouldIgnore(folder + '/' + joinPath(directory, name));
+    }
 
     const std::string folder; // without a slash at its end
     const bool deepWatch;
@@ -71,6 +75,7 @@ private:
     void reportUnreachable(ChangeReport &report);
     bool folderExists() const;
 
+    const QString m_folderText; // as the client wrote it
     const bool m_isAbsolute;
     VRXWatchFolder *const m_owner;
     const WatchFolderEnvironment m_environment;
@@ -86,6 +91,7 @@ private:
     std::shared_ptr<WorkingQueue> m_queue;
     WatchFolderEnvironment::Timer m_forceTimer;
 
+    std::atomic<bool> m_isIgnoringSelf = false;     // as of the start of the stream
     bool m_unreachable = false;                     // on the working queue only
     std::atomic<bool> m_enumerationPending = false; // the first enumeration was asked for and is not complete
 };

@@ -7,6 +7,8 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace vantle::document {
@@ -197,10 +199,16 @@ qint64 ArrayReader::integerAt(qsizetype index) const
 
 struct Document::Tree
 {
-    rapidjson::Document json;
+    // Enough for a preset of a few renditions: the library's own first chunk is of a size whose release
+    // makes the C library tidy up its heap each time.
+    static constexpr std::size_t kBufferSize = 12 << 10;
+
+    alignas(std::max_align_t) std::array<char, kBufferSize> buffer;
+    rapidjson::MemoryPoolAllocator<> pool{buffer.data(), buffer.size()};
+    rapidjson::Document json{&pool};
 };
 
-Document::Document(QByteArrayView text) : m_tree(std::make_unique<Tree>())
+Document::Document(QByteArrayView text) : m_tree(new Tree)
 {
     const QByteArrayView byteOrderMark("\xEF\xBB\xBF");
     if (text.startsWith(byteOrderMark))

@@ -102,6 +102,20 @@ void requireRegular(const struct stat &status)
                                                         : make_error_code(FileFault::notRegular));
 }
 
+/// Opens a file for reading; a socket, and any device that a link leads to, is refused without opening it,
+/// which can have effects of its own.
+int openRegular(const std::filesystem::path &path)
+{
+    constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const int direct = ::open(path.c_str(), kFlags | O_NOFOLLOW);
+    if (direct >= 0)
+        return direct;
+    struct stat status = {};
+    checked([&] { return ::stat(path.c_str(), &status); });
+    requireRegular(status);
+    return checked([&] { return ::open(path.c_str(), kFlags); });
+}
+
 } // namespace
 
 std::error_code make_error_code(FileFault fault)
@@ -118,11 +132,7 @@ std::filesystem::path fileSystemPath(const QString &path)
 QByteArray readFile(const std::filesystem::path &path)
 {
     struct stat status = {};
-    // Before opening: to open a device can have effects of its own.
-    checked([&] { return ::stat(path.c_str(), &status); });
-    requireRegular(status);
-    const Descriptor file(
-        checked([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+    const Descriptor file(openRegular(path));
     checked([&] { return ::fstat(file.get(), &status); });
     requireRegular(status);
 
@@ -140,6 +150,8 @@ QByteArray readFile(const std::filesystem::path &path)
         length += got;
         if (length > kMaximumFileSize)
             throw std::system_error(make_error_code(FileFault::tooLarge));
+        if (length == status.st_size)
+            break; // what is appended from now on is another change
         if (length == content.size())
             content.resize(std::min<qsizetype>(2 * length, kMaximumFileSize + 1));
     }

@@ -86,7 +86,7 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::decode(const document::Objec
     auto preset = std::make_shared<RTMPVantlePreset>(Key{});
     preset->decodeBase(root);
     preset->decodeConnection(root);
-    preset->decodeListsAgain(root);
+    preset->decodeTracksAgain(root);
     return preset;
 }
 

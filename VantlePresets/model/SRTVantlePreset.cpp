@@ -58,7 +58,7 @@ std::shared_ptr<SRTVantlePreset> SRTVantlePreset::decode(const document::ObjectR
     preset->m_streamingURL = root.string("streamingURL");
     preset->m_portNumber = root.integer("portNumber");
     preset->m_authenticate = root.boolean("authenticate");
-    preset->decodeListsAgain(root);
+    preset->decodeTracksAgain(root);
     return preset;
 }
 

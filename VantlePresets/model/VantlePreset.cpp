@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/VantlePreset.h"
 
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ResourceBundle.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/FileAccess.h"
@@ -172,6 +173,7 @@ void VantlePreset::makeDefaults(StreamingType type, const QString &name)
 {
     m_type = type;
     m_name = name;
+    m_uuid = newObjectId();
     m_videoSettings = {VideoSettings::create()};
     const auto track = AudioSettings::create();
     track->setIsDefault(true);
@@ -186,7 +188,8 @@ void VantlePreset::decodeBase(const document::ObjectReader &root)
     m_type = streamingTypes().fromText(root.string("type")).value_or(StreamingType::hls);
     m_videoSettings = decodeList<VideoSettings>(root, "videoSettings");
     m_audioSettings = decodeList<AudioSettings>(root, "audioSettings");
-    m_uuid = uuidFromText(root.stringIfAny("id").value_or(QString())).value_or(m_uuid);
+    const auto uuid = uuidFromText(root.stringIfAny("id").value_or(QString()));
+    m_uuid = uuid ? *uuid : newObjectId();
     for (const auto &track : std::as_const(m_audioSettings)) {
         track->setDelegate(weak_from_this());
         if (track->isDefault())
@@ -194,9 +197,8 @@ void VantlePreset::decodeBase(const document::ObjectReader &root)
     }
 }
 
-void VantlePreset::decodeListsAgain(const document::ObjectReader &root)
+void VantlePreset::decodeTracksAgain(const document::ObjectReader &root)
 {
-    m_videoSettings = decodeList<VideoSettings>(root, "videoSettings");
     m_audioSettings = decodeList<AudioSettings>(root, "audioSettings");
 }
 

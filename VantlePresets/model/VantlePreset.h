@@ -123,9 +123,10 @@ protected:
     /// Reads the shared keys: the first step of every class.
     void decodeBase(const document::ObjectReader &root);
 
-    /// Reads both lists once more and keeps these: the last step of every derived class. The tracks have
-    /// no delegate, and defaultAudioSettings() stays the track of the first reading.
-    void decodeListsAgain(const document::ObjectReader &root);
+    /// Reads the tracks once more and keeps these: the last step of every derived class. They have no
+    /// delegate, and defaultAudioSettings() stays the track of the first reading. Nothing tells a second
+    /// reading of the renditions from the first, so that there is none.
+    void decodeTracksAgain(const document::ObjectReader &root);
 
     /// Fills the shared keys and the name from a file; false, silently, when that fails.
     bool readBaseFromFile(const QString &path);
@@ -141,7 +142,7 @@ private:
     VideoSettingsList m_videoSettings;
     AudioSettingsList m_audioSettings;
     std::shared_ptr<AudioSettings> m_defaultAudioSettings;
-    QUuid m_uuid = QUuid::createUuid();
+    QUuid m_uuid;
 };
 
 /// The name that a preset file gives its preset: the last path component without its last extension.

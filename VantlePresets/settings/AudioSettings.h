@@ -2,6 +2,7 @@
 #pragma once
 
 #include "VantlePresets/core/EnumerationTable.h"
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ObservableRecord.h"
 
 #include <QtCore/QUuid>
@@ -147,7 +148,7 @@ private:
     QString m_trackName = QStringLiteral("English");
     bool m_isDefault = false;
     qint64 m_pid = 256;
-    QUuid m_id = QUuid::createUuid();
+    QUuid m_id = newObjectId();
     std::weak_ptr<AudioSettingsDelegate> m_delegate;
 };
 

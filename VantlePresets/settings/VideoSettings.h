@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ObservableRecord.h"
 #include "VantlePresets/settings/CodecProfiles.h"
 #include "VantlePresets/settings/VideoFormats.h"
@@ -154,7 +155,7 @@ private:
     qint64 m_bitRate = 4500;
     QString m_profile = QStringLiteral("H264_Main_AutoLevel");
     qint64 m_pid = 256;
-    QUuid m_id = QUuid::createUuid();
+    QUuid m_id = newObjectId();
     QList<H264Profile> m_availableH264Profiles = offeredH264Profiles();
     QList<HEVCProfile> m_availableHEVCProfiles = offeredHEVCProfiles();
 };

@@ -50,7 +50,7 @@ std::optional<FolderReconciler::PresetFile> FolderReconciler::presetFile(const Q
 }
 
 /// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
-std::shared_ptr<ListedPreset> FolderReconciler::load(const PresetFile &file) const
+std::shared_ptr<ListedPreset> FolderReconciler::load(const PresetFile &file)
 {
     try {
         if (!file.isUtf8)
@@ -61,8 +61,10 @@ std::shared_ptr<ListedPreset> FolderReconciler::load(const PresetFile &file) con
         listed->hasFile = true;
         listed->documentHash = documentHash(preset->encoded(document::Format::compact));
         preset->moveWithSettingsToThread(m_queue.thread());
+        noteReadability(file, true);
         return listed;
     } catch (const std::exception &error) {
+        noteReadability(file, false);
         logLine("Error loading Preset "_L1 + file.fileName + ": "_L1 + QString::fromUtf8(error.what()));
         return nullptr;
     }
@@ -73,25 +75,22 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     if (!watchFolder)
         programmingFault("a reload without its watch folder");
 
-    std::vector<PresetFile> files;
-    for (const QUrl &url : watchFolder->URLs()) {
-        if (auto file = presetFile(url))
-            files.push_back(std::move(*file));
-    }
-
-    PresetIndex::Entries entries(files.size());
+    const QList<QUrl> urls = watchFolder->URLs();
+    const auto count = static_cast<std::size_t>(urls.size());
+    PresetIndex::Entries entries(count);
     std::atomic<std::size_t> next = 0;
     const auto loadSome = [&] {
         constexpr std::size_t kChunk = 32;
-        for (std::size_t begin; (begin = next.fetch_add(kChunk)) < files.size() && !m_isCancelled;) {
-            for (std::size_t i = begin; i < std::min(begin + kChunk, files.size()); ++i)
-                entries[i] = load(files[i]);
+        for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
+            for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
+                if (const auto file = presetFile(urls[static_cast<qsizetype>(i)]))
+                    entries[i] = load(*file);
+            }
         }
     };
     {
         std::vector<std::jthread> others;
-        const std::size_t wanted =
-            std::min<std::size_t>(std::thread::hardware_concurrency(), files.size() / 64);
+        const std::size_t wanted = std::min<std::size_t>(std::thread::hardware_concurrency(), count / 64);
         for (std::size_t i = 1; i < wanted; ++i)
             others.emplace_back(loadSome);
         loadSome();
@@ -99,8 +98,6 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     if (m_isCancelled)
         return;
 
-    for (std::size_t i = 0; i < files.size(); ++i)
-        noteReadability(files[i], entries[i] != nullptr);
     std::erase(entries, nullptr);
     const auto loaded = std::make_shared<PresetIndex>();
     loaded->merge(std::move(entries));
@@ -115,9 +112,7 @@ void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &u
 
 void FolderReconciler::loadAndAdd(const PresetFile &file)
 {
-    const auto listed = load(file);
-    noteReadability(file, listed != nullptr);
-    if (listed)
+    if (const auto listed = load(file))
         m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 

@@ -55,7 +55,7 @@ private:
     struct PresetFile;
 
     static std::optional<PresetFile> presetFile(const QUrl &url);
-    std::shared_ptr<ListedPreset> load(const PresetFile &file) const;
+    std::shared_ptr<ListedPreset> load(const PresetFile &file);
     void loadAndAdd(const PresetFile &file);
     void noteReadability(const PresetFile &file, bool isReadable);
 

@@ -113,6 +113,8 @@ void PresetIndex::rename(ListedPreset &entry, const QString &name, int from, int
 void PresetIndex::merge(Entries entries)
 {
     sort(entries);
+    m_byPreset.reserve(m_byPreset.size() + entries.size());
+    m_byName.reserve(m_byName.size() + static_cast<qsizetype>(entries.size()));
     for (const auto &entry : entries)
         enter(entry.get());
     if (m_entries.empty()) {

@@ -590,6 +590,7 @@ void PresetsManager::Private::takeOver(ListedPreset &entry, const std::shared_pt
             const auto document = documentOf(*preset);
             updated->documentHash = document ? std::optional(documentHash(*document)) : std::nullopt;
         }
+        Q_EMIT q.presetUpdated(preset);
         return;
     }
     source->setName(entry.name);

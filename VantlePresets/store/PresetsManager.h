@@ -113,6 +113,9 @@ Q_SIGNALS:
     /// At every assignment, also of the preset that is selected already.
     void selectedPresetChanged(const std::shared_ptr<vantle::VantlePreset> &preset);
 
+    /// A change of the preset's file by another process was applied to the listed object.
+    void presetUpdated(const std::shared_ptr<vantle::VantlePreset> &preset);
+
     /// Rows in pairs for list models. A move goes before the row that stood at `to` at its start.
     void rowAboutToBeInserted(int row);
     void rowInserted(int row);

@@ -12,7 +12,7 @@ namespace vantle::ctl {
 /// What the process reports to its caller.
 enum class ExitCode : int {
     good = 0,
-    failed = 1, ///< a file is not a preset, or something could not be read or written
+    failed = 1, ///< refused, not a preset, or something could not be read or written
     usage = 2,  ///< the command line makes no sense
 };
 
@@ -23,5 +23,13 @@ using Command = std::function<ExitCode(Output &out)>;
 void addValidateCommand(CLI::App &app, Command &chosen);
 void addShowCommand(CLI::App &app, Command &chosen);
 void addConvertCommand(CLI::App &app, Command &chosen);
+void addListCommand(CLI::App &app, Command &chosen);
+void addEditCommands(CLI::App &app, Command &chosen);
+void addSetCommand(CLI::App &app, Command &chosen);
+void addTransferCommands(CLI::App &app, Command &chosen);
+void addWatchCommand(CLI::App &app, Command &chosen);
+
+/// Accepts the labels of the six kinds.
+[[nodiscard]] CLI::Validator kindLabel();
 
 } // namespace vantle::ctl

@@ -38,6 +38,7 @@ ExitCode convert(const Options &options, Output &out)
         requireFile(concerned);
         StagedFile file(concerned, document);
         file.commit();
+        file.syncFolder();
         out.line("wrote "_L1 + shown(concerned) + "  "_L1 + displayName(preset->type()) + "  "_L1 +
                  countsOf(*preset));
         return ExitCode::good;

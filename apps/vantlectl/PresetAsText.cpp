@@ -67,6 +67,8 @@ QString verdictOf(const LevelFit &fit)
 
 void addRenditions(Table &table, const VideoSettingsList &renditions)
 {
+    if (renditions.isEmpty())
+        return;
     table.add({u"#"_s, u"Codec"_s, u"Frame size"_s, u"fps"_s, u"kbit/s"_s, u"PID"_s, u"Profile and level"_s,
                u"Lowest level"_s, u"Level check"_s});
     for (qsizetype i = 0; i < renditions.size(); ++i) {
@@ -92,6 +94,8 @@ QString channelsOf(const AudioSettings &track)
 
 void addTracks(Table &table, const AudioSettingsList &tracks)
 {
+    if (tracks.isEmpty())
+        return;
     table.add({u"#"_s, u"Name"_s, u"Language"_s, u"Codec"_s, u"Hz"_s, u"Bits"_s, u"kbit/s"_s, u"PID"_s,
                u"Channels"_s, u"Default"_s});
     for (qsizetype i = 0; i < tracks.size(); ++i) {
@@ -110,7 +114,8 @@ QStringList presetAsText(const VantlePreset &preset, bool reveal)
     const QString indentation = u"  "_s;
     QStringList lines{escapedControls(preset.name()) + " ("_L1 + displayName(preset.type()) + u')'};
     const auto section = [&lines](const QString &title, const Table &table) {
-        lines << QString() << title << table.lines();
+        const bool isEmpty = table.lines().isEmpty();
+        lines << QString() << title << (isEmpty ? QStringList{u"  none"_s} : table.lines());
     };
 
     Table connection(indentation);

@@ -3,6 +3,8 @@
 
 #include "VantlePresets/core/Log.h"
 
+#include <QtCore/QCoreApplication>
+
 #include <clocale>
 #include <csignal>
 #include <sstream>
@@ -28,13 +30,19 @@ ExitCode explain(const CLI::App &app, const CLI::ParseError &error, Output &out)
 
 ExitCode run(int argc, char **argv)
 {
-    CLI::App app("Checks, shows and converts streaming preset files.", "vantlectl");
+    CLI::App app("Streaming presets from the command line: their files, and the live store of this machine.",
+                 "vantlectl");
     app.set_version_flag("--version", "vantlectl " VANTLE_VERSION);
     app.require_subcommand(1);
     Command chosen;
     addValidateCommand(app, chosen);
     addShowCommand(app, chosen);
     addConvertCommand(app, chosen);
+    addListCommand(app, chosen);
+    addEditCommands(app, chosen);
+    addSetCommand(app, chosen);
+    addTransferCommands(app, chosen);
+    addWatchCommand(app, chosen);
 
     Output out;
     try {
@@ -54,6 +62,7 @@ int main(int argc, char **argv)
     // The width of characters depends on the locale; texts are UTF-8 in every one.
     std::setlocale(LC_CTYPE, "C.UTF-8");
     std::signal(SIGPIPE, SIG_IGN);
+    const QCoreApplication application(argc, argv);
     setLogSink([](const QString &line) { complain(line); });
     ExitCode code = ExitCode::failed;
     try {

@@ -218,8 +218,9 @@ void measureOperations()
     for (int i = 0; i < 200; ++i) {
         std::shared_ptr<VantlePreset> preset;
         add.push_back(milliseconds([&] { preset = manager->addNewPreset(StreamingType::youTube); }));
-        rename.push_back(milliseconds(
-            [&] { manager->rename(preset, preset->name(), u"Preset %1 b"_s.arg(i * 49, 6, 10, QChar(u'0'))); }));
+        rename.push_back(milliseconds([&] {
+            manager->rename(preset, preset->name(), u"Preset %1 b"_s.arg(i * 49, 6, 10, QChar(u'0')));
+        }));
         const auto other = manager->presets()[i * 37];
         select.push_back(milliseconds([&] { manager->setSelectedPreset(other); }));
         save.push_back(milliseconds([&] { manager->save(other); }));

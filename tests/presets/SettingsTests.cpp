@@ -4,6 +4,8 @@
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 
+#include <QtCore/QSet>
+
 #include <gtest/gtest.h>
 
 namespace vantle::test {
@@ -133,6 +135,18 @@ TEST(Settings, RenditionsEqualByFourValuesTracksByIdentity)
     EXPECT_EQ(compact(*track), compact(*other));
     EXPECT_NE(*track, *other);
     EXPECT_EQ(*track, *track);
+}
+
+TEST(Settings, IdentifiersAreRandomUuids)
+{
+    QList<QUuid> ids;
+    for (int i = 0; i < 100; ++i)
+        ids << VideoSettings::create()->id() << AudioSettings::create()->id();
+    EXPECT_EQ(QSet<QUuid>(ids.begin(), ids.end()).size(), 200);
+    for (const QUuid &id : ids) {
+        EXPECT_EQ(id.version(), QUuid::Random);
+        EXPECT_EQ(id.variant(), QUuid::DCE);
+    }
 }
 
 TEST(Settings, TextsForPeopleAndFileNames)

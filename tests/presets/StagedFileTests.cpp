@@ -87,7 +87,7 @@ TEST(StagedFile, NewFilesObeyTheUmaskAndTheFolder)
     replace(folder.path("Show.json"), "new");
     ::umask(old);
     EXPECT_EQ(statusOf(folder.path("Show.json")).st_mode & 07777, 0640u);
-    EXPECT_EQ(statusOf(folder.path("Show.json")).st_gid, statusOf(folder.path()).st_gid);
+    EXPECT_EQ(statusOf(folder.path("Show.json")).st_gid, statusOf(folder.path(".")).st_gid);
 }
 
 TEST(StagedFile, ReplacesALinkInsteadOfFollowingIt)
@@ -156,7 +156,7 @@ TEST(StagedFile, AFailureLeavesTheOldFileAndNothingElse)
               std::errc::no_such_file_or_directory);
     EXPECT_EQ(errorOf([&] { replace(folder.path("Show.json/a.json"), "new"); }), std::errc::not_a_directory);
     for (const auto &name : {std::string(), std::string("."), std::string(".."), std::string("a\0b", 3)})
-        EXPECT_EQ(errorOf([&] { replace(folder.path() / name, "new"); }),
+        EXPECT_EQ(errorOf([&] { replace(std::filesystem::path(folder.path()) / name, "new"); }),
                   make_error_code(FileFault::badName));
     EXPECT_EQ(folder.content("Show.json"), "old");
     EXPECT_EQ(folder.names(), (Names{"Show.json", "folder.json"}));

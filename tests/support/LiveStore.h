@@ -40,8 +40,8 @@ public:
     LiveStore(const LiveStore &) = delete;
     LiveStore &operator=(const LiveStore &) = delete;
 
-    [[nodiscard]] QString dataDirectory() const { return QString::fromStdString(m_data.path().string()); }
-    [[nodiscard]] std::filesystem::path folder() const { return m_data.path() / "Orvalle/Streaming Presets"; }
+    [[nodiscard]] QString dataDirectory() const { return QString::fromStdString(m_data.path()); }
+    [[nodiscard]] std::filesystem::path folder() const { return m_data.path("Orvalle/Streaming Presets"); }
     [[nodiscard]] std::filesystem::path file(const std::string &name) const { return folder() / name; }
 
     /// A manager that has read the folder.

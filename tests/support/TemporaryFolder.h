@@ -2,8 +2,9 @@
 #pragma once
 
 #include <QtCore/QByteArray>
-#include <QtCore/QTemporaryDir>
+#include <QtCore/QString>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -16,20 +17,25 @@ namespace vantle::test {
 class TemporaryFolder
 {
 public:
-    TemporaryFolder() = default;
+    TemporaryFolder()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "vantle-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) == nullptr)
+            throw std::runtime_error("mkdtemp failed");
+        m_path = std::filesystem::canonical(pattern).string();
+    }
     ~TemporaryFolder()
     {
-        // Qt alone can't remove files whose names are not UTF-8.
         std::error_code ignored;
-        std::filesystem::remove_all(path(), ignored);
+        std::filesystem::remove_all(m_path, ignored);
     }
     TemporaryFolder(const TemporaryFolder &) = delete;
     TemporaryFolder &operator=(const TemporaryFolder &) = delete;
 
-    [[nodiscard]] std::filesystem::path path(const std::string &name = {}) const
+    [[nodiscard]] const std::string &path() const { return m_path; }
+    [[nodiscard]] std::filesystem::path path(const std::string &name) const
     {
-        const std::filesystem::path folder = m_folder.path().toStdString();
-        return name.empty() ? folder : folder / name;
+        return std::filesystem::path(m_path) / name;
     }
 
     [[nodiscard]] QString pathText(const std::string &name) const
@@ -61,7 +67,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_folder;
+    std::string m_path;
 };
 
 } // namespace vantle::test

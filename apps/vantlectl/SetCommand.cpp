@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/StoreSession.h"
+
+#include "VantlePresets/core/Log.h"
+
+namespace vantle::ctl {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Options : StoreOptions
+{
+    std::string name;
+    std::vector<std::string> assignments;
+};
+
+/// Fields of the preset itself that its document would not hold: they would be gone with this process.
+void requireKept(const VantlePreset &preset, const QList<Assignment> &assignments)
+{
+    const QByteArray document = preset.encoded(document::Format::compact);
+    for (const Assignment &assignment : assignments) {
+        const QString &path = assignment.path();
+        if (path.contains(u'.') || document.contains(QByteArray('"' + path.toUtf8() + "\":")))
+            continue;
+        const bool isLogin = path.startsWith("authentication"_L1);
+        throw AssignmentError(path, isLogin ? u"kept only while authenticate is true"_s
+                                            : "not kept in the files of "_L1 + displayName(preset.type()) +
+                                                  " presets"_L1);
+    }
+}
+
+ExitCode set(const Options &options, Output &out)
+{
+    QList<Assignment> assignments;
+    for (const std::string &text : options.assignments) {
+        const auto assignment = Assignment::parse(QString::fromStdString(text));
+        if (!assignment) {
+            complain("not an assignment such as portNumber=1936 or videoSettings.0.bitRate=6000: "_L1 +
+                     escapedControls(QString::fromStdString(text).section(u'=', 0, 0)));
+            return ExitCode::usage;
+        }
+        assignments.append(*assignment);
+    }
+
+    StoreSession session(options);
+    const auto preset = session.preset(options.name);
+    try {
+        for (const Assignment &assignment : assignments) {
+            assignment.apply(*preset);
+            if (assignment.isLimited(*preset))
+                complain(assignment.path() + ": limited to "_L1 + assignment.presentValue(*preset) +
+                         " by the profile"_L1);
+        }
+        requireKept(*preset, assignments);
+    } catch (const AssignmentError &error) {
+        throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
+    }
+    session.manager().save(preset);
+    const ExitCode code = session.finish();
+    if (options.json && code == ExitCode::good)
+        printPreset(out, *preset, true);
+    return code;
+}
+
+} // namespace
+
+void addSetCommand(CLI::App &app, Command &chosen)
+{
+    CLI::App *const command = app.add_subcommand("set", "Change fields of a preset");
+    command->footer(
+        "Fields are named as in preset files: portNumber=1936, videoSettings.0.codec=HEVC,\n"
+        "audioSettings.1.inputChannels=2,3. Renditions and tracks of HLS and SRT presets are added\n"
+        "with videoSettings.+ and removed with videoSettings.1.- (counted from 0).\n"
+        "All assignments are carried out, in their order, or none is.");
+    const auto options = std::make_shared<Options>();
+    options->addTo(*command);
+    command->add_option("NAME", options->name, "The preset")->required();
+    command->add_option("FIELD=VALUE", options->assignments, "What to change")->required();
+    command->callback([options, &chosen] {
+        chosen = [options](Output &out) { return guarded([&] { return set(*options, out); }); };
+    });
+}
+
+} // namespace vantle::ctl

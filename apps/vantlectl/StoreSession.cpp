@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/StoreSession.h"
+
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/document/DocumentWriter.h"
+
+#include <QtCore/QEventLoop>
+
+#include <atomic>
+
+namespace vantle::ctl {
+
+using namespace Qt::StringLiterals;
+
+struct StoreSession::Log
+{
+    std::atomic<bool> hasStartFailed = false;
+    std::atomic<bool> hasFileFailed = false;
+
+    void take(const QString &line)
+    {
+        complain(line);
+        if (line.startsWith("Error to create directory"_L1))
+            hasStartFailed = true;
+        if (line.startsWith("Error writing"_L1) || line.startsWith("Error deleting"_L1))
+            hasFileFailed = true;
+    }
+};
+
+void StoreOptions::addTo(CLI::App &command)
+{
+    command.add_option("--data-dir", dataDirectory, "The data directory in place of the machine-wide one");
+    command.add_flag("--json", json, "For machines: one JSON object per line");
+}
+
+StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared<Log>())
+{
+    setLogSink([log = m_log](const QString &line) { log->take(line); });
+    m_manager = options.dataDirectory.empty()
+                    ? std::make_unique<PresetsManager>()
+                    : std::make_unique<PresetsManager>(
+                          [&] { return QStringList{QString::fromStdString(options.dataDirectory)}; });
+    if (m_log->hasStartFailed)
+        throw Refusal(u"the presets folder can't be used"_s);
+    QEventLoop loop;
+    QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
+    if (!m_manager->isLoaded())
+        loop.exec();
+}
+
+StoreSession::~StoreSession()
+{
+    m_manager.reset();
+    setLogSink([](const QString &line) { complain(line); });
+}
+
+std::shared_ptr<VantlePreset> StoreSession::preset(const std::string &name) const
+{
+    if (auto found = m_manager->presetWithName(QString::fromStdString(name)))
+        return found;
+    throw Refusal("there is no preset named \""_L1 + escapedControls(QString::fromStdString(name)) + u'"');
+}
+
+ExitCode StoreSession::finish()
+{
+    m_manager->waitForFileTasks();
+    return m_log->hasFileFailed ? ExitCode::failed : ExitCode::good;
+}
+
+ExitCode guarded(const std::function<ExitCode()> &work)
+{
+    try {
+        return work();
+    } catch (const Refusal &refusal) {
+        complain(QString::fromUtf8(refusal.what()));
+        return ExitCode::failed;
+    }
+}
+
+void printPreset(Output &out, const VantlePreset &preset, bool json)
+{
+    if (!json) {
+        out.line(escapedControls(preset.name()));
+        return;
+    }
+    out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+        writer.beginObject();
+        writer.string("name", preset.name());
+        writer.string("kind", displayName(preset.type()));
+        writer.integer("videoSettings", preset.videoSettings().size());
+        writer.integer("audioSettings", preset.audioSettings().size());
+        writer.endObject();
+    }));
+    out.line();
+}
+
+} // namespace vantle::ctl

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/vantlectl/Command.h"
+
+#include "VantlePresets/store/PresetsManager.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace vantle::ctl {
+
+/// What a command on the store refuses, as it is to be shown.
+class Refusal : public std::runtime_error
+{
+public:
+    explicit Refusal(const QString &text) : std::runtime_error(text.toStdString()) {}
+};
+
+/// The options that every command on the store has.
+struct StoreOptions
+{
+    std::string dataDirectory; ///< "" for the machine-wide one
+    bool json = false;
+
+    void addTo(CLI::App &command);
+};
+
+/// The store of one command: opens it, waits until the folder has been read, and tells whether everything
+/// that was asked for has reached the disk. The store's log goes to standard error.
+class StoreSession
+{
+public:
+    /// Throws Refusal when the folder can't be used.
+    explicit StoreSession(const StoreOptions &options);
+    ~StoreSession();
+    StoreSession(const StoreSession &) = delete;
+    StoreSession &operator=(const StoreSession &) = delete;
+
+    [[nodiscard]] PresetsManager &manager() { return *m_manager; }
+
+    /// Throws Refusal when no preset has the name.
+    [[nodiscard]] std::shared_ptr<VantlePreset> preset(const std::string &name) const;
+
+    /// Waits for the files; failed when one could not be written or deleted.
+    [[nodiscard]] ExitCode finish();
+
+private:
+    struct Log;
+
+    std::shared_ptr<Log> m_log;
+    std::unique_ptr<PresetsManager> m_manager;
+};
+
+/// Runs a command's work and turns what it refuses into a complaint.
+[[nodiscard]] ExitCode guarded(const std::function<ExitCode()> &work);
+
+/// A preset's line in listings; with json an object.
+void printPreset(Output &out, const VantlePreset &preset, bool json);
+
+} // namespace vantle::ctl

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/PresetText.h"
+#include "apps/vantlectl/StoreSession.h"
+
+#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/model/RTMPVantlePreset.h"
+
+namespace vantle::ctl {
+namespace {
+
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+struct ImportOptions : StoreOptions
+{
+    std::vector<std::string> files;
+};
+
+struct ExportOptions : StoreOptions
+{
+    std::string name;
+    std::string file;
+    bool withSecrets = false;
+};
+
+/// Lists and saves a preset of a file's content under the file's name, unless that name is taken.
+void importFile(PresetsManager &manager, const fs::path &file, const ImportOptions &options, Output &out)
+{
+    const auto preset = readPresetFile(file);
+    if (manager.presetWithName(preset->name()))
+        throw std::runtime_error("a preset of this name exists");
+    manager.setPresets(manager.presets() + PresetsList{preset});
+    manager.save(preset);
+    printPreset(out, *preset, options.json);
+}
+
+ExitCode import(const ImportOptions &options, Output &out)
+{
+    StoreSession session(options);
+    bool isComplete = true;
+    for (const fs::path file : options.files) {
+        try {
+            importFile(session.manager(), file, options, out);
+        } catch (const OutputError &) {
+            throw;
+        } catch (const std::exception &error) {
+            complain(shown(file) + ": "_L1 + Failure(error).message());
+            isComplete = false;
+        }
+    }
+    const ExitCode code = session.finish();
+    return isComplete ? code : ExitCode::failed;
+}
+
+/// A copy without stream key and password: empty where the document requires them.
+std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset)
+{
+    const auto copy = decodePreset(preset.encoded(document::Format::compact));
+    if (auto *const rtmp = dynamic_cast<RTMPVantlePreset *>(copy.get())) {
+        rtmp->setStreamKey({});
+        rtmp->setAuthenticationPassword({});
+    }
+    return copy;
+}
+
+ExitCode exportPreset(const ExportOptions &options, Output &out)
+{
+    StoreSession session(options);
+    const auto preset = session.preset(options.name);
+    const QByteArray document =
+        (options.withSecrets ? preset : withoutSecrets(*preset))->encoded(document::Format::pretty);
+    if (options.file == "-") {
+        out.bytes(document);
+        out.line();
+        return ExitCode::good;
+    }
+    const fs::path target = options.file;
+    try {
+        StagedFile file(target, document);
+        file.commit();
+        file.syncFolder();
+    } catch (const std::system_error &error) {
+        throw Refusal(shown(target) + ": "_L1 + QString::fromUtf8(error.what()));
+    }
+    if (options.json)
+        printPreset(out, *preset, true);
+    return ExitCode::good;
+}
+
+} // namespace
+
+void addTransferCommands(CLI::App &app, Command &chosen)
+{
+    CLI::App *const importing = app.add_subcommand("import", "Add presets from files, named after them");
+    const auto imported = std::make_shared<ImportOptions>();
+    imported->addTo(*importing);
+    importing->add_option("FILE", imported->files, "Preset files")->required();
+    importing->callback([imported, &chosen] {
+        chosen = [imported](Output &out) { return guarded([&] { return import(*imported, out); }); };
+    });
+
+    CLI::App *const exporting = app.add_subcommand("export", "Write a preset to a file, pretty-printed");
+    const auto exported = std::make_shared<ExportOptions>();
+    exported->addTo(*exporting);
+    exporting->add_option("NAME", exported->name, "The preset")->required();
+    exporting->add_option("FILE", exported->file, "The file to write, or - for standard output")->required();
+    exporting->add_flag("--with-secrets", exported->withSecrets,
+                        "Keep stream key and password, which are left empty otherwise");
+    exporting->callback([exported, &chosen] {
+        chosen = [exported](Output &out) { return guarded([&] { return exportPreset(*exported, out); }); };
+    });
+}
+
+} // namespace vantle::ctl

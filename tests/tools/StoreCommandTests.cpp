@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/model/RTMPVantlePreset.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FinishedProcess.h"
+#include "tests/support/QtPrinters.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QVariant>
+
+#include <csignal>
+
+namespace vantle::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class StoreCommands : public testing::Test
+{
+protected:
+    Finished ctl(std::vector<std::string> arguments) const
+    {
+        arguments.insert(arguments.begin(), VANTLECTL);
+        arguments.insert(arguments.end(), {"--data-dir", m_data.path()});
+        return runProcess(arguments);
+    }
+
+    [[nodiscard]] std::filesystem::path file(const std::string &name) const
+    {
+        return m_data.path("Orvalle/Streaming Presets") / (name + ".json");
+    }
+
+    TemporaryFolder m_data;
+};
+
+TEST_F(StoreCommands, TheWholeLifeOfAPreset)
+{
+    EXPECT_EQ(ctl({"add", "SRT"}).output, "SRT Preset\n");
+    EXPECT_EQ(ctl({"add", "SRT", "--name", "Remote"}).output, "Remote\n");
+    EXPECT_EQ(ctl({"set", "Remote", "streamingURL=host.example", "portNumber=9000", "videoSettings.+",
+                   "videoSettings.1.codec=HEVC", "videoSettings.1.profile=HEVC_Main 10_AutoLevel",
+                   "videoSettings.1.bitRate=6000", "videoSettings.0.-", "audioSettings.+",
+                   "audioSettings.1.trackName=Deutsch", "audioSettings.1.isDefault=true",
+                   "audioSettings.1.inputChannels=2,0,1"})
+                  .exitCode,
+              0);
+    EXPECT_EQ(ctl({"duplicate", "Remote"}).output, "Remote copy\n");
+    EXPECT_EQ(ctl({"rename", "Remote", " Studio "}).output, "Studio\n");
+    EXPECT_EQ(ctl({"remove", "SRT Preset"}).exitCode, 0);
+    EXPECT_EQ(ctl({"list", "--names"}).output, "Remote copy\nStudio\n");
+    EXPECT_EQ(ctl({"list", "--json", "--kind", "SRT"}).output,
+              "{\"name\":\"Remote copy\",\"kind\":\"SRT\",\"videoSettings\":1,\"audioSettings\":2}\n"
+              "{\"name\":\"Studio\",\"kind\":\"SRT\",\"videoSettings\":1,\"audioSettings\":2}\n");
+
+    const auto studio = readPresetFile(file("Studio"));
+    EXPECT_EQ(studio->property("streamingURL").toString(), u"host.example"_s);
+    EXPECT_EQ(studio->property("portNumber").toLongLong(), 9000);
+    EXPECT_EQ(studio->videoSettings().first()->profile(), u"HEVC_Main 10_AutoLevel"_s);
+    EXPECT_EQ(studio->videoSettings().first()->bitRate(), 6000);
+    EXPECT_FALSE(studio->audioSettings()[0]->isDefault());
+    EXPECT_TRUE(studio->audioSettings()[1]->isDefault());
+    EXPECT_EQ(studio->audioSettings()[1]->inputChannels(), (QList<qint64>{2, 0, 1}));
+    EXPECT_TRUE(ctl({"show", "Studio"}).output.startsWith("Studio (SRT)\n"));
+}
+
+TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
+{
+    ASSERT_EQ(ctl({"add", "RTMP", "--name", "A"}).exitCode, 0);
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "B"}).exitCode, 0);
+    const auto contentOf = [this](const char *name) {
+        return readPresetFile(file(name))->encoded(document::Format::compact);
+    };
+    const QByteArray before = contentOf("A");
+    struct Row
+    {
+        std::vector<std::string> arguments;
+        int exitCode;
+        QByteArray reason;
+    };
+    for (const Row &row : std::initializer_list<Row>{
+             {{"set", "A", "portNumber"}, 2, "not an assignment"},
+             {{"set", "A", "portNumber=1", "videoSettings.x=1"}, 2, "not an assignment"},
+             {{"set", "A", "portNumber=1", "nonsense=1"}, 1, "nonsense: no such field"},
+             {{"set", "A", "portNumber=1", "name=B"}, 1, "name: no such field"},
+             {{"set", "A", "portNumber=1x"}, 1, "portNumber: expected an integer"},
+             {{"set", "A", "videoSettings.0.frameRate=nan"}, 1, "frameRate: expected a number"},
+             {{"set", "A", "videoSettings.0.codec=VP9"}, 1, "codec: expected one of: H.264, HEVC"},
+             {{"set", "A", "videoSettings.1.pid=2"}, 1, "videoSettings.1.pid: the list has 1 entries"},
+             {{"set", "A", "videoSettings.+"}, 1, "RTMP presets keep"},
+             {{"set", "A", "streamKey=s3cret"}, 1, "streamKey: not kept in the files of RTMP presets"},
+             {{"set", "A", "authenticationPassword=s3cret"}, 1, "only while authenticate is true"},
+             {{"rename", "A", "B"}, 1, "invalid or already taken"},
+             {{"rename", "A", " "}, 1, "invalid or already taken"},
+             {{"remove", "C"}, 1, "there is no preset named \"C\""},
+             {{"add", "hls"}, 2, "KIND"},
+             {{"list", "--kind", "Video"}, 2, "--kind"},
+             {{"export", "A", "/nowhere/x.json"}, 1, "No such file or directory"}}) {
+        const Finished refused = ctl(row.arguments);
+        EXPECT_EQ(refused.exitCode, row.exitCode) << row.reason.toStdString();
+        EXPECT_TRUE(refused.errors.contains(row.reason)) << refused.errors.toStdString();
+        EXPECT_FALSE(refused.errors.contains("s3cret"));
+        EXPECT_EQ(refused.output, "");
+        EXPECT_EQ(contentOf("A"), before);
+    }
+    const Finished limited = ctl({"set", "A", "videoSettings.0.bitRate=999999"});
+    EXPECT_EQ(limited.exitCode, 0);
+    EXPECT_TRUE(limited.errors.contains("videoSettings.0.bitRate: limited to 240000 by the profile"));
+}
+
+TEST_F(StoreCommands, ImportAndExportKeepSecretsToThemselves)
+{
+    const std::string sample = VANTLE_SAMPLES "/YouTube Premiere.json";
+    EXPECT_EQ(ctl({"import", sample, "/nowhere.json"}).exitCode, 1);
+    EXPECT_EQ(ctl({"list", "--names"}).output, "YouTube Premiere\n");
+    EXPECT_TRUE(ctl({"import", sample}).errors.contains("a preset of this name exists"));
+    const auto keyOf = [](const std::filesystem::path &path) {
+        return readPresetFile(path)->property("streamKey").toString();
+    };
+    const TemporaryFolder out;
+    ASSERT_EQ(ctl({"export", "YouTube Premiere", out.path("plain.json")}).exitCode, 0);
+    ASSERT_EQ(ctl({"export", "YouTube Premiere", out.path("full.json"), "--with-secrets"}).exitCode, 0);
+    EXPECT_EQ(keyOf(out.path("plain.json")), u""_s);
+    EXPECT_EQ(keyOf(out.path("full.json")), keyOf(sample));
+    EXPECT_NE(keyOf(sample), u""_s);
+}
+
+TEST_F(StoreCommands, WatchPrintsEveryChangeAndStopsCleanly)
+{
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "A"}).exitCode, 0);
+    ChildProcess watch({VANTLECTL, "watch", "--data-dir", m_data.path()});
+    EXPECT_EQ(watch.receive(), "watching");
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "B"}).exitCode, 0);
+    EXPECT_EQ(watch.receive(), "added B");
+    ASSERT_EQ(ctl({"set", "A", "videoSettings.0.bitRate=1"}).exitCode, 0);
+    EXPECT_EQ(watch.receive(), "updated A");
+    ASSERT_EQ(ctl({"remove", "B"}).exitCode, 0);
+    EXPECT_EQ(watch.receive(), "removed B");
+    ::kill(watch.id(), SIGTERM);
+    EXPECT_EQ(watch.finish(), 0);
+}
+
+TEST_F(StoreCommands, AFolderThatCannotBeUsedIsAnError)
+{
+    const Finished finished = runProcess({VANTLECTL, "list", "--data-dir", "/dev/null"});
+    EXPECT_EQ(finished.exitCode, 1);
+    EXPECT_TRUE(finished.errors.contains("Error to create directory or start watching: "));
+}
+
+} // namespace
+} // namespace vantle::test

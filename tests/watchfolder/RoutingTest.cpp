@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Wait.h"
+#include "tests/watchfolder/FakeEventStream.h"
+#include "tests/watchfolder/Recorder.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace vantle;
+using namespace vantle::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAreArray;
+
+namespace {
+
+// The rules above the event source, driven by one that says what the test wants.
+class WatcherOnFakeStream : public testing::Test
+{
+protected:
+    WatcherOnFakeStream()
+    {
+        options.environment.startStream = [this](const auto &configuration, WatchBackend,
+                                                 std::error_code &error) {
+            error = startError;
+            auto made = std::make_shared<FakeEventStream>(configuration);
+            made->watchError = watchError;
+            stream = error ? nullptr : made;
+            return stream;
+        };
+        options.environment.fileSystemTypeName = [this](const QString &) { return fileSystem; };
+        options.environment.startTimer = [this](std::chrono::milliseconds interval,
+                                                std::function<void()> tick) {
+            intervals.push_back(interval);
+            this->tick = std::move(tick);
+            return std::shared_ptr<void>(&intervals, [this](void *) { this->tick = nullptr; });
+        };
+    }
+
+    TemporaryFolder folder;
+    std::shared_ptr<FakeEventStream> stream;
+    std::error_code startError;
+    std::error_code watchError;
+    std::optional<QString> fileSystem;
+    std::vector<std::chrono::milliseconds> intervals;
+    std::function<void()> tick;
+    Watching::Options options;
+};
+
+TEST_F(WatcherOnFakeStream, RoutesEventsByTheirFlags)
+{
+    const struct
+    {
+        const char *name;
+        bool deep;
+        const char *path;
+        quint32 flags;
+        std::vector<std::string> heard;
+    } cases[] = {
+        {"a file", false, "new", ItemIsFile | ItemCreated, {"added new"}},
+        {"a vanished file", false, "old", ItemIsFile | ItemRemoved, {"removed old"}},
+        {"a file that did not change", false, "same", ItemIsFile | ItemModified, {}},
+        {"a hidden file", false, ".hidden", ItemIsFile | ItemCreated, {}},
+        {"in a hidden directory", true, ".Trashes/f", ItemIsFile | ItemCreated, {}},
+        {"below, not deep", false, "d/f", ItemIsFile | ItemCreated, {}},
+        {"below, deep", true, "d/f", ItemIsFile | ItemCreated, {"added d/f"}},
+        {"a directory without news", true, "d", ItemIsDir | ItemInodeMetaMod, {}},
+        {"a directory to scan", true, "d", ItemIsDir | MustScanSubDirs, {"added d", "added d/f"}},
+        {"a renamed directory", true, "d", ItemIsDir | ItemRenamed, {"added d", "added d/f"}},
+        {"the folder to scan",
+         true,
+         "",
+         ItemIsDir | MustScanSubDirs,
+         {"added new", "added d", "added d/f", "removed old"}},
+        {"the folder to scan, not deep",
+         false,
+         "",
+         ItemIsDir | MustScanSubDirs,
+         {"added new", "added d", "removed old"}},
+        {"the root changed", false, "", RootChanged, {"added new", "added d", "removed old"}},
+        {"an own creation", false, "new", ItemIsFile | ItemCreated | OwnEvent, {}},
+        {"an own removal", false, "old", ItemIsFile | ItemRemoved | OwnEvent, {}},
+        {"removed, but not by the own write",
+         false,
+         "old",
+         ItemIsFile | ItemModified | OwnEvent,
+         {"removed old"}},
+        {"information", false, "same", ItemIsFile | ItemFinderInfoMod, {"info same"}},
+    };
+    for (const auto &event : cases) {
+        SCOPED_TRACE(event.name);
+        runScript(folder.path(), "rm -rf * .[!.]*; echo 1 > old; echo 1 > same");
+        options.deep = event.deep;
+        Watching watching(folder.path(), options);
+        runScript(folder.path(), "rm old; echo 1 > new; mkdir d .Trashes; echo 1 > d/f; echo 1 > .hidden; "
+                                 "echo 1 > .Trashes/f");
+        stream->deliver(event.path, event.flags);
+        ASSERT_TRUE(flushed(*watching.watcher));
+        EXPECT_THAT(watching.recorder->takeLines(), UnorderedElementsAreArray(event.heard));
+    }
+}
+
+TEST_F(WatcherOnFakeStream, ForeignChangeBehindAnOwnOneIsReported)
+{
+    runScript(folder.path(), "echo 1 > a");
+    Watching watching(folder.path(), options);
+    // The own event's comparison already sees what the child wrote; the child's event comes later.
+    runScript(folder.path(), "echo 2 > a");
+    stream->deliver("a", ItemIsFile | ItemModified | OwnEvent);
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), IsEmpty());
+    stream->deliver("a", ItemIsFile | ItemModified);
+    stream->deliver("a", ItemIsFile | ItemModified);
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("updated a"));
+}
+
+TEST_F(WatcherOnFakeStream, ChecksNetworkVolumesEveryThirtySeconds)
+{
+    for (const char *type : {"ext4", "nfs", "smbfs", "smb2", "cifs", "AvidUnityISIS"}) {
+        SCOPED_TRACE(type);
+        fileSystem = QString::fromLatin1(type);
+        intervals.clear();
+        runScript(folder.path(), "rm -f *");
+        Watching watching(folder.path(), options);
+        const bool isLocal = *fileSystem == QStringLiteral("ext4") || *fileSystem == QStringLiteral("nfs");
+        if (isLocal) {
+            EXPECT_THAT(intervals, IsEmpty());
+            continue;
+        }
+        EXPECT_THAT(intervals, ElementsAre(std::chrono::seconds(30)));
+        runScript(folder.path(), "echo 1 > a");
+        tick();
+        ASSERT_TRUE(flushed(*watching.watcher));
+        EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("added a"));
+        watching.watcher->stopWatching();
+        EXPECT_FALSE(tick) << "the timer outlives the watching";
+    }
+}
+
+TEST_F(WatcherOnFakeStream, WatchesADirectoryBeforeItReadsIt)
+{
+    runScript(folder.path(), "mkdir -p a/b .h/c; ln -s a l");
+    watchError.assign(ENOSPC, std::system_category());
+    Watching watching(folder.path(), options);
+    EXPECT_THAT(stream->watched(), ElementsAre(folder.path() + "/a", folder.path() + "/a/b"));
+    // Out of watches: said for each directory, and the contents are known all the same.
+    const std::string error = "error " + watchError.message();
+    EXPECT_THAT(watching.recorder->takeLines(), ElementsAre(error, error));
+    EXPECT_THAT(inventoried(*watching.watcher), ElementsAre("a", "a/b", "l"));
+}
+
+TEST_F(WatcherOnFakeStream, ASecondStartLosesNothing)
+{
+    Watching watching(folder.path(), options);
+    for (int i = 0; i < 20; ++i) {
+        const std::string name = "f" + std::to_string(i);
+        runScript(folder.path(), "echo 1 > " + name);
+        stream->deliver(name, ItemIsFile | ItemCreated);
+        QCoreApplication::processEvents();
+        ASSERT_TRUE(watching.watcher->startWatching());
+    }
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_EQ(watching.recorder->replayed(), onDisk(folder.path()));
+    EXPECT_THAT(watching.recorder->contradictions(), IsEmpty());
+}
+
+TEST_F(WatcherOnFakeStream, SaysWhyItCanNotStart)
+{
+    runScript(folder.path(), "echo 1 > file; ln -s nowhere dangling");
+    const QString path = QString::fromStdString(folder.path());
+    const auto start = [this](const QString &where, WatchFolderError &error,
+                              const WatchFolderEnvironment &environment) {
+        VRXWatchFolder watcher(where, {}, false, 1.0, {}, {}, environment);
+        const bool started = watcher.startWatching(&error);
+        EXPECT_FALSE(watcher.isWatchingPath());
+        return started;
+    };
+    const struct
+    {
+        QString path;
+        int code;
+    } cases[] = {
+        {path + QStringLiteral("/missing"), 1001},    {path + QStringLiteral("/file"), 1002},
+        {path + QStringLiteral("/file/below"), 1001}, {path + QStringLiteral("/dangling"), 1001},
+        {path + u'/' + QString(4096, u'x'), 1001},    {path + u'/' + QChar(0xD800), 1001},
+        {QStringLiteral("relative"), 1001},           {QString(), 1001},
+    };
+    for (const auto &bad : cases) {
+        SCOPED_TRACE(qUtf8Printable(bad.path.left(100)));
+        WatchFolderError error;
+        EXPECT_FALSE(start(bad.path, error, WatchFolderEnvironment::system()));
+        EXPECT_EQ(error.code, bad.code);
+        EXPECT_EQ(error.domain, QStringLiteral("WatchFolderError"));
+        EXPECT_TRUE(error.description.contains(bad.path));
+    }
+
+    WatchFolderError error;
+    startError.assign(ENOSPC, std::system_category());
+    EXPECT_FALSE(start(path, error, options.environment));
+    EXPECT_EQ(error.code, 1003);
+    EXPECT_EQ(error.reason, QString::fromStdString(startError.message()));
+}
+
+TEST_F(WatcherOnFakeStream, SaysThatDescriptorsRanOut)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizers need descriptors of their own to look at memory";
+#endif
+    rlimit all = {};
+    getrlimit(RLIMIT_NOFILE, &all);
+    const int next = dup(0);
+    close(next);
+    const rlimit few = {static_cast<rlim_t>(next), all.rlim_max};
+    VRXWatchFolder watcher(QString::fromStdString(folder.path()));
+    WatchFolderError error;
+    setrlimit(RLIMIT_NOFILE, &few);
+    const bool started = watcher.startWatching(&error);
+    setrlimit(RLIMIT_NOFILE, &all);
+    EXPECT_FALSE(started);
+    EXPECT_EQ(error.code, 1003);
+    EXPECT_EQ(error.reason, QString::fromLatin1(strerror(EMFILE)));
+}
+
+TEST_F(WatcherOnFakeStream, CanNotStartOnAnUnreadableFolder)
+{
+    runScript(folder.path(), "mkdir closed; chmod 0 closed");
+    const std::string closed = folder.path() + "/closed";
+    if (access(closed.c_str(), R_OK) == 0)
+        GTEST_SKIP() << "this user can read everything";
+    VRXWatchFolder watcher(QString::fromStdString(closed));
+    WatchFolderError error;
+    EXPECT_FALSE(watcher.startWatching(&error));
+    EXPECT_EQ(error.code, 1003);
+}
+
+} // namespace
