@@ -9,6 +9,7 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPixmapCache>
 #include <QtSvg/QSvgRenderer>
+#include <QtWidgets/QToolButton>
 
 namespace vantle {
 namespace {
@@ -113,6 +114,18 @@ QIcon bundleSymbol(const QString &name, const QColor &tint)
 QIcon dimmedBundleSymbol(const QString &name)
 {
     return QIcon(new BundleIconEngine(name, Coloring::dimmedText, QColor()));
+}
+
+QToolButton *makeIconButton(const QIcon &icon, const QString &text, const QString &objectName)
+{
+    auto *button = new QToolButton;
+    button->setObjectName(objectName);
+    button->setAccessibleName(text);
+    button->setToolTip(text);
+    button->setIcon(icon);
+    button->setIconSize({kSymbolSize, kSymbolSize});
+    button->setAutoRaise(true);
+    return button;
 }
 
 SymbolView::SymbolView(const QIcon &icon, QWidget *parent) : QWidget(parent), m_icon(icon)

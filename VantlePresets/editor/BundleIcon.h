@@ -5,6 +5,8 @@
 #include <QtGui/QIcon>
 #include <QtWidgets/QWidget>
 
+class QToolButton;
+
 namespace vantle {
 
 /// A picture of the component's bundle in its own colours, sharp at every size and scale.
@@ -15,6 +17,9 @@ namespace vantle {
 [[nodiscard]] QIcon bundleSymbol(const QString &name, const QColor &tint = QColor());
 /// The same in the palette's dimmed text colour.
 [[nodiscard]] QIcon dimmedBundleSymbol(const QString &name);
+
+/// A borderless button whose face is an icon; the text is its accessible name and its tool tip.
+[[nodiscard]] QToolButton *makeIconButton(const QIcon &icon, const QString &text, const QString &objectName);
 
 /// An icon that stands in a line of text. Decoration only: it takes no focus and has no accessible name.
 class SymbolView : public QWidget

@@ -22,13 +22,7 @@ SettingsHeader::SettingsHeader(const QIcon &symbol, const QString &list, QWidget
     line->addWidget(m_text, 1);
     if (list.isEmpty())
         return;
-    auto *remove = new QToolButton;
-    remove->setObjectName(list);
-    remove->setAccessibleName(tr("Remove"));
-    remove->setToolTip(tr("Remove"));
-    remove->setIcon(dimmedBundleSymbol(u"xmark.circle.fill"_s));
-    remove->setIconSize({kSymbolSize, kSymbolSize});
-    remove->setAutoRaise(true);
+    auto *remove = makeIconButton(dimmedBundleSymbol(u"xmark.circle.fill"_s), tr("Remove"), list);
     connect(remove, &QToolButton::clicked, this, &SettingsHeader::removeClicked);
     line->addWidget(remove);
 }

@@ -164,13 +164,7 @@ QToolButton *VantleView::makeAddButton()
         connect(menu->addAction(bundleIcon(label), label), &QAction::triggered, this,
                 [this, type] { addPreset(type); });
     }
-    auto *button = new QToolButton;
-    button->setObjectName(u"addPreset"_s);
-    button->setAccessibleName(tr("Add Preset"));
-    button->setToolTip(tr("Add Preset"));
-    button->setIcon(bundleSymbol(u"plus"_s));
-    button->setIconSize({kSymbolSize, kSymbolSize});
-    button->setAutoRaise(true);
+    auto *button = makeIconButton(bundleSymbol(u"plus"_s), tr("Add Preset"), u"addPreset"_s);
     // Not the button's own menu: that one would be run in an event loop of its own.
     connect(button, &QToolButton::clicked, menu,
             [button, menu] { menu->popup(button->mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
@@ -179,13 +173,8 @@ QToolButton *VantleView::makeAddButton()
 
 QWidget *VantleView::makeDetail()
 {
-    auto *sidebarButton = new QToolButton;
-    sidebarButton->setObjectName(u"toggleSidebar"_s);
-    sidebarButton->setAccessibleName(tr("Toggle Sidebar"));
-    sidebarButton->setToolTip(tr("Toggle Sidebar"));
-    sidebarButton->setIcon(bundleSymbol(u"sidebar.leading"_s));
-    sidebarButton->setIconSize({kSymbolSize, kSymbolSize});
-    sidebarButton->setAutoRaise(true);
+    auto *sidebarButton =
+        makeIconButton(bundleSymbol(u"sidebar.leading"_s), tr("Toggle Sidebar"), u"toggleSidebar"_s);
     connect(sidebarButton, &QToolButton::clicked, this, &performToggleSidebar);
 
     m_title = new FormLabel(FormLabel::Voice::title);
