@@ -131,8 +131,10 @@ std::unique_ptr<PresetsWindowController> makeWindow(const Store &store)
 /// Works through events, painting included, until there was one more of what is counted.
 void process(const int &count)
 {
-    for (const int before = count; count == before;)
+    const int before = count;
+    do
         QCoreApplication::processEvents();
+    while (count == before);
 }
 
 double firstPaint(Application &application, const Store &store)

@@ -209,6 +209,7 @@ TEST_F(ListOfPresets, LeavingAnEditedPresetSavesIt)
     clickRow(u"Delta"_s);
     EXPECT_EQ(onDisk("Alpha")->videoSettings().first()->bitRate(), 4321);
     // Without an edit there is nothing to save but what becomes selected.
+    LiveStore::settle(*m_manager);
     const auto saves = m_store.logOf("Preset Saved: Delta"_L1).size();
     clickRow(u"Alpha"_s);
     LiveStore::settle(*m_manager);

@@ -100,6 +100,7 @@ TEST_F(Rename, AddedBlanksAndAnUntouchedNameChangeNothing)
     retype(u"Beta"_s, u"  Beta "_s);
     press(Qt::Key_Tab);
     EXPECT_EQ(selectedName(), u"Beta"_s);
+    LiveStore::settle(*m_manager);
     const auto saves = m_store.logOf("Preset Saved"_L1).size();
     press(Qt::Key_F2);
     press(Qt::Key_Return);
