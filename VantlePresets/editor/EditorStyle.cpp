@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/editor/EditorStyle.h"
+
+#include <QtGui/QFontInfo>
+
+#include <algorithm>
+
+namespace vantle {
+
+QColor filmTint()
+{
+    return {0xe8, 0x86, 0x1a};
+}
+
+QColor speakerTint()
+{
+    return {0x2f, 0x7d, 0xe1};
+}
+
+QColor trashTint()
+{
+    return {0xd9, 0x3f, 0x38};
+}
+
+QColor mixed(const QColor &from, const QColor &to, double share)
+{
+    const auto channel = [share](int a, int b) { return static_cast<int>(a + (b - a) * share + 0.5); };
+    return {channel(from.red(), to.red()), channel(from.green(), to.green()),
+            channel(from.blue(), to.blue())};
+}
+
+QColor dimmedText(const QPalette &palette)
+{
+    return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.36);
+}
+
+QFont fontOfSize(const QFont &hostFont, int size, bool bold)
+{
+    constexpr double kSystemSize = 13;
+    constexpr int kSmallest = 11;
+    QFont font = hostFont;
+    const int pixels = qRound(QFontInfo(hostFont).pixelSize() * size / kSystemSize);
+    font.setPixelSize(std::max(pixels, kSmallest));
+    font.setBold(bold);
+    return font;
+}
+
+} // namespace vantle

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtGui/QColor>
+#include <QtGui/QFont>
+#include <QtGui/QPalette>
+
+namespace vantle {
+
+/// The editor's measures, and the shades and fonts that it derives from the host's palette and font.
+
+inline constexpr int kInRow = 8; ///< between the controls of a row
+inline constexpr int kBetweenRows = 12;
+inline constexpr int kAround = 16; ///< around a form
+inline constexpr int kSymbolSize = 16;
+
+/// The three tints that are the same in every palette.
+[[nodiscard]] QColor filmTint();
+[[nodiscard]] QColor speakerTint();
+[[nodiscard]] QColor trashTint();
+
+/// A shade between two colours: 0 is all `from`, 1 all `to`.
+[[nodiscard]] QColor mixed(const QColor &from, const QColor &to, double share);
+/// Text that steps back: captions, secondary values.
+[[nodiscard]] QColor dimmedText(const QPalette &palette);
+
+/// The host's font in a size that is meant for a system font of 13: 11 gives small captions in
+/// proportion to whatever the host uses, never below 11 pixels.
+[[nodiscard]] QFont fontOfSize(const QFont &hostFont, int size, bool bold = false);
+
+} // namespace vantle

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/editor/GroupBox.h"
+
+#include "VantlePresets/editor/EditorStyle.h"
+
+#include <QtGui/QPainter>
+
+namespace vantle {
+
+GroupBox::GroupBox(QWidget *parent) : QWidget(parent), m_rows(new QVBoxLayout(this))
+{
+    m_rows->setContentsMargins(kBetweenRows, kBetweenRows, kBetweenRows, kBetweenRows);
+    m_rows->setSpacing(kInRow);
+}
+
+void GroupBox::paintEvent(QPaintEvent *)
+{
+    const QColor window = palette().color(QPalette::Window);
+    const QColor text = palette().color(QPalette::WindowText);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(mixed(window, text, 0.13));
+    painter.setBrush(mixed(window, text, 0.04));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
+}
+
+} // namespace vantle

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/core/ProgrammingFault.h"
+#include "VantlePresets/editor/LazyStack.h"
+#include "VantlePresets/model/VantlePreset.h"
+
+class QPushButton;
+
+namespace vantle {
+
+/// What the forms of all kinds have in common: an optional group for the connection, the renditions and
+/// the tracks, each list with a button to add one where the kind allows it.
+///
+/// Writes straight into the preset and never writes a file. A form goes on to another preset of its class
+/// with setPreset(), so that a selection costs no new widgets.
+class PresetFormView : public LazyStack
+{
+    Q_OBJECT
+
+public:
+    [[nodiscard]] const std::shared_ptr<VantlePreset> &preset() const { return m_preset; }
+    virtual void setPreset(const std::shared_ptr<VantlePreset> &preset);
+
+protected:
+    enum class Entries { fixed, canBeAdded };
+
+    PresetFormView(Entries entries, QWidget *connectionGroup, QWidget *parent);
+
+    [[nodiscard]] QWidget *makeForm(const Section &section) override;
+    void showInForm(QWidget *form, const Section &section) override;
+
+private:
+    QPushButton *makeAddButton(const QString &symbol, const QColor &tint, const QString &text,
+                               const QString &list);
+    void showLists();
+
+    std::shared_ptr<VantlePreset> m_preset;
+    QWidget *m_connectionGroup;
+    QPushButton *m_addVideo = nullptr;
+    QPushButton *m_addAudio = nullptr;
+};
+
+/// The preset as the class that its kind stands for; another class is a programming fault.
+template <class Preset>
+[[nodiscard]] std::shared_ptr<Preset> presetAs(const std::shared_ptr<VantlePreset> &preset)
+{
+    auto converted = std::dynamic_pointer_cast<Preset>(preset);
+    if (!converted)
+        programmingFault("a preset whose class does not match its type");
+    return converted;
+}
+
+} // namespace vantle

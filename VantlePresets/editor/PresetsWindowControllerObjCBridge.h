@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/editor/PresetsWindowController.h"
+
+#include <QtWidgets/QWidget>
+
+#include <memory>
+
+namespace vantle {
+
+class PresetsManager;
+
+/// The host's way to the editor. A view without state or content of its own.
+class PresetsWindowControllerObjCBridge : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PresetsWindowControllerObjCBridge(QWidget *parent = nullptr) : QWidget(parent) {}
+    explicit PresetsWindowControllerObjCBridge(const QRect &frame, QWidget *parent = nullptr);
+
+    /// A controller whose window edits the presets of the manager. The window is not shown; its frame is
+    /// that of the last time. A call off the main thread stops the process.
+    [[nodiscard]] static std::unique_ptr<PresetsWindowController>
+    makePresetsWindowControllerWithPresetsManager(const std::shared_ptr<PresetsManager> &manager);
+};
+
+} // namespace vantle

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/editor/SRTPresetView.h"
+
+namespace vantle {
+
+SRTPresetView::SRTPresetView(const std::shared_ptr<SRTVantlePreset> &preset, QWidget *parent)
+    : PresetFormView(Entries::canBeAdded, nullptr, parent)
+{
+    PresetFormView::setPreset(preset);
+}
+
+} // namespace vantle

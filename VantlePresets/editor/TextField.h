@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QtWidgets/QLineEdit>
+
+namespace vantle {
+
+/// A text field that writes while the user types and never loses what was typed to a change from
+/// elsewhere: such a change shows up when the edit has ended.
+class TextField : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    explicit TextField(QWidget *parent = nullptr);
+
+    /// Shows what the model holds; during an edit, when it has ended.
+    void showValue(const QString &text);
+
+    /// The field now stands for another object that takes the place of the first: what the user is
+    /// typing is announced again, on the next turn of the event loop.
+    void carryEditOver();
+    /// The field is about to show something else altogether: what is typed belongs to the past.
+    void endEdit();
+
+    [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
+
+Q_SIGNALS:
+    /// The user changed the text.
+    void edited(const QString &text);
+
+private:
+    [[nodiscard]] bool isBeingEdited() const { return isModified() && hasFocus(); }
+
+    QString m_value;
+};
+
+} // namespace vantle

@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/editor/VantleView.h"
+
+#include "VantlePresets/editor/BundleIcon.h"
+#include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/HLSPresetView.h"
+#include "VantlePresets/editor/MainThread.h"
+#include "VantlePresets/editor/NotificationCenter.h"
+#include "VantlePresets/editor/PresetsListView.h"
+#include "VantlePresets/editor/RTMPPresetView.h"
+#include "VantlePresets/editor/SRTPresetView.h"
+#include "VantlePresets/editor/YouTubeFacebookPresetView.h"
+
+#include <QtCore/QEvent>
+#include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QSplitter>
+#include <QtWidgets/QStackedWidget>
+#include <QtWidgets/QToolButton>
+#include <QtWidgets/QVBoxLayout>
+
+#include <array>
+
+namespace vantle {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int kSidebarMinimum = 220;
+constexpr int kSidebarIdeal = 260;
+constexpr int kSidebarMaximum = 320;
+constexpr QSize kDetailMinimum(820, 560);
+constexpr int kDetailIdeal = 960;
+
+/// A shade apart from the form beside it, with a line between the two.
+class Sidebar : public QWidget
+{
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        const QColor window = palette().color(QPalette::Window);
+        const QColor text = palette().color(QPalette::WindowText);
+        QPainter painter(this);
+        painter.fillRect(rect(), mixed(window, text, 0.025));
+        const int x = layoutDirection() == Qt::LeftToRight ? width() - 1 : 0;
+        painter.fillRect(x, 0, 1, height(), mixed(window, text, 0.13));
+    }
+};
+
+template <class View, class Preset>
+PresetFormView *makeForm(const std::shared_ptr<VantlePreset> &preset, QWidget *parent)
+{
+    return new View(presetAs<Preset>(preset), parent);
+}
+
+template <class Preset>
+void requireClass(const std::shared_ptr<VantlePreset> &preset)
+{
+    static_cast<void>(presetAs<Preset>(preset));
+}
+
+/// The form of each kind, and the class that its presets must have.
+struct KindForm
+{
+    StreamingType type;
+    PresetFormView *(*make)(const std::shared_ptr<VantlePreset> &, QWidget *);
+    void (*requireClass)(const std::shared_ptr<VantlePreset> &);
+};
+
+constexpr auto kMakeRTMP = &makeForm<RTMPPresetView, RTMPVantlePreset>;
+constexpr auto kMakeYouTubeFacebook = &makeForm<YouTubeFacebookPresetView, RTMPVantlePreset>;
+constexpr auto kRequireRTMP = &requireClass<RTMPVantlePreset>;
+
+constexpr std::array<KindForm, 6> kKindForms{{
+    {StreamingType::hls, &makeForm<HLSPresetView, HLSVantlePreset>, &requireClass<HLSVantlePreset>},
+    {StreamingType::youTube, kMakeYouTubeFacebook, kRequireRTMP},
+    {StreamingType::rtmp, kMakeRTMP, kRequireRTMP},
+    {StreamingType::wowza, kMakeRTMP, kRequireRTMP},
+    {StreamingType::facebook, kMakeYouTubeFacebook, kRequireRTMP},
+    {StreamingType::srt, &makeForm<SRTPresetView, SRTVantlePreset>, &requireClass<SRTVantlePreset>},
+}};
+
+const KindForm &kindForm(StreamingType type)
+{
+    for (const KindForm &kind : kKindForms) {
+        if (kind.type == type)
+            return kind;
+    }
+    programmingFault("unknown StreamingType value");
+}
+
+/// Asks the focused widget of the active window, or else the first of its parents that knows how, to show
+/// or hide the sidebar.
+void performToggleSidebar()
+{
+    const QWidget *window = QApplication::activeWindow();
+    for (QWidget *w = window ? window->focusWidget() : nullptr; w; w = w->parentWidget()) {
+        if (w->metaObject()->indexOfMethod("toggleSidebar()") >= 0) {
+            QMetaObject::invokeMethod(w, "toggleSidebar");
+            return;
+        }
+    }
+}
+
+bool isRealWindow(const QObject *object)
+{
+    const auto *widget = qobject_cast<const QWidget *>(object);
+    return widget && (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog);
+}
+
+} // namespace
+
+VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QWidget *parent)
+    : QWidget(parent), m_manager(presetsManager)
+{
+    requireMainThread();
+    if (!presetsManager)
+        programmingFault("an editor without a presets manager");
+
+    auto *columns = new QSplitter(this);
+    columns->setChildrenCollapsible(false);
+    columns->setHandleWidth(1);
+    columns->addWidget(makeSidebar());
+    columns->addWidget(makeDetail());
+    columns->setStretchFactor(1, 1);
+    columns->setSizes({kSidebarIdeal, kDetailIdeal});
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(columns);
+
+    connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this,
+            &VantleView::showSelectedPresetSoon);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &VantleView::saveBeforeEnd);
+    qApp->installEventFilter(this);
+    showSelectedPreset();
+}
+
+QWidget *VantleView::makeSidebar()
+{
+    m_sidebar = new Sidebar;
+    m_sidebar->setMinimumWidth(kSidebarMinimum);
+    m_sidebar->setMaximumWidth(kSidebarMaximum);
+    m_list = new PresetsListView(m_manager);
+    auto *layout = new QVBoxLayout(m_sidebar);
+    layout->setContentsMargins(0, kInRow, 0, kInRow);
+    layout->setSpacing(kInRow);
+    layout->addWidget(m_list, 1);
+    auto *below = new QHBoxLayout;
+    below->setContentsMargins(kBetweenRows, 0, kBetweenRows, 0);
+    below->addWidget(makeAddButton());
+    below->addStretch();
+    layout->addLayout(below);
+    return m_sidebar;
+}
+
+QToolButton *VantleView::makeAddButton()
+{
+    auto *menu = new QMenu(this);
+    for (const StreamingType type : streamingTypes().values()) {
+        const QString label = displayName(type);
+        connect(menu->addAction(bundleIcon(label), label), &QAction::triggered, this,
+                [this, type] { addPreset(type); });
+    }
+    auto *button = makeIconButton(bundleSymbol(u"plus"_s), tr("Add Preset"), u"addPreset"_s);
+    // Not the button's own menu: that one would be run in an event loop of its own.
+    connect(button, &QToolButton::clicked, menu,
+            [button, menu] { menu->popup(button->mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+    return button;
+}
+
+QWidget *VantleView::makeDetail()
+{
+    auto *sidebarButton =
+        makeIconButton(bundleSymbol(u"sidebar.leading"_s), tr("Toggle Sidebar"), u"toggleSidebar"_s);
+    connect(sidebarButton, &QToolButton::clicked, this, &performToggleSidebar);
+
+    m_title = new FormLabel(FormLabel::Voice::title);
+    auto *placeholder = new FormLabel(FormLabel::Voice::placeholder, tr("Please Select a Preset"));
+    placeholder->setAlignment(Qt::AlignCenter);
+    m_placeholder = placeholder;
+    m_detail = new QStackedWidget;
+    m_detail->addWidget(m_placeholder);
+
+    auto *detail = new QWidget;
+    detail->setMinimumSize(kDetailMinimum);
+    auto *layout = new QVBoxLayout(detail);
+    layout->setContentsMargins(0, kInRow, 0, 0);
+    layout->setSpacing(0);
+    auto *header = new QHBoxLayout;
+    header->setContentsMargins(kAround, 0, kAround, 0);
+    header->setSpacing(kInRow);
+    header->addWidget(sidebarButton);
+    header->addWidget(m_title, 1);
+    layout->addLayout(header);
+    layout->addWidget(m_detail, 1);
+    return detail;
+}
+
+void VantleView::toggleSidebar()
+{
+    requireMainThread();
+    m_sidebar->setVisible(m_sidebar->isHidden());
+}
+
+void VantleView::addPreset(StreamingType type)
+{
+    m_list->endNameEdit();
+    saveBeforeLeaving(*m_manager);
+    m_manager->addNewPreset(type);
+    NotificationCenter::defaultCenter().post(kFocusPresetsListNotification);
+}
+
+/// The selection often goes away only to come back (a rename does that), in the middle of a click in the
+/// form: what is shown follows when the event loop turns.
+void VantleView::showSelectedPresetSoon()
+{
+    if (m_isShowDue)
+        return;
+    m_isShowDue = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_isShowDue = false;
+            showSelectedPreset();
+        },
+        Qt::QueuedConnection);
+}
+
+void VantleView::showSelectedPreset()
+{
+    const auto preset = m_manager->selectedPreset();
+    if (preset != m_shown) {
+        if (m_shown)
+            m_shown->disconnect(this);
+        m_shown = preset;
+        if (preset) {
+            connect(preset.get(), &VantlePreset::nameChanged, this, &VantleView::showTitle);
+            // A file's change of kind within a class changes the form; it brings new lists with it.
+            connect(preset.get(), &VantlePreset::audioSettingsChanged, this,
+                    &VantleView::showSelectedPresetSoon);
+        }
+    }
+    showTitle();
+    if (!preset) {
+        m_detail->setCurrentWidget(m_placeholder);
+        return;
+    }
+    const KindForm &kind = kindForm(preset->type());
+    kind.requireClass(preset);
+    PresetFormView *&form = m_forms[kind.make];
+    if (form) {
+        form->setPreset(preset);
+    } else {
+        form = kind.make(preset, m_detail);
+        m_detail->addWidget(form);
+    }
+    m_detail->setCurrentWidget(form);
+}
+
+void VantleView::showTitle()
+{
+    const QString title = m_shown ? m_shown->name() : u"Vantle"_s;
+    m_title->setText(title);
+    // In window titles this stands for a mark of unsaved changes.
+    setWindowTitle(QString(title).replace("[*]"_L1, "[*][*]"_L1));
+}
+
+bool VantleView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Close && isRealWindow(watched))
+        saveBeforeEnd();
+    return QWidget::eventFilter(watched, event);
+}
+
+void VantleView::saveBeforeEnd()
+{
+    m_list->endNameEdit();
+    m_manager->saveSelectedPreset();
+}
+
+} // namespace vantle

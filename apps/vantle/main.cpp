@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+
+// A small host of the presets editor: opens it on a presets folder, or takes a picture of it.
+
+#include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
+#include "VantlePresets/store/PresetsManager.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QtCore/QTimer>
+#include <QtGui/QCursor>
+#include <QtGui/QScreen>
+#include <QtWidgets/QApplication>
+
+#include <cstdio>
+#include <optional>
+
+namespace vantle {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Options
+{
+    std::string dataDirectory;
+    std::string screenshot;
+    std::string select;
+    std::string size;
+    std::string colors;
+};
+
+/// Light or dark colours whatever the desktop's are; the editor itself follows its host's palette.
+void setColors(const std::string &colors)
+{
+    const bool isDark = colors == "dark";
+    QPalette palette(isDark ? QColor(0x2b, 0x2b, 0x2e) : QColor(0xef, 0xef, 0xef));
+    palette.setColor(QPalette::Base, isDark ? QColor(0x1d, 0x1d, 0x20) : QColor(Qt::white));
+    palette.setColor(QPalette::Highlight, isDark ? QColor(0x3a, 0x78, 0xc8) : QColor(0x30, 0x8c, 0xc6));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setStyle(u"Fusion"_s);
+    QApplication::setPalette(palette);
+}
+
+/// "1600x1000"; nothing for any other text.
+std::optional<QSize> sizeFromText(const std::string &text)
+{
+    int width = 0;
+    int height = 0;
+    char rest = 0;
+    if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2 || width <= 0 || height <= 0)
+        return std::nullopt;
+    return QSize(width, height);
+}
+
+/// The preset to be shown in the picture; null, with a message, when there is none of the name.
+std::shared_ptr<VantlePreset> presetForPicture(const PresetsManager &manager, const QString &name)
+{
+    if (name.isEmpty())
+        return manager.presets().value(0);
+    const auto preset = manager.presetWithName(name);
+    if (!preset)
+        std::fprintf(stderr, "vantle: no preset named %s\n", qUtf8Printable(name));
+    return preset;
+}
+
+/// The process's exit code.
+int takePicture(PresetsManager &manager, QMainWindow &window, const Options &options)
+{
+    const QString name = QString::fromStdString(options.select);
+    const auto preset = presetForPicture(manager, name);
+    if (!preset && !name.isEmpty())
+        return 1;
+    manager.setSelectedPreset(preset);
+    QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight()); // no row under the pointer
+    window.show();
+    // The form follows the selection, and its scroll bars the size of the window, by posted events.
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents();
+    if (window.grab().save(QString::fromStdString(options.screenshot)))
+        return 0;
+    std::fprintf(stderr, "vantle: can't write %s\n", options.screenshot.c_str());
+    return 1;
+}
+
+int run(const Options &options)
+{
+    QCoreApplication::setOrganizationName(u"Orvalle"_s);
+    QCoreApplication::setApplicationName(u"Vantle"_s);
+    QGuiApplication::setDesktopFileName(u"vantle"_s);
+
+    const auto manager = options.dataDirectory.empty()
+                             ? std::make_shared<PresetsManager>()
+                             : std::make_shared<PresetsManager>([&options] {
+                                   return QStringList{QString::fromStdString(options.dataDirectory)};
+                               });
+    const auto controller =
+        PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
+    if (const auto size = sizeFromText(options.size))
+        controller->window()->resize(*size);
+
+    if (options.screenshot.empty()) {
+        controller->showWindow();
+        return QCoreApplication::exec();
+    }
+    const auto takeAndQuit = [&] {
+        QCoreApplication::exit(takePicture(*manager, *controller->window(), options));
+    };
+    if (manager->presetsFolderURL())
+        QObject::connect(manager.get(), &PresetsManager::didLoad, controller.get(), takeAndQuit);
+    else
+        QTimer::singleShot(0, controller.get(), takeAndQuit);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+} // namespace vantle
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    vantle::Options options;
+    CLI::App app{"Edits live-streaming presets"};
+    app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
+        ->type_name("DIR");
+    auto *screenshot =
+        app.add_option("--screenshot", options.screenshot, "Write a picture of the window and end")
+            ->type_name("FILE");
+    app.add_option("--select", options.select, "The preset in the picture; the first by default")
+        ->needs(screenshot)
+        ->type_name("NAME");
+    app.add_option("--size", options.size, "Size of the window")
+        ->type_name("WxH")
+        ->check([](const std::string &text) {
+            return vantle::sizeFromText(text) ? std::string() : "not a size like 1600x1000: " + text;
+        });
+    app.add_option("--colors", options.colors, "Colours instead of the desktop's")
+        ->check(CLI::IsMember({"light", "dark"}));
+    CLI11_PARSE(app, argc, argv);
+    if (!options.colors.empty())
+        vantle::setColors(options.colors);
+    return vantle::run(options);
+}
