@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/support/StopOnSignal.h"
 #include "watchfolder/NativePath.h"
 #include "watchfolder/VRXWatchFolder.h"
 
@@ -9,11 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSocketNotifier>
 
-#include <sys/signalfd.h>
-
-#include <csignal>
 #include <cstdio>
 
 using namespace vantle;
@@ -114,27 +111,6 @@ private:
     }
 
     const bool m_json;
-};
-
-/// Ends the event loop on SIGINT and SIGTERM. Has to be made before any other thread, so that all block them.
-class StopOnSignal
-{
-public:
-    StopOnSignal()
-    {
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGINT);
-        sigaddset(&signals, SIGTERM);
-        sigprocmask(SIG_BLOCK, &signals, nullptr);
-        const int descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-        m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
-        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                         [] { QCoreApplication::quit(); });
-    }
-
-private:
-    std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
 int watch(const Options &options)

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/store/PresetsManagerPrivate.h"
+
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/NameRules.h"
+#include "VantlePresets/store/PresetsFolder.h"
+#include "watchfolder/VRXWatchFolder.h"
+
+#include <utility>
+
+namespace vantle {
+
+using namespace Qt::StringLiterals;
+
+std::optional<QByteArray> documentOf(const VantlePreset &preset)
+{
+    try {
+        return preset.encoded(document::Format::compact);
+    } catch (const EncodingError &) {
+        return std::nullopt;
+    }
+}
+
+void PresetsManager::Private::start(const QStringList &dataDirectories)
+{
+    static constexpr auto kStartError = "Error to create directory or start watching: "_L1;
+    if (dataDirectories.isEmpty())
+        return;
+    const QString path = presetsFolderPath(dataDirectories.first());
+    try {
+        ensureFolder(path);
+    } catch (const std::exception &error) {
+        logLine(kStartError + QString::fromUtf8(error.what()));
+        return;
+    }
+    folder = path;
+    reconciler = std::make_shared<FolderReconciler>(queue, *this);
+    watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
+    files = std::make_unique<PresetFiles>(
+        folder.toStdString(), watcher,
+        [reconciler = reconciler](const std::string &path) { reconciler->add(path); });
+    files->removeLeftovers();
+    WatchFolderError error;
+    if (!watcher->startWatching(&error))
+        logLine(kStartError + error.description);
+}
+
+void PresetsManager::Private::stop()
+{
+    if (!watcher)
+        return;
+    files->wait(); // first, while the watcher still knows which changes are the store's own
+    reconciler->cancel();
+    watcher->stopWatching();
+}
+
+std::shared_ptr<VantlePreset>
+PresetsManager::Private::addAndSelect(const std::shared_ptr<VantlePreset> &preset)
+{
+    insert(std::make_shared<ListedPreset>(preset));
+    announceList();
+    q.setSelectedPreset(preset);
+    return preset;
+}
+
+void PresetsManager::Private::insert(const Entry &entry)
+{
+    const int row = index.insertionRow(*entry);
+    Q_EMIT q.rowAboutToBeInserted(row);
+    index.insert(row, entry);
+    Q_EMIT q.rowInserted(row);
+}
+
+void PresetsManager::Private::removeEntry(const Entry &entry)
+{
+    if (nameEdit == entry->preset)
+        nameEdit.reset();
+    if (selected == entry->preset)
+        setSelection(nullptr);
+    if (index.find(entry->preset.get()) != entry) // an observer of the selection was faster
+        return;
+    const int row = index.rowOf(*entry);
+    Q_EMIT q.rowAboutToBeRemoved(row);
+    index.remove(row);
+    Q_EMIT q.rowRemoved(row);
+}
+
+void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
+{
+    ListedPreset moved = *entry;
+    moved.setName(name);
+    const int from = index.rowOf(*entry);
+    const int target = index.insertionRow(moved); // counted with the entry in its old place
+    const int to = target > from ? target - 1 : target;
+    if (to == from) {
+        index.rename(entry, name, from, to);
+        return;
+    }
+    Q_EMIT q.rowAboutToBeMoved(from, target);
+    index.rename(entry, name, from, to);
+    Q_EMIT q.rowMoved(from, target);
+}
+
+void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &preset)
+{
+    selected = preset;
+    Q_EMIT q.selectedPresetChanged(preset);
+}
+
+void PresetsManager::Private::startSave(const Entry &entry, Way way)
+{
+    const auto document = documentOf(*entry->preset);
+    if (!files || !document)
+        return;
+    const std::size_t hash = documentHash(*document);
+    const PresetFiles::Save save{entry->file, entry->name, *document, entry->documentHash != hash};
+    entry->documentHash = hash;
+    ++entry->savesInFlight;
+    ++savesInFlight;
+    // Weak: a preset must not be destroyed on the file thread.
+    const auto done = [this, weak = std::weak_ptr(entry)](PresetFiles::Outcome outcome) {
+        queue.post([this, weak, outcome] {
+            --savesInFlight;
+            if (const auto saved = weak.lock())
+                finishSave(saved, outcome);
+        });
+    };
+    if (way == Way::rename)
+        files->rename(save, done);
+    else
+        files->write(save, done);
+}
+
+void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcome outcome)
+{
+    --entry->savesInFlight;
+    if (outcome == PresetFiles::Outcome::written)
+        entry->refusedNames.clear();
+    if (outcome == PresetFiles::Outcome::failed || outcome == PresetFiles::Outcome::refused)
+        entry->documentHash.reset(); // not on disk: the next save is one with edits
+    if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
+        return;
+    if (outcome == PresetFiles::Outcome::refused)
+        giveFreeName(entry);
+    else if (std::exchange(entry->wasChangedMeanwhile, false) || outcome == PresetFiles::Outcome::outdated)
+        lookAgain(*entry);
+}
+
+/// Another process had the idea of the same name first: both presets stay.
+void PresetsManager::Private::giveFreeName(const Entry &entry)
+{
+    if (nameEdit == entry->preset) {
+        Q_EMIT q.nameEditMustEnd(entry->preset);
+        if (index.find(entry->preset.get()) != entry || entry->savesInFlight > 0)
+            return;
+    }
+    entry->refusedNames.append(entry->name);
+    const QString name = uniqueName(entry->refusedNames.first(), [&](const QString &n) {
+        return entry->refusedNames.contains(n) || index.isTaken(n, entry->preset.get()) ||
+               reconciler->isUnreadable(n);
+    });
+    entry->preset->setName(name);
+    moveEntry(entry, name);
+    startSave(entry, Way::rename);
+    announceList();
+}
+
+/// Lets the file itself say what has become of it.
+void PresetsManager::Private::lookAgain(const ListedPreset &entry)
+{
+    const QString path = folder + u'/' + entry.name + ".json"_L1;
+    files->start([reconciler = reconciler, path = path.toStdString()] { reconciler->reread(path); });
+}
+
+void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
+{
+    const bool isFirst = !std::exchange(isLoaded, true);
+    if (isFirst && !index.presets().isEmpty())
+        loaded = withoutListed(std::move(loaded));
+    Q_EMIT q.rowsAboutToBeReset();
+    if (index.presets().isEmpty())
+        index = std::move(loaded);
+    else
+        index.merge(loaded.takeEntries());
+    Q_EMIT q.rowsReset();
+    announceList();
+    if (isFirst)
+        Q_EMIT q.didLoad();
+}
+
+/// What was loaded less the files that this store wrote before the folder had been read.
+PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
+{
+    PresetIndex::Entries entries = loaded.takeEntries();
+    std::erase_if(entries, [this](const Entry &entry) {
+        const auto known = index.findNamed(entry->name);
+        return known && known->file->name() == entry->name;
+    });
+    PresetIndex rest;
+    rest.merge(std::move(entries));
+    return rest;
+}
+
+void PresetsManager::Private::presetAdded(const Entry &added)
+{
+    const auto known = index.findNamed(added->name);
+    if (known && known->savesInFlight > 0 && known->file->name() == added->name) {
+        known->wasChangedMeanwhile = true; // removed and made again
+        return;
+    }
+    insert(added);
+    announceList();
+}
+
+void PresetsManager::Private::presetRemoved(const QString &name)
+{
+    const auto entry = index.findNamed(name);
+    if (!entry)
+        return;
+    if (entry->savesInFlight > 0) {
+        entry->wasChangedMeanwhile = true;
+        return;
+    }
+    removeEntry(entry);
+    announceList();
+}
+
+void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
+                                            const FileStamp &stamp)
+{
+    const auto entry = index.findNamed(name);
+    if (!entry || !source)
+        return;
+    if (entry->savesInFlight > 0) {
+        entry->wasChangedMeanwhile = true;
+        return;
+    }
+    entry->file->set(name, stamp);
+    // A file that says what it said before (it was only touched) must not undo edits.
+    const auto document = documentOf(*source);
+    if (document && entry->documentHash == documentHash(*document))
+        return;
+    if (nameEdit == entry->preset)
+        source->setName(entry->preset->name()); // what the user is typing stays
+    if (updatePreset(*entry->preset, *source)) {
+        noteDocument(*entry);
+        Q_EMIT q.presetUpdated(entry->preset);
+    } else { // a file of another class
+        source->setName(entry->name);
+        const auto replacement = std::make_shared<ListedPreset>(source);
+        replacement->file->set(name, stamp);
+        noteDocument(*replacement);
+        removeEntry(entry);
+        insert(replacement);
+    }
+    announceList();
+}
+
+void PresetsManager::Private::noteDocument(ListedPreset &entry)
+{
+    const auto document = documentOf(*entry.preset);
+    entry.documentHash = document ? std::optional(documentHash(*document)) : std::nullopt;
+}
+
+} // namespace vantle

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/store/FolderReconciler.h"
+#include "VantlePresets/store/MainThreadQueue.h"
+#include "VantlePresets/store/PresetFiles.h"
+#include "VantlePresets/store/PresetIndex.h"
+#include "VantlePresets/store/PresetsManager.h"
+
+namespace vantle {
+
+/// What the store does behind its operations: the list and its signals, the way of a save, and what the
+/// folder reports. Private to this folder.
+class PresetsManager::Private final : public FolderReconciler::Receiver
+{
+public:
+    using Entry = std::shared_ptr<ListedPreset>;
+
+    explicit Private(PresetsManager &manager) : q(manager) {}
+
+    void start(const QStringList &dataDirectories);
+    void stop();
+
+    std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset);
+    void insert(const Entry &entry);
+    void removeEntry(const Entry &entry);
+    void moveEntry(const Entry &entry, const QString &name);
+    void setSelection(const std::shared_ptr<VantlePreset> &preset);
+    void announceList() { Q_EMIT q.presetsChanged(index.presets()); }
+
+    enum class Way { write, rename };
+    void startSave(const Entry &entry, Way way);
+    void finishSave(const Entry &entry, PresetFiles::Outcome outcome);
+    void giveFreeName(const Entry &entry);
+    void lookAgain(const ListedPreset &entry);
+
+    void presetsLoaded(PresetIndex loaded) override;
+    void presetAdded(const Entry &added) override;
+    void presetRemoved(const QString &name) override;
+    void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
+                       const FileStamp &stamp) override;
+    PresetIndex withoutListed(PresetIndex loaded);
+    void noteDocument(ListedPreset &entry);
+
+    PresetsManager &q;
+    PresetIndex index;
+    std::shared_ptr<VantlePreset> selected;
+    std::shared_ptr<VantlePreset> nameEdit;
+    QString folder; // "" without one
+    bool isLoaded = false;
+    bool isQuitting = false;
+    int savesInFlight = 0;
+
+    MainThreadQueue queue;
+    std::shared_ptr<FolderReconciler> reconciler;
+    std::shared_ptr<VRXWatchFolder> watcher;
+    std::unique_ptr<PresetFiles> files;
+};
+
+/// The document, or nothing for a preset that has none (a frame rate that is not finite).
+[[nodiscard]] std::optional<QByteArray> documentOf(const VantlePreset &preset);
+
+} // namespace vantle
