@@ -61,9 +61,10 @@ class PresetFiles
 public:
     enum class Outcome {
         written,
-        overtaken, ///< written, but changed or removed, or gone with the folder, before the watcher could look
-        outdated, ///< not written: the file was changed or removed, and the preset has no edits
-        refused,  ///< not written: a file of this name is somebody else's
+        overtaken, ///< written, but changed or removed, or gone with the folder, before the watcher could
+                   ///< look
+        outdated,  ///< not written: the file was changed or removed, and the preset has no edits
+        refused,   ///< not written: a file of this name is somebody else's
         failed,
     };
     /// Called on the file thread.
@@ -104,6 +105,7 @@ private:
     [[nodiscard]] std::string pathOf(const QString &name) const;
     Outcome writeNow(const Save &save) const;
     [[nodiscard]] bool moveChangedFile(const Save &save, const QString &oldName) const;
+    void takeAway(const std::string &path, const std::function<void()> &change) const;
     void removeNow(const QString &name) const;
 
     std::string m_folder;
