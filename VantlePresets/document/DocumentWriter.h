@@ -44,4 +44,8 @@ protected:
 /// The UTF-8 text of what `write` writes. Passes on what it throws.
 [[nodiscard]] QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &write);
 
+/// A hash of what `write` writes: equal for equal texts, without making the text. Of this process only, not
+/// to be stored. Passes on what `write` throws.
+[[nodiscard]] std::size_t hashOf(const std::function<void(DocumentWriter &)> &write);
+
 } // namespace vantle::document

@@ -113,35 +113,22 @@ void requireRegular(const struct stat &status)
 
 /// Opens a file for reading; a socket, and any device that a link leads to, is refused without opening it,
 /// which can have effects of its own.
-int openRegular(const std::filesystem::path &path)
+int openRegular(int folder, const char *path)
 {
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const int direct = ::open(path.c_str(), kFlags | O_NOFOLLOW);
+    const int direct = ::openat(folder, path, kFlags | O_NOFOLLOW);
     if (direct >= 0)
         return direct;
     struct stat status = {};
-    checked([&] { return ::stat(path.c_str(), &status); });
+    checked([&] { return ::fstatat(folder, path, &status, 0); });
     requireRegular(status);
-    return checked([&] { return ::open(path.c_str(), kFlags); });
+    return checked([&] { return ::openat(folder, path, kFlags); });
 }
 
-} // namespace
-
-std::error_code make_error_code(FileFault fault)
-{
-    static const FileFaultCategory category;
-    return {static_cast<int>(fault), category};
-}
-
-std::filesystem::path fileSystemPath(const QString &path)
-{
-    return path.toStdString();
-}
-
-QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
+QByteArray readRegular(int folder, const char *path, FileStamp *stamp)
 {
     struct stat status = {};
-    const Descriptor file(openRegular(path));
+    const Descriptor file(openRegular(folder, path));
     checked([&] { return ::fstat(file.get(), &status); });
     requireRegular(status);
     if (stamp)
@@ -168,6 +155,42 @@ QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
     }
     content.truncate(length);
     return content;
+}
+
+} // namespace
+
+std::error_code make_error_code(FileFault fault)
+{
+    static const FileFaultCategory category;
+    return {static_cast<int>(fault), category};
+}
+
+std::filesystem::path fileSystemPath(const QString &path)
+{
+    return path.toStdString();
+}
+
+QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
+{
+    return readRegular(AT_FDCWD, path.c_str(), stamp);
+}
+
+FolderReader::FolderReader(const std::filesystem::path &folder)
+    : m_prefix(folder.string() + '/'), m_folder(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+{
+}
+
+FolderReader::~FolderReader()
+{
+    if (m_folder >= 0)
+        ::close(m_folder);
+}
+
+QByteArray FolderReader::read(const std::string &path, FileStamp *stamp) const
+{
+    const bool isBelow = m_folder >= 0 && path.starts_with(m_prefix);
+    return isBelow ? readRegular(m_folder, path.c_str() + m_prefix.size(), stamp)
+                   : readRegular(AT_FDCWD, path.c_str(), stamp);
 }
 
 std::optional<FileStamp> stampOf(const std::filesystem::path &path)

@@ -59,6 +59,8 @@ public:
 
     /// The document's UTF-8 text; throws EncodingError.
     [[nodiscard]] QByteArray encoded(document::Format format) const;
+    /// Equal for presets whose documents are equal; throws EncodingError. See document::hashOf().
+    [[nodiscard]] std::size_t documentHash() const;
 
     /// Writes the pretty-printed document where the file stands: not atomic, a failure can leave a part
     /// of it. False when the preset can't be encoded or the file can't be written.
@@ -137,6 +139,8 @@ protected:
     void encodeLists(document::DocumentWriter &writer) const;
 
 private:
+    void encodeDocument(document::DocumentWriter &writer) const;
+
     StreamingType m_type = StreamingType::hls;
     QString m_name = QStringLiteral("Untitled Preset");
     VideoSettingsList m_videoSettings;

@@ -14,6 +14,7 @@
 
 namespace vantle {
 
+class FolderReader;
 class MainThreadQueue;
 
 /// Turns what the watcher reports into presets: reads and decodes the files on the watcher's queue (the
@@ -60,7 +61,7 @@ private:
     struct FolderFile;
 
     static std::optional<FolderFile> folderFile(std::string path);
-    std::shared_ptr<ListedPreset> load(const FolderFile &file);
+    std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder);
     void noteReadability(const FolderFile &file, bool isReadable);
 
     MainThreadQueue &m_queue;
@@ -69,8 +70,5 @@ private:
     mutable std::mutex m_mutex;
     QSet<QString> m_unreadable; // names of files that could not be loaded; guarded by m_mutex
 };
-
-/// Of a preset's document; equal documents have equal hashes.
-[[nodiscard]] std::size_t documentHash(const QByteArray &document);
 
 } // namespace vantle

@@ -40,7 +40,6 @@ public:
     void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
                        const FileStamp &stamp) override;
     PresetIndex withoutListed(PresetIndex loaded);
-    void noteDocument(ListedPreset &entry);
 
     PresetsManager &q;
     PresetIndex index;
@@ -57,7 +56,7 @@ public:
     std::unique_ptr<PresetFiles> files;
 };
 
-/// The document, or nothing for a preset that has none (a frame rate that is not finite).
-[[nodiscard]] std::optional<QByteArray> documentOf(const VantlePreset &preset);
+/// Of the preset's document; nothing for a preset that has none (a frame rate that is not finite).
+[[nodiscard]] std::optional<std::size_t> documentHash(const VantlePreset &preset);
 
 } // namespace vantle
