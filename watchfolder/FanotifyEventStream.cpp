@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/FanotifyEventStream.h"
 
-#include "watchfolder/KernelEventTable.h"
+#include "watchfolder/KernelRecords.h"
 
 #include <fcntl.h>
 #include <sys/fanotify.h>
@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 
 namespace vantle {
 
@@ -28,34 +27,6 @@ std::error_code readHandle(int descriptor, std::string &key)
         return {errno, std::system_category()};
     key.assign(reinterpret_cast<const char *>(&fileSystem.f_fsid), sizeof fileSystem.f_fsid);
     key.append(buffer, offsetof(file_handle, f_handle) + handle->handle_bytes);
-    return {};
-}
-
-struct DirectoryAndName
-{
-    std::string_view key;
-    std::string_view name;
-};
-
-// The records that follow the metadata; only the one with directory and name counts.
-DirectoryAndName findDirectoryAndName(std::string_view records)
-{
-    while (records.size() >= sizeof(fanotify_event_info_header)) {
-        fanotify_event_info_header header = {};
-        std::memcpy(&header, records.data(), sizeof header);
-        if (header.len < sizeof header || header.len > records.size())
-            return {};
-        if (header.info_type == FAN_EVENT_INFO_TYPE_DFID_NAME) {
-            std::string_view record = records.substr(sizeof header, header.len - sizeof header);
-            unsigned handleBytes = 0;
-            std::memcpy(&handleBytes, record.data() + sizeof(__kernel_fsid_t), sizeof handleBytes);
-            const size_t keySize = sizeof(__kernel_fsid_t) + offsetof(file_handle, f_handle) + handleBytes;
-            if (keySize >= record.size())
-                return {};
-            return {record.substr(0, keySize), std::string_view(record.data() + keySize)};
-        }
-        records.remove_prefix(header.len);
-    }
     return {};
 }
 
@@ -98,24 +69,16 @@ void FanotifyEventStream::forgetTree(int, const std::string &path)
     m_directories.removeTree(path, [](const std::string &) {});
 }
 
-void FanotifyEventStream::parse(std::string_view bytes)
+bool FanotifyEventStream::parse(std::string_view bytes)
 {
-    while (bytes.size() >= sizeof(fanotify_event_metadata)) {
-        fanotify_event_metadata event = {};
-        std::memcpy(&event, bytes.data(), sizeof event);
-        if (event.vers != FANOTIFY_METADATA_VERSION || event.event_len > bytes.size())
-            return;
-        const auto [key, name] =
-            findDirectoryAndName(bytes.substr(event.metadata_len, event.event_len - event.metadata_len));
-        bytes.remove_prefix(event.event_len);
-
-        const auto *directory = m_directories.find(key);
+    return forEachFanotifyRecord(bytes, [this](const FanotifyRecord &record) {
+        const auto *directory = m_directories.find(record.directory);
         handle({.directory = directory ? &directory->path : nullptr,
                 .role = directory ? directory->role : WatchRole::Below,
-                .name = name == "." ? std::string_view() : name,
-                .mask = static_cast<quint32>(event.mask),
-                .own = event.pid == m_ownProcess});
-    }
+                .name = record.name == "." ? std::string_view() : record.name,
+                .mask = record.mask,
+                .own = record.process == m_ownProcess});
+    });
 }
 
 } // namespace vantle

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/InotifyEventStream.h"
 
-#include "watchfolder/KernelEventTable.h"
+#include "watchfolder/KernelRecords.h"
 
 #include <sys/inotify.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace vantle {
 
@@ -36,22 +35,17 @@ void InotifyEventStream::forgetTree(int queue, const std::string &path)
     m_directories.removeTree(path, [queue](int watch) { inotify_rm_watch(queue, watch); });
 }
 
-void InotifyEventStream::parse(std::string_view bytes)
+bool InotifyEventStream::parse(std::string_view bytes)
 {
-    while (bytes.size() >= sizeof(inotify_event)) {
-        inotify_event event = {};
-        std::memcpy(&event, bytes.data(), sizeof event);
-        const char *name = bytes.data() + sizeof event;
-        bytes.remove_prefix(sizeof event + event.len);
-
-        const auto *directory = m_directories.find(event.wd);
+    return forEachInotifyRecord(bytes, [this](const InotifyRecord &record) {
+        const auto *directory = m_directories.find(record.watch);
         handle({.directory = directory ? &directory->path : nullptr,
                 .role = directory ? directory->role : WatchRole::Below,
-                .name = event.len == 0 ? std::string_view() : std::string_view(name),
-                .mask = event.mask});
-        if (event.mask & IN_IGNORED)
-            m_directories.remove(event.wd);
-    }
+                .name = record.name,
+                .mask = record.mask});
+        if (record.mask & IN_IGNORED)
+            m_directories.remove(record.watch);
+    });
 }
 
 } // namespace vantle

@@ -19,7 +19,7 @@ protected:
     Descriptor openQueue() override;
     std::error_code mark(int queue, const std::string &path, int descriptor, WatchRole role) override;
     void forgetTree(int queue, const std::string &path) override;
-    void parse(std::string_view bytes) override;
+    bool parse(std::string_view bytes) override;
 
 private:
     WatchedDirectories<int, std::hash<int>> m_directories;

@@ -202,7 +202,8 @@ void KernelEventStream::readBatch()
     m_drained = batch.drained;
     m_overflowed = m_overflowed || batch.dropped;
     m_folderIsSuspect = m_folderIsSuspect || batch.mountsChanged;
-    parse(batch.bytes);
+    if (!parse(batch.bytes))
+        m_overflowed = true; // what can't be read is as good as dropped
 }
 
 // Under m_marksMutex.

@@ -49,8 +49,8 @@ protected:
     virtual std::error_code mark(int queue, const std::string &path, int descriptor, WatchRole role) = 0;
     /// The directory and all below it have left the place.
     virtual void forgetTree(int queue, const std::string &path) = 0;
-    /// Calls handle() for each record. Marks are locked.
-    virtual void parse(std::string_view bytes) = 0;
+    /// Calls handle() for each record; false when not all could be read. Marks are locked.
+    virtual bool parse(std::string_view bytes) = 0;
 
     void handle(const Record &record);
     /// To be called by the destructors of backends: tasks and the reader use what they override.

@@ -41,6 +41,8 @@ const icu::Collator *collator()
         if (U_FAILURE(status))
             return std::unique_ptr<icu::Collator>();
         made->setStrength(icu::Collator::SECONDARY); // accents count, case does not
+        // Otherwise names that are equal, with their accents in another order, would stand apart.
+        made->setAttribute(UCOL_NORMALIZATION_MODE, UCOL_ON, status);
         return made;
     }();
     return instance.get();

@@ -87,6 +87,7 @@ TEST(NameRules, OrderIsLocalizedAndIgnoresCase)
     EXPECT_EQ(names,
               (QStringList{u"apple"_s, u"Ärger"_s, u"azure"_s, u"Banana"_s, u"zebra"_s, u"Zebra 2"_s}));
     EXPECT_EQ(collationKey(u"show"_s), collationKey(u"SHOW"_s));
+    EXPECT_EQ(collationKey(u"a\u0301\u0323"_s), collationKey(u"a\u0323\u0301"_s)); // one name, two spellings
     EXPECT_LT(collationKey(u"a"_s),
               collationKey(QString(5000, u'a'))); // longer than any guess of the key's size
 }
