@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
 #include "watchfolder/VRXWatchFolderEvent.h"
 
 #include <chrono>
@@ -22,7 +23,7 @@ enum class WatchBackend {
 ///
 /// start() is called once, on the thread whose event loop gets the callback. All other functions may be
 /// called from any thread. After stop() no callback begins.
-class FileSystemEventStream
+class VANTLE_WATCHFOLDER_EXPORT FileSystemEventStream
 {
 public:
     using Callback = std::function<void(std::vector<VRXWatchFolderEvent>)>;
@@ -59,9 +60,9 @@ using EventStreamFactory = std::function<std::shared_ptr<FileSystemEventStream>(
     const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &)>;
 
 /// Makes and starts a kernel event stream. None, with the error, when that is not possible.
-std::shared_ptr<FileSystemEventStream> startKernelEventStream(const FileSystemEventStream::Configuration &,
-                                                              WatchBackend, std::error_code &error);
+VANTLE_WATCHFOLDER_EXPORT std::shared_ptr<FileSystemEventStream>
+startKernelEventStream(const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &error);
 
-QString backendName(WatchBackend backend);
+VANTLE_WATCHFOLDER_EXPORT QString backendName(WatchBackend backend);
 
 } // namespace vantle

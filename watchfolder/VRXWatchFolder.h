@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+#include "watchfolder/QualityOfService.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 #include "watchfolder/VRXWatchFolderItem.h"
 #include "watchfolder/WatchFolderEnvironment.h"
 #include "watchfolder/WatchFolderError.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <QHash>
 #include <QSet>
@@ -34,7 +35,7 @@ class WatchFolderCore;
 /// those of its child processes are. With either backend, changes made through performOwnChange are not. What
 /// can't be told (after an overflow of the kernel's queue, or in a directory that was new at the time) is
 /// reported.
-class VRXWatchFolder final
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolder final
 {
 public:
     /// Not deep, one second of latency, no filters.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <QList>
 #include <QUrl>
 
@@ -16,7 +18,7 @@ class VRXWatchFolder;
 /// watchFolderFileFinderInfoChangedAtURL runs on the main thread. A callback may call any operation of the
 /// watcher, stopWatching and its destruction included. The watcher holds its delegate weakly; while a
 /// callback runs the delegate can't go away, and a last reference is let go of on the main thread.
-class VRXWatchFolderDelegate
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderDelegate
 {
 public:
     virtual ~VRXWatchFolderDelegate() = default;

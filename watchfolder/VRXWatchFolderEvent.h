@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <QString>
 
 #include <string>
@@ -33,7 +35,7 @@ enum WatchFolderEventFlag : quint32 {
 };
 
 /// One event of a stream: a hint that something happened at a path, with all flags collected in one window.
-class VRXWatchFolderEvent
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderEvent
 {
 public:
     VRXWatchFolderEvent(std::string path, quint64 fileID, quint32 flags, quint64 id);

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "watchfolder/FileState.h"
+#include "watchfolder/Export.h"
+#include "watchfolder/FileTime.h"
 
 #include <QString>
 #include <QUrl>
 
+#include <optional>
+
 namespace vantle {
 
+struct FileState;
+
 /// One file or directory as the inventory knows it: a value, without any tie to the watcher.
-class VRXWatchFolderItem
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderItem
 {
 public:
     /// Reads the item's state; what can't be read is logged and stays absent.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QString>
 
 #include <stdexcept>
@@ -8,7 +10,7 @@
 namespace vantle {
 
 /// Why a preset document can't be read: a reason, and the place that it concerns.
-class DecodingError : public std::runtime_error
+class VANTLE_PRESETS_EXPORT DecodingError : public std::runtime_error
 {
 public:
     DecodingError(const QString &place, const QString &description);
@@ -28,7 +30,7 @@ private:
 };
 
 /// Why a record can't be written as JSON; in practice a frame rate that is infinite or not a number.
-class EncodingError : public std::runtime_error
+class VANTLE_PRESETS_EXPORT EncodingError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;

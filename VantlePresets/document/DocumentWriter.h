@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/document/DocumentFormat.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -8,11 +10,6 @@
 #include <functional>
 
 namespace vantle::document {
-
-enum class Format {
-    compact, ///< no white space
-    pretty,  ///< line breaks and an indentation of four blanks
-};
 
 /// Writes one JSON text, members in the order of the calls. Keys are literals of the caller's.
 class DocumentWriter

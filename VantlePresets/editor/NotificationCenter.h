@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/Export.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
@@ -12,7 +14,7 @@ inline constexpr QLatin1StringView kFocusPresetsListNotification{"focusPresetsLi
 /// The process-wide notifications between the editor and its host: both may post and observe.
 ///
 /// Main thread only. Observers are called before post() returns.
-class NotificationCenter : public QObject
+class VANTLE_EDITOR_EXPORT NotificationCenter : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/Export.h"
+
 #include <QtCore/QObject>
 #include <QtWidgets/QMainWindow>
 
@@ -9,7 +11,7 @@
 namespace vantle {
 
 /// Owns the editor window, which lives as long as the controller. Main thread only.
-class PresetsWindowController : public QObject
+class VANTLE_EDITOR_EXPORT PresetsWindowController : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/Export.h"
 #include "VantlePresets/editor/PresetsWindowController.h"
 
 #include <QtWidgets/QWidget>
@@ -12,7 +13,7 @@ namespace vantle {
 class PresetsManager;
 
 /// The host's way to the editor. A view without state or content of its own.
-class PresetsWindowControllerObjCBridge : public QWidget
+class VANTLE_EDITOR_EXPORT PresetsWindowControllerObjCBridge : public QWidget
 {
     Q_OBJECT
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 namespace vantle {
 
 /// A preset for HTTP Live Streaming, which has no connection parameters.
-class HLSVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT HLSVantlePreset : public VantlePreset
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 namespace vantle {
@@ -10,7 +11,7 @@ namespace vantle {
 /// YouTube and Facebook documents keep isBackup, streamKey and application; RTMP and Wowza documents do
 /// not, so these values last as long as the object only. Login and password are kept, in plain text, while
 /// authenticate is on. None of the four kinds keeps its identifier.
-class RTMPVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT RTMPVantlePreset : public VantlePreset
 {
     Q_OBJECT
 
@@ -104,12 +105,13 @@ private:
 };
 
 /// The four transports in order, with the strings shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &streamingProtocols();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &
+streamingProtocols();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(RTMPVantlePreset::StreamingProtocol protocol);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(RTMPVantlePreset::StreamingProtocol protocol);
 
 /// The transports for callers that know numbers and texts only.
-class StreamingProtocolHelper
+class VANTLE_PRESETS_EXPORT StreamingProtocolHelper
 {
 public:
     StreamingProtocolHelper() = delete;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 
 namespace vantle {
@@ -9,7 +10,7 @@ namespace vantle {
 ///
 /// Its document keeps address, port and the authentication flag; isBackup, streamKey and application last
 /// as long as the object only, and the identifier is new whenever the file is read.
-class SRTVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT SRTVantlePreset : public VantlePreset
 {
     Q_OBJECT
     Q_PROPERTY(bool isBackup READ isBackup WRITE setIsBackup NOTIFY isBackupChanged)
@@ -82,12 +83,12 @@ private:
 };
 
 /// Both modes in order, with their display strings.
-[[nodiscard]] const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(SRTVantlePreset::SRTMode mode);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(SRTVantlePreset::SRTMode mode);
 
 /// The modes for callers that know numbers and texts only.
-class SRTModeHelper
+class VANTLE_PRESETS_EXPORT SRTModeHelper
 {
 public:
     SRTModeHelper() = delete;

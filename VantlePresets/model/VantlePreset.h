@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/Export.h"
+#include "VantlePresets/document/DocumentFormat.h"
 #include "VantlePresets/model/StreamingType.h"
 #include "VantlePresets/settings/AudioSettings.h"
 #include "VantlePresets/settings/VideoSettings.h"
@@ -13,6 +14,11 @@
 
 namespace vantle {
 
+namespace document {
+class DocumentWriter;
+class ObjectReader;
+} // namespace document
+
 using VideoSettingsList = QList<std::shared_ptr<VideoSettings>>;
 using AudioSettingsList = QList<std::shared_ptr<AudioSettings>>;
 
@@ -20,9 +26,9 @@ using AudioSettingsList = QList<std::shared_ptr<AudioSettings>>;
 ///
 /// Presets are held by std::shared_ptr, compared by identity, and made by static functions only. Main
 /// thread only, see ObservableRecord. The settings objects may be shared with another preset.
-class VantlePreset : public ObservableRecord,
-                     public AudioSettingsDelegate,
-                     public std::enable_shared_from_this<VantlePreset>
+class VANTLE_PRESETS_EXPORT VantlePreset : public ObservableRecord,
+                                           public AudioSettingsDelegate,
+                                           public std::enable_shared_from_this<VantlePreset>
 {
     Q_OBJECT
     Q_PROPERTY(vantle::StreamingType type READ type WRITE setType)
@@ -150,6 +156,6 @@ private:
 };
 
 /// The name that a preset file gives its preset: the last path component without its last extension.
-[[nodiscard]] QString presetNameFromPath(const QString &path);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString presetNameFromPath(const QString &path);
 
 } // namespace vantle

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
-#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ObservableRecord.h"
 
 #include <QtCore/QUuid>
@@ -19,16 +19,16 @@ class ObjectReader;
 enum class AudioCodecID : int { aacLC = 0 };
 
 /// "AAC LC": shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<AudioCodecID, 1> &audioCodecs();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AudioCodecID, 1> &audioCodecs();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayValue(AudioCodecID codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayValue(AudioCodecID codec);
 /// The Core Audio format identifier, for AAC LC 'aac ' (1633772320).
-[[nodiscard]] quint32 audioCodecFormatID(AudioCodecID codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT quint32 audioCodecFormatID(AudioCodecID codec);
 
 class AudioSettings;
 
 /// Is told when a track's default flag changes. Held weakly by the track.
-class AudioSettingsDelegate
+class VANTLE_PRESETS_EXPORT AudioSettingsDelegate
 {
 public:
     virtual ~AudioSettingsDelegate() = default;
@@ -47,7 +47,8 @@ protected:
 ///
 /// A reference object: presets, forms and the host share it. Main thread only, see ObservableRecord.
 /// Values are stored as they come, unchecked.
-class AudioSettings : public ObservableRecord, public std::enable_shared_from_this<AudioSettings>
+class VANTLE_PRESETS_EXPORT AudioSettings : public ObservableRecord,
+                                            public std::enable_shared_from_this<AudioSettings>
 {
     Q_OBJECT
     Q_PROPERTY(qint64 bitRate READ bitRate WRITE setBitRate NOTIFY bitRateChanged)
@@ -70,7 +71,7 @@ class AudioSettings : public ObservableRecord, public std::enable_shared_from_th
     };
 
 public:
-    explicit AudioSettings(Key) {}
+    explicit AudioSettings(Key);
 
     /// New settings: AAC LC, 128 kbit/s, 44100 Hz, 16 bits, the source's first two channels, "English".
     [[nodiscard]] static std::shared_ptr<AudioSettings> create();
@@ -148,7 +149,7 @@ private:
     QString m_trackName = QStringLiteral("English");
     bool m_isDefault = false;
     qint64 m_pid = 256;
-    QUuid m_id = newObjectId();
+    QUuid m_id;
     std::weak_ptr<AudioSettingsDelegate> m_delegate;
 };
 

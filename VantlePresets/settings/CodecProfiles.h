@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
 
 #include <QtCore/QHashFunctions>
@@ -20,13 +21,13 @@ enum class HEVCProfileLevel { _AutoLevel };
 // NOLINTEND(bugprone-reserved-identifier)
 
 /// The cases in order, with their raw values: the texts that profile names are made of.
-[[nodiscard]] const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
-[[nodiscard]] const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
-[[nodiscard]] const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
-[[nodiscard]] const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
 
 /// An H.264 profile at a level. Limits are those of ITU-T H.264, Table A-1, and depend on the level alone.
-struct H264Profile
+struct VANTLE_PRESETS_EXPORT H264Profile
 {
     H264ProfileType profile;
     H264ProfileLevel level;
@@ -60,7 +61,7 @@ struct H264Profile
 };
 
 /// An HEVC profile; the encoder always chooses the level.
-struct HEVCProfile
+struct VANTLE_PRESETS_EXPORT HEVCProfile
 {
     HEVCProfileType profile;
     HEVCProfileLevel level;
@@ -83,8 +84,8 @@ struct HEVCProfile
 
 /// What a new VideoSettings offers: Baseline, Main and High at all ten levels, Extended at 5.0 and
 /// automatic, the two levels for which VideoToolbox has constants. The list is shared, not copied.
-[[nodiscard]] QList<H264Profile> offeredH264Profiles();
+[[nodiscard]] VANTLE_PRESETS_EXPORT QList<H264Profile> offeredH264Profiles();
 /// The five HEVC profiles.
-[[nodiscard]] QList<HEVCProfile> offeredHEVCProfiles();
+[[nodiscard]] VANTLE_PRESETS_EXPORT QList<HEVCProfile> offeredHEVCProfiles();
 
 } // namespace vantle

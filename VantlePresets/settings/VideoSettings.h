@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/core/ObjectId.h"
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/ObservableRecord.h"
 #include "VantlePresets/settings/CodecProfiles.h"
 #include "VantlePresets/settings/VideoFormats.h"
@@ -21,7 +21,7 @@ class ObjectReader;
 /// The encoding choices of one video rendition of a preset.
 ///
 /// A reference object: presets, forms and the host share it. Main thread only, see ObservableRecord.
-class VideoSettings : public ObservableRecord
+class VANTLE_PRESETS_EXPORT VideoSettings : public ObservableRecord
 {
     Q_OBJECT
     Q_PROPERTY(vantle::VideoCodec codec READ codec WRITE setCodec NOTIFY codecChanged)
@@ -50,7 +50,7 @@ public:
     using H264Profile = vantle::H264Profile;
     using HEVCProfile = vantle::HEVCProfile;
 
-    explicit VideoSettings(Key) {}
+    explicit VideoSettings(Key);
 
     /// New settings: H.264 Main, automatic level, 1920 x 1080 at 30 frames per second, 4500 kbit/s.
     [[nodiscard]] static std::shared_ptr<VideoSettings> create();
@@ -134,7 +134,7 @@ public:
     void update(const VideoSettings &other);
 
     /// Codec, resolution, frame rate and profile alone.
-    friend bool operator==(const VideoSettings &a, const VideoSettings &b);
+    VANTLE_PRESETS_EXPORT friend bool operator==(const VideoSettings &a, const VideoSettings &b);
 
 Q_SIGNALS:
     void codecChanged(vantle::VideoCodec codec);
@@ -155,7 +155,7 @@ private:
     qint64 m_bitRate = 4500;
     QString m_profile = QStringLiteral("H264_Main_AutoLevel");
     qint64 m_pid = 256;
-    QUuid m_id = newObjectId();
+    QUuid m_id;
     QList<H264Profile> m_availableH264Profiles = offeredH264Profiles();
     QList<HEVCProfile> m_availableHEVCProfiles = offeredHEVCProfiles();
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QObject>
@@ -24,7 +25,7 @@ using PresetsList = QList<std::shared_ptr<VantlePreset>>;
 /// Main thread only: every operation and query checks it, and another thread is a programming fault. The
 /// files are read, written and removed on threads of the store's own. Files that were asked for are on
 /// disk when the manager has been destroyed, or the application has quit.
-class PresetsManager : public QObject
+class VANTLE_PRESETS_EXPORT PresetsManager : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PresetsManager)
