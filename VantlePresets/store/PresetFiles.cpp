@@ -64,7 +64,8 @@ void PresetFiles::rename(const Save &save, const Done &done)
             return;
         }
         const Outcome outcome = writeNow(save);
-        if (outcome == Outcome::written && isElsewhere) {
+        const bool isWritten = outcome == Outcome::written || outcome == Outcome::overtaken;
+        if (isWritten && isElsewhere) {
             // Both names can be one file's, on a file system that folds case.
             const auto old = stampOf(m_folder + '/' + oldName.toStdString() + ".json");
             if (!old || old != save.file->stampAt(save.name))
@@ -117,6 +118,7 @@ std::string PresetFiles::pathOf(const QString &name) const
 PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
 {
     bool isStaged = false;
+    bool isOvertaken = false;
     try {
         const std::string path = pathOf(save.name);
         const QString watchedPath = QString::fromStdString(path);
@@ -139,6 +141,7 @@ PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
                 throw Outdated();
         });
         save.file->set(save.name, staged.stamp());
+        isOvertaken = stampOf(path) != staged.stamp();
         staged.syncFolder();
     } catch (const Outdated &) {
         return Outcome::outdated;
@@ -155,7 +158,7 @@ PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
         return Outcome::failed;
     }
     logLine("Preset Saved: "_L1 + save.name);
-    return Outcome::written;
+    return isOvertaken ? Outcome::overtaken : Outcome::written;
 }
 
 /// Gives the preset's file the new name as it is, if others have changed it. False when it is unchanged, or

@@ -135,7 +135,7 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
 void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcome outcome)
 {
     --entry->savesInFlight;
-    if (outcome == PresetFiles::Outcome::written)
+    if (outcome == PresetFiles::Outcome::written || outcome == PresetFiles::Outcome::overtaken)
         entry->refusedNames.clear();
     if (outcome == PresetFiles::Outcome::failed || outcome == PresetFiles::Outcome::refused)
         entry->documentHash.reset(); // not on disk: the next save is one with edits
@@ -143,7 +143,8 @@ void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcom
         return;
     if (outcome == PresetFiles::Outcome::refused)
         giveFreeName(entry);
-    else if (std::exchange(entry->wasChangedMeanwhile, false) || outcome == PresetFiles::Outcome::outdated)
+    else if (std::exchange(entry->wasChangedMeanwhile, false) || outcome == PresetFiles::Outcome::outdated ||
+             outcome == PresetFiles::Outcome::overtaken)
         lookAgain(*entry);
 }
 
