@@ -18,8 +18,10 @@ struct VANTLE_WATCHFOLDER_EXPORT WatchFolderEnvironment
     std::function<std::optional<QString>(const QString &path)> fileSystemTypeName;
     /// Calls a function on the main thread again and again.
     std::function<Timer(std::chrono::milliseconds interval, std::function<void()> tick)> startTimer;
+    /// Makes and starts the event source.
     EventStreamFactory startStream;
 
+    /// The real one.
     static WatchFolderEnvironment system();
 };
 

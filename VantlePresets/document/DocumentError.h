@@ -13,11 +13,13 @@ namespace vantle {
 class VANTLE_PRESETS_EXPORT DecodingError : public std::runtime_error
 {
 public:
+    /// See place() and description().
     DecodingError(const QString &place, const QString &description);
 
     /// A key path ("videoSettings[1].codec"), "line 12, column 7" for text that is not JSON, or "" for
     /// the document as a whole. Columns count characters, both numbers from 1.
     [[nodiscard]] const QString &place() const noexcept { return m_place; }
+    /// What is wrong there, without the place.
     [[nodiscard]] const QString &description() const noexcept { return m_description; }
 
     /// Place and description as people read them: "portNumber: expected an integer, found a string".

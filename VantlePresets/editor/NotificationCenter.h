@@ -19,11 +19,14 @@ class VANTLE_EDITOR_EXPORT NotificationCenter : public QObject
     Q_OBJECT
 
 public:
+    /// The one of the process.
     [[nodiscard]] static NotificationCenter &defaultCenter();
 
+    /// Tells all observers.
     void post(const QString &name);
 
 Q_SIGNALS:
+    /// A notification of any name; observers look for theirs.
     void posted(const QString &name);
 
 private:

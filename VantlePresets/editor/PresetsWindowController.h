@@ -21,6 +21,7 @@ public:
 
     /// Null until a window was set.
     [[nodiscard]] QMainWindow *window() const { return m_window.get(); }
+    /// Destroys the window that it had.
     void setWindow(std::unique_ptr<QMainWindow> window);
 
     /// Brings the window to the front.

@@ -18,7 +18,9 @@ class VANTLE_EDITOR_EXPORT PresetsWindowControllerObjCBridge : public QWidget
     Q_OBJECT
 
 public:
+    /// An empty view; hosts need none to open the editor.
     explicit PresetsWindowControllerObjCBridge(QWidget *parent = nullptr) : QWidget(parent) {}
+    /// The same with a place in its parent.
     explicit PresetsWindowControllerObjCBridge(const QRect &frame, QWidget *parent = nullptr);
 
     /// A controller whose window edits the presets of the manager. The window is not shown; its frame is

@@ -12,8 +12,10 @@ class VANTLE_PRESETS_EXPORT HLSVantlePreset : public VantlePreset
     Q_OBJECT
 
 public:
+    /// For the static functions that make objects.
     using VantlePreset::VantlePreset;
 
+    /// A new preset with one default rendition and one default track.
     [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withName(const QString &name);
     static std::shared_ptr<HLSVantlePreset> withType(StreamingType type, const QString &name) = delete;
 

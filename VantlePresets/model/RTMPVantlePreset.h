@@ -16,6 +16,7 @@ class VANTLE_PRESETS_EXPORT RTMPVantlePreset : public VantlePreset
     Q_OBJECT
 
 public:
+    /// The transport to the server.
     enum class StreamingProtocol : int { rtmp = 1, rtmps = 2, rtspUDP = 3, rtspTCP = 4 };
     Q_ENUM(StreamingProtocol)
 
@@ -35,6 +36,7 @@ private:
 
 public:
     using VantlePreset::update;
+    /// For the static functions that make objects.
     using VantlePreset::VantlePreset;
 
     /// A new preset with its kind's defaults. YouTube and Facebook bring their service's host and
@@ -54,17 +56,25 @@ public:
 
     /// For the host application, which gives it its effect.
     [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    /// A secret that names the stream to the server.
     [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
     /// The server's host name or URL.
     [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    /// RTMP in a new preset.
     [[nodiscard]] StreamingProtocol streamingProtocol() const { return m_streamingProtocol; }
+    /// Any number that the file or the user gave.
     [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    /// Whether the server asks for login and password.
     [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    /// Kept in the file while authenticate() is on.
     [[nodiscard]] const QString &authenticationLogin() const { return m_authenticationLogin; }
+    /// Kept in the file, in plain text, while authenticate() is on.
     [[nodiscard]] const QString &authenticationPassword() const { return m_authenticationPassword; }
     /// The application's name on the server.
     [[nodiscard]] const QString &application() const { return m_application; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setIsBackup(bool isBackup);
     void setStreamKey(const QString &streamKey);
     void setStreamingURL(const QString &url);
@@ -74,11 +84,14 @@ public:
     void setAuthenticationLogin(const QString &login);
     void setAuthenticationPassword(const QString &password);
     void setApplication(const QString &application);
+    /// @}
 
     /// Takes over what the other's document would keep, its name included; shares its settings objects.
     void update(const RTMPVantlePreset &other);
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void isBackupChanged(bool isBackup);
     void streamKeyChanged(const QString &streamKey);
     void streamingURLChanged(const QString &url);
@@ -88,6 +101,7 @@ Q_SIGNALS:
     void authenticationLoginChanged(const QString &login);
     void authenticationPasswordChanged(const QString &password);
     void applicationChanged(const QString &application);
+    /// @}
 
 private:
     void decodeConnection(const document::ObjectReader &root);
@@ -116,9 +130,11 @@ class VANTLE_PRESETS_EXPORT StreamingProtocolHelper
 public:
     StreamingProtocolHelper() = delete;
 
+    /// In the order of the enumeration.
     [[nodiscard]] static QList<int> allRawValues();
     /// "" for a value that is none of the transports.
     [[nodiscard]] static QString displayName(qint64 rawValue);
+    /// In the order of the enumeration.
     [[nodiscard]] static QStringList allDisplayNames();
 };
 

@@ -42,12 +42,14 @@ class VANTLE_PRESETS_EXPORT VantlePreset : public ObservableRecord,
     Q_PROPERTY(QUuid id READ id CONSTANT)
 
 protected:
+    /// Keeps callers from making presets that no std::shared_ptr holds.
     struct Key
     {
         explicit Key() = default;
     };
 
 public:
+    /// For the static functions that make objects.
     explicit VantlePreset(Key) {}
 
     /// A new preset with one default rendition and one default track, which is the default track.
@@ -72,9 +74,13 @@ public:
     /// of it. False when the preset can't be encoded or the file can't be written.
     bool writeToFileAtPath(const QString &path) const;
 
+    /// The kind, which decides how the preset is written.
     [[nodiscard]] StreamingType type() const { return m_type; }
+    /// The preset's file is named after it.
     [[nodiscard]] const QString &name() const { return m_name; }
+    /// In the order of the file.
     [[nodiscard]] const VideoSettingsList &videoSettings() const { return m_videoSettings; }
+    /// In the order of the file.
     [[nodiscard]] const AudioSettingsList &audioSettings() const { return m_audioSettings; }
     /// The track that was marked default last, or null. After PresetFactory's reading it equals a track
     /// of audioSettings() in content but is another object; it may also be one that was removed.
@@ -84,18 +90,23 @@ public:
     }
     /// Kept in the files of some kinds; for the others, new whenever the file is read.
     [[nodiscard]] const QUuid &uuid() const { return m_uuid; }
+    /// The same as uuid().
     [[nodiscard]] const QUuid &id() const { return m_uuid; }
 
     /// The icon of a kind, in SVG format, from the component's bundle; read when asked for.
     [[nodiscard]] static QByteArray imageForPresetType(StreamingType type);
+    /// The icon of the preset's kind.
     [[nodiscard]] QByteArray presetImage() const { return imageForPresetType(m_type); }
 
     /// Not observable.
     void setType(StreamingType type) { m_type = type; }
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setName(const QString &name);
     void setVideoSettings(const VideoSettingsList &settings);
     void setAudioSettings(const AudioSettingsList &settings);
     void setDefaultAudioSettings(const std::shared_ptr<AudioSettings> &track);
+    /// @}
 
     /// Appends a default rendition.
     void newVideoSettings();
@@ -119,10 +130,13 @@ public:
     void audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track, bool isDefault) override;
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void nameChanged(const QString &name);
     void videoSettingsChanged(const vantle::VideoSettingsList &settings);
     void audioSettingsChanged(const vantle::AudioSettingsList &settings);
     void defaultAudioSettingsChanged(const std::shared_ptr<vantle::AudioSettings> &track);
+    /// @}
 
 protected:
     /// Fills a new preset with its kind, its name and one default rendition and track.
@@ -142,6 +156,7 @@ protected:
     /// Takes the kind and the lists of a preset decoded from the same file, without announcing them.
     void takeDecodedBase(const VantlePreset &decoded);
 
+    /// Writes "videoSettings" and "audioSettings".
     void encodeLists(document::DocumentWriter &writer) const;
 
 private:

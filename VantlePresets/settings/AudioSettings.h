@@ -39,8 +39,10 @@ public:
 
 protected:
     AudioSettingsDelegate() = default;
+    /// @cond
     AudioSettingsDelegate(const AudioSettingsDelegate &) = default;
     AudioSettingsDelegate &operator=(const AudioSettingsDelegate &) = default;
+    /// @endcond
 };
 
 /// The encoding choices of one audio track of a preset.
@@ -71,6 +73,7 @@ class VANTLE_PRESETS_EXPORT AudioSettings : public ObservableRecord,
     };
 
 public:
+    /// For the static functions that make objects.
     explicit AudioSettings(Key);
 
     /// New settings: AAC LC, 128 kbit/s, 44100 Hz, 16 bits, the source's first two channels, "English".
@@ -84,21 +87,27 @@ public:
 
     /// In kbit/s.
     [[nodiscard]] qint64 bitRate() const { return m_bitRate; }
+    /// Of the samples before encoding.
     [[nodiscard]] qint64 bitsPerSample() const { return m_bitsPerSample; }
     /// In hertz.
     [[nodiscard]] qint64 sampleRate() const { return m_sampleRate; }
     /// Source channels by index from 0, in the order of the track's own channels.
     [[nodiscard]] const QList<qint64> &inputChannels() const { return m_inputChannels; }
+    /// The only one so far is AAC LC.
     [[nodiscard]] AudioCodecID codec() const { return m_codec; }
     /// A language code such as "en".
     [[nodiscard]] const QString &language() const { return m_language; }
+    /// What players show.
     [[nodiscard]] const QString &trackName() const { return m_trackName; }
+    /// Whether players choose this track by themselves.
     [[nodiscard]] bool isDefault() const { return m_isDefault; }
     /// The MPEG-TS packet identifier of the stream.
     [[nodiscard]] qint64 pid() const { return m_pid; }
     /// Identifies this object in memory; never in a file.
     [[nodiscard]] const QUuid &id() const { return m_id; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setBitRate(qint64 bitRate);
     void setBitsPerSample(qint64 bitsPerSample);
     void setSampleRate(qint64 sampleRate);
@@ -109,11 +118,14 @@ public:
     /// Tells the delegate when the flag really changed.
     void setIsDefault(bool isDefault);
     void setPid(qint64 pid);
+    /// @}
 
     /// The delegate, or null when there is none or it is gone.
     [[nodiscard]] std::shared_ptr<AudioSettingsDelegate> delegate() const { return m_delegate.lock(); }
+    /// The delegate is held weakly.
     void setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate) { m_delegate = delegate; }
 
+    /// That of the codec.
     [[nodiscard]] quint32 audioCodecFormatID() const { return vantle::audioCodecFormatID(m_codec); }
     /// "English_128".
     [[nodiscard]] QString variantName() const;
@@ -129,6 +141,8 @@ public:
     friend bool operator==(const AudioSettings &a, const AudioSettings &b) { return a.m_id == b.m_id; }
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void bitRateChanged(qint64 bitRate);
     void bitsPerSampleChanged(qint64 bitsPerSample);
     void sampleRateChanged(qint64 sampleRate);
@@ -138,6 +152,7 @@ Q_SIGNALS:
     void trackNameChanged(const QString &trackName);
     void isDefaultChanged(bool isDefault);
     void pidChanged(qint64 pid);
+    /// @}
 
 private:
     qint64 m_bitRate = 128;

@@ -29,10 +29,12 @@ enum class HEVCProfileLevel { _AutoLevel };
 /// An H.264 profile at a level. Limits are those of ITU-T H.264, Table A-1, and depend on the level alone.
 struct VANTLE_PRESETS_EXPORT H264Profile
 {
-    H264ProfileType profile;
-    H264ProfileLevel level;
+    H264ProfileType profile; ///< the profile alone
+    H264ProfileLevel level;  ///< the level that limits it
 
+    /// Profile and level.
     friend bool operator==(const H264Profile &, const H264Profile &) = default;
+    /// For QHash and QSet.
     friend size_t qHash(const H264Profile &key, size_t seed = 0)
     {
         return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));
@@ -47,6 +49,7 @@ struct VANTLE_PRESETS_EXPORT H264Profile
     /// The table's MaxMBPS, in macroblocks per second, for the picture's size too: the check of a single
     /// picture is deliberately lenient.
     [[nodiscard]] qint64 maxMacroBlocksPerFrame() const;
+    /// The table's MaxMBPS, in macroblocks per second.
     [[nodiscard]] qint64 maxMacroBlocksPerSecond() const { return maxMacroBlocksPerFrame(); }
 
     /// Whether pictures of this size (in pixels) and rate (per second) keep within the level. A
@@ -63,10 +66,12 @@ struct VANTLE_PRESETS_EXPORT H264Profile
 /// An HEVC profile; the encoder always chooses the level.
 struct VANTLE_PRESETS_EXPORT HEVCProfile
 {
-    HEVCProfileType profile;
-    HEVCProfileLevel level;
+    HEVCProfileType profile; ///< the profile alone
+    HEVCProfileLevel level;  ///< always automatic
 
+    /// Profile and level.
     friend bool operator==(const HEVCProfile &, const HEVCProfile &) = default;
+    /// For QHash and QSet.
     friend size_t qHash(const HEVCProfile &key, size_t seed = 0)
     {
         return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));

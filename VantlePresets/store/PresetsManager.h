@@ -87,6 +87,7 @@ public:
     /// meanwhile; that change is applied. A file of the name that is not this preset's is never overwritten:
     /// the preset gets the next free name.
     void save(const std::shared_ptr<VantlePreset> &preset);
+    /// Saves the selected preset, if there is one.
     void saveSelectedPreset();
     /// Deletes a file of the folder in the background; a listed preset stays listed.
     void deletePresetFile(const QString &name);
@@ -98,6 +99,7 @@ public:
     /// list order, lookups and saves go by the name of the preset's file. One edit at a time; the edit
     /// ends by itself when its preset leaves the list.
     void beginNameEdit(const std::shared_ptr<VantlePreset> &preset);
+    /// Nothing when no edit goes on.
     void endNameEdit();
     /// The name of the preset's file without the extension, also while the name is being edited.
     [[nodiscard]] QString listedName(const std::shared_ptr<VantlePreset> &preset) const;
@@ -122,6 +124,7 @@ Q_SIGNALS:
     /// A change of the preset's file by another process was applied to the listed object.
     void presetUpdated(const std::shared_ptr<vantle::VantlePreset> &preset);
 
+    /// @{
     /// Rows in pairs for list models. A move goes before the row that stood at `to` at its start.
     void rowAboutToBeInserted(int row);
     void rowInserted(int row);
@@ -131,13 +134,14 @@ Q_SIGNALS:
     void rowMoved(int from, int to);
     void rowsAboutToBeReset();
     void rowsReset();
+    /// @}
 
     /// A save is due while the preset's name is being edited: the view ends the edit now, as if the user
     /// had left the field.
     void nameEditMustEnd(const std::shared_ptr<vantle::VantlePreset> &preset);
 
 private:
-    class Private;
+    class VANTLE_PRESETS_NO_EXPORT Private;
     std::unique_ptr<Private> d;
 };
 
