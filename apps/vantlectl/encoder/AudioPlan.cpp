@@ -63,9 +63,9 @@ void checkChannels(PlanDraft &draft, qsizetype index, const AudioSettings &track
     const int available = draft.request.input.isEmpty() ? kTestChannels : draft.request.inputChannels;
     for (const qint64 channel : track.inputChannels()) {
         if (channel < 0 || channel >= available)
-            draft.problem(path, u"the source has %1 channels, counted from 0, and no channel %2"_s
-                                    .arg(available)
-                                    .arg(channel));
+            draft.problem(
+                path, u"the source has %1 channels, counted from 0, and no channel %2"_s.arg(available).arg(
+                          channel));
     }
 }
 
@@ -107,8 +107,7 @@ QString filterOf(qsizetype index, const QString &source, const AudioSettings &tr
     QStringList channels;
     for (const qint64 channel : track.inputChannels())
         channels.append(QString::number(channel));
-    return u"%1channelmap=%2:%3[a%4]"_s.arg(source, channels.join(u'|'), layoutOf(track)->name)
-        .arg(index);
+    return u"%1channelmap=%2:%3[a%4]"_s.arg(source, channels.join(u'|'), layoutOf(track)->name).arg(index);
 }
 
 /// A tone of its own for each channel: 200 Hz for the first, 100 Hz more for each one after it.
@@ -124,7 +123,7 @@ void addTestTones(PlanDraft &draft, const AudioSettingsList &tracks)
     QStringList tones;
     for (qint64 channel = 0; channel < channels; ++channel)
         tones.append(u"0.2*sin(2*PI*%1*t)"_s.arg(200 + 100 * channel));
-    draft.input.add(
+    draft.addInput(
         {u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc=%1:s=%2"_s.arg(tones.join(u'|')).arg(sampleRate)});
 }
 
@@ -148,9 +147,9 @@ void planAudio(PlanDraft &draft)
     if (tracks.isEmpty())
         return;
     if (draft.container && draft.container->carriesOnePairOnly && tracks.size() > 1)
-        draft.problem(
-            fieldPath(kList, 1),
-            u"%1 carries one audio stream, this preset has %2"_s.arg(draft.container->name).arg(tracks.size()));
+        draft.problem(fieldPath(kList, 1),
+                      u"%1 carries one audio stream, this preset has %2"_s.arg(draft.container->name)
+                          .arg(tracks.size()));
     for (qsizetype i = 0; i < tracks.size(); ++i) {
         checkChannels(draft, i, *tracks[i]);
         checkRates(draft, i, *tracks[i]);

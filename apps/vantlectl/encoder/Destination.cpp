@@ -5,6 +5,7 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QUrl>
 #include <QtCore/QUrlQuery>
 
@@ -32,7 +33,8 @@ constexpr std::array<Transport, 4> kTransports{{{StreamingProtocol::rtmp, "rtmp"
 
 bool hasControls(const QString &text)
 {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.category() == QChar::Other_Control; });
+    return std::any_of(text.begin(), text.end(),
+                       [](QChar c) { return c.category() == QChar::Other_Control; });
 }
 
 /// Refuses texts that would end an argument or a line early.
@@ -193,8 +195,7 @@ QHash<QString, QString> srtParameters(PlanDraft &draft, const SRTVantlePreset &p
         values.insert(u"passphrase"_s, preset.streamKey());
     if (!preset.application().isEmpty())
         values.insert(u"streamid"_s, preset.application());
-    for (const auto &[name, value] :
-         QUrlQuery(server.address.query).queryItems(QUrl::FullyDecoded)) {
+    for (const auto &[name, value] : QUrlQuery(server.address.query).queryItems(QUrl::FullyDecoded)) {
         if (std::none_of(kSrtParameters.begin(), kSrtParameters.end(),
                          [&](const SrtParameter &parameter) { return parameter.name == name; }))
             draft.problem(server.field, "unknown parameter "_L1 + name);
@@ -239,8 +240,8 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
     for (const SrtParameter &parameter : kSrtParameters) {
         const QString value = values.value(parameter.name);
         if (!value.isEmpty())
-            draft.destination.add(parameter.option, parameter.isSecret ? Argument().secret(value)
-                                                                       : Argument().plain(value));
+            draft.destination.add(parameter.option,
+                                  parameter.isSecret ? Argument().secret(value) : Argument().plain(value));
     }
     if (values.contains(u"passphrase"_s))
         draft.destination.add({u"-pbkeylen"_s, u"16"_s});

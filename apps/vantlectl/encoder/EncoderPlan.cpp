@@ -54,6 +54,8 @@ void planIdentifiers(PlanDraft &draft)
 EncoderPlan planEncoder(const VantlePreset &preset, const EncoderRequest &request)
 {
     PlanDraft draft{preset, request, nullptr, {}, {}, {}, {}, {}, {}};
+    if (!request.input.isEmpty())
+        draft.addInput({u"-i"_s, request.input});
     planDestination(draft);
     planVideo(draft);
     planAudio(draft);
@@ -64,8 +66,6 @@ EncoderPlan planEncoder(const VantlePreset &preset, const EncoderRequest &reques
     EncoderPlan plan{{}, {}, draft.notes};
     Arguments &out = plan.arguments;
     out.add({u"ffmpeg"_s, u"-hide_banner"_s});
-    if (!request.input.isEmpty())
-        out.add({u"-i"_s, request.input});
     out.add(draft.input);
     out.add({u"-filter_complex"_s, draft.filters.join(u';')});
     out.add(draft.streams);

@@ -26,7 +26,8 @@ std::optional<Argument> baseOf(PlanDraft &draft, bool &isUpload)
             !address->host.isEmpty() && address->query.isEmpty())
             return Argument(address->server())
                 .plain(address->path.isEmpty() ? QString() : u'/' + address->path);
-        draft.problem(u"--output"_s, u"is neither a folder nor an http or https address without parameters"_s);
+        draft.problem(u"--output"_s,
+                      u"is neither a folder nor an http or https address without parameters"_s);
         return std::nullopt;
     }
     QString folder = output.isEmpty() ? draft.preset.name() : output;

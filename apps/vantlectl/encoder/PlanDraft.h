@@ -20,6 +20,13 @@ struct PlanDraft
     QStringList problems;
     QStringList notes;
 
+    void addInput(std::initializer_list<QString> arguments)
+    {
+        if (request.isPaced)
+            input.add({QStringLiteral("-re")});
+        input.add(arguments);
+    }
+
     /// The path is one that `vantlectl set` takes, or an option's name.
     void problem(const QString &path, const QString &reason)
     {

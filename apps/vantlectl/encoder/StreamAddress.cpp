@@ -15,9 +15,9 @@ std::optional<StreamAddress> StreamAddress::parse(const QString &text)
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
         return std::nullopt;
-    StreamAddress address{match.captured(1).toLower(), match.captured(2), match.captured(3),
-                          match.captured(4),           match.captured(5), match.captured(6),
-                          match.captured(7)};
+    StreamAddress address{
+        match.captured(1).toLower(), match.captured(2), match.captured(3), match.captured(4),
+        match.captured(5),           match.captured(6), match.captured(7)};
     address.path = address.path.split(u'/', Qt::SkipEmptyParts).join(u'/');
     return address;
 }

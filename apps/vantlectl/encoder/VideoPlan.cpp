@@ -202,13 +202,12 @@ void addTestPictures(PlanDraft &draft, const VideoSettingsList &renditions)
     const auto largest = *std::max_element(renditions.begin(), renditions.end(), [](auto &a, auto &b) {
         return a->width() * a->height() < b->width() * b->height();
     });
-    const auto fastest = *std::max_element(renditions.begin(), renditions.end(), [](auto &a, auto &b) {
-        return a->frameRate() < b->frameRate();
-    });
-    draft.input.add({u"-f"_s, u"lavfi"_s, u"-i"_s,
-                     u"testsrc2=size=%1x%2:rate=%3"_s.arg(largest->width())
-                         .arg(largest->height())
-                         .arg(rateText(fastest->frameRate()))});
+    const auto fastest = *std::max_element(renditions.begin(), renditions.end(),
+                                           [](auto &a, auto &b) { return a->frameRate() < b->frameRate(); });
+    draft.addInput({u"-f"_s, u"lavfi"_s, u"-i"_s,
+                    u"testsrc2=size=%1x%2:rate=%3"_s.arg(largest->width())
+                        .arg(largest->height())
+                        .arg(rateText(fastest->frameRate()))});
 }
 
 } // namespace
@@ -219,9 +218,9 @@ void planVideo(PlanDraft &draft)
     if (renditions.isEmpty())
         draft.problem(kList, u"there is no video rendition"_s);
     if (draft.container && draft.container->carriesOnePairOnly && renditions.size() > 1)
-        draft.problem(fieldPath(kList, 1), u"%1 carries one video stream, this preset has %2"_s
-                                               .arg(draft.container->name)
-                                               .arg(renditions.size()));
+        draft.problem(fieldPath(kList, 1),
+                      u"%1 carries one video stream, this preset has %2"_s.arg(draft.container->name)
+                          .arg(renditions.size()));
     QString split;
     for (qsizetype i = 0; i < renditions.size(); ++i) {
         const VideoSettings &video = *renditions[i];
