@@ -58,6 +58,11 @@ public:
     void string(const char *name, QStringView value) override
     {
         key(name);
+        string(value);
+    }
+
+    void string(QStringView value) override
+    {
         QStringEncoder toUtf8(QStringConverter::Utf8);
         QVarLengthArray<char, 512> bytes(toUtf8.requiredSpace(value.size()));
         const char *const end = toUtf8.appendToBuffer(bytes.data(), value);

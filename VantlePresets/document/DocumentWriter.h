@@ -30,6 +30,8 @@ public:
     virtual void boolean(const char *name, bool value) = 0;
     /// A lone surrogate, which UTF-8 cannot hold, is written as U+FFFD.
     virtual void string(const char *name, QStringView value) = 0;
+    /// An element of the array that is open.
+    virtual void string(QStringView value) = 0;
     virtual void integers(const char *name, const QList<qint64> &values) = 0;
 
 protected:

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Assignment.h"
 
+#include "apps/vantlectl/Output.h"
+#include "apps/vantlectl/TextValue.h"
+
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 
 #include <QtCore/QMetaProperty>
@@ -17,7 +21,7 @@ QVariant parsed(const QString &text, const QMetaProperty &property)
     const QMetaType type = property.metaType();
     bool isNumber = false;
     if (type == QMetaType::fromType<QString>())
-        return text;
+        return textValue(text);
     if (type == QMetaType::fromType<bool>())
         return text == "true"_L1 || text == "false"_L1 ? QVariant(text == "true"_L1) : QVariant();
     if (type == QMetaType::fromType<qint64>()) {
@@ -129,6 +133,21 @@ std::optional<Assignment> Assignment::parse(const QString &text)
     return match.hasCaptured(8) == needsValue ? std::optional(assignment) : std::nullopt;
 }
 
+std::optional<QList<Assignment>> Assignment::parseAll(const std::vector<std::string> &texts)
+{
+    QList<Assignment> assignments;
+    for (const std::string &text : texts) {
+        const auto assignment = parse(QString::fromStdString(text));
+        if (!assignment) {
+            complain("not an assignment such as portNumber=1936 or videoSettings.0.bitRate=6000: "_L1 +
+                     escapedControls(QString::fromStdString(text).section(u'=', 0, 0)));
+            return std::nullopt;
+        }
+        assignments.append(*assignment);
+    }
+    return assignments;
+}
+
 void Assignment::apply(VantlePreset &preset) const
 {
     switch (m_operation) {
@@ -145,7 +164,12 @@ void Assignment::apply(VantlePreset &preset) const
     const QMetaProperty property = propertyOf(object, m_field);
     if (!isAssignable(property))
         throw AssignmentError(m_path, u"no such field, or one that can't be set here"_s);
-    const QVariant value = parsed(m_value, property);
+    QVariant value;
+    try {
+        value = parsed(m_value, property);
+    } catch (const std::exception &error) {
+        throw AssignmentError(m_path, QString::fromUtf8(error.what()));
+    }
     if (!value.isValid() || !property.write(&object, value))
         throw AssignmentError(m_path, expectation(property));
     if (m_field == "isDefault"_L1 && value.toBool())

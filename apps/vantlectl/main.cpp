@@ -38,6 +38,7 @@ ExitCode run(int argc, char **argv)
     addValidateCommand(app, chosen);
     addShowCommand(app, chosen);
     addConvertCommand(app, chosen);
+    addFfmpegCommand(app, chosen);
     addListCommand(app, chosen);
     addEditCommands(app, chosen);
     addSetCommand(app, chosen);
