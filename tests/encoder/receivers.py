@@ -9,6 +9,8 @@ import subprocess
 import time
 import typing
 
+import rtsp_server
+
 
 class Failure(Exception):
     pass
@@ -113,9 +115,20 @@ def srt(key):
     return receive
 
 
+def rtsp(folder, preset, encode):
+    server = rtsp_server.RtspServer()
+    path = preset["streamingURL"].partition("/")[2]
+    encode("streamingProtocol=RTSP TCP", f"streamingURL=127.0.0.1:{server.port}/{path}")
+    if not server.recorded.wait(timeout=30):
+        raise Failure("nothing was recorded")
+    return Container("RTSP", [f"rtsp://127.0.0.1:{server.port}/{path}"])
+
+
 def for_preset(preset, stream_key):
     if preset["type"] == "HLS":
         return hls
     if preset["type"] == "SRT":
         return srt(stream_key)
+    if preset["streamingProtocol"].startswith("RTSP"):
+        return rtsp
     return rtmp

@@ -78,7 +78,7 @@ void checkRates(PlanDraft &draft, qsizetype index, const AudioSettings &track)
     }
     // A frame of 1024 samples takes at most 6144 bits per channel; the encoder silently keeps to that.
     const qint64 highest = track.inputChannels().size() * track.sampleRate() * 6144 / 1024 / 1000;
-    if (track.bitRate() <= 0 || track.bitRate() > highest)
+    if (layoutOf(track) && (track.bitRate() <= 0 || track.bitRate() > highest))
         draft.problem(
             fieldPath(kList, index, "bitRate"_L1),
             u"must be above 0 and at most %1 kbit/s at this sample rate and number of channels"_s.arg(
