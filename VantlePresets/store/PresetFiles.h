@@ -61,9 +61,10 @@ class PresetFiles
 public:
     enum class Outcome {
         written,
-        overtaken, ///< written, but changed or removed, or gone with the folder, before the watcher could look
-        outdated, ///< not written: the file was changed or removed, and the preset has no edits
-        refused,  ///< not written: a file of this name is somebody else's
+        overtaken, ///< written, but changed or removed, or gone with the folder, before the watcher could
+                   ///< look
+        outdated,  ///< not written: the file was changed or removed, and the preset has no edits
+        refused,   ///< not written: a file of this name is somebody else's
         failed,
     };
     /// Called on the file thread.
