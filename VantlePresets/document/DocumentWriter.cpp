@@ -118,6 +118,11 @@ public:
     void string(const char *name, QStringView value) override
     {
         key(name);
+        string(value);
+    }
+
+    void string(QStringView value) override
+    {
         if (value.isValidUtf16())
             addText(value);
         else // lone surrogates, which the text does not tell apart
