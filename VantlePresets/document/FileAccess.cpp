@@ -206,7 +206,7 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
     writeAll(file.get(), content);
 }
 
-StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content)
+StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access)
     : m_targetName(target.filename().string())
 {
     if (m_targetName.empty() || m_targetName == "." || m_targetName == ".." ||
@@ -215,7 +215,7 @@ StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView conte
     const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
     try {
         m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-        createTemporary();
+        createTemporary(access);
         writeAll(m_file, content);
         checked([&] { return ::fsync(m_file); });
     } catch (...) {
@@ -229,13 +229,13 @@ StagedFile::~StagedFile()
     discard();
 }
 
-void StagedFile::createTemporary()
+void StagedFile::createTemporary(Access access)
 {
     struct stat old = {};
     const bool replaces =
         ::fstatat(m_folder, m_targetName.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
     // A replaced file's permissions are set once owner and group stand, never wider in between.
-    const mode_t mode = replaces ? 0600 : 0666;
+    const mode_t mode = replaces || access == Access::ownerOnly ? 0600 : 0666;
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
         m_temporaryName = temporaryName();
@@ -252,7 +252,7 @@ void StagedFile::createTemporary()
     }
     if (m_file < 0)
         throw std::system_error(std::make_error_code(std::errc::file_exists));
-    if (replaces)
+    if (replaces && access == Access::asBefore)
         adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
 }
 

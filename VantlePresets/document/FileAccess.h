@@ -84,13 +84,16 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 /// target and syncFolder() makes the renaming last, so that readers and power failures find the old content
 /// or the new one, whole. Without a commit the temporary file is removed. A target that exists keeps its
 /// mode, and its owner and group as far as the process may set them; permissions for a group that could not
-/// be kept are dropped. A new file obeys the umask. A link as target is replaced, never followed.
+/// be kept are dropped. A new file obeys the umask. With ownerOnly the file, new or not, is the writer's and
+/// nobody else's. A link as target is replaced, never followed.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile
 {
 public:
-    StagedFile(const std::filesystem::path &target, QByteArrayView content);
+    enum class Access { asBefore, ownerOnly };
+
+    StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access = Access::asBefore);
     ~StagedFile();
     StagedFile(const StagedFile &) = delete;
     StagedFile &operator=(const StagedFile &) = delete;
@@ -104,7 +107,7 @@ public:
     void syncFolder();
 
 private:
-    void createTemporary();
+    void createTemporary(Access access);
     [[nodiscard]] bool lockTemporary() const;
     void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
     void discard() noexcept;

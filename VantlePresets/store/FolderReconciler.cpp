@@ -102,6 +102,11 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     m_queue.post([this, loaded] { m_receiver.presetsLoaded(std::move(*loaded)); });
 }
 
+void FolderReconciler::watchFolderBecameUnreachable(VRXWatchFolder *)
+{
+    m_queue.post([this] { m_receiver.folderBecameUnreachable(); });
+}
+
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
     add(nativePathOfUrl(url));

@@ -27,6 +27,7 @@ public:
     {
     public:
         virtual void presetsLoaded(PresetIndex loaded) = 0;
+        virtual void folderBecameUnreachable() = 0;
         virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
         virtual void presetRemoved(const QString &name) = 0;
         /// The source is null when the content can't be understood.
@@ -53,6 +54,7 @@ public:
     void reread(const std::string &path) const;
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
+    void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;
     void watchFolderFileAddedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileRemovedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileUpdatedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;

@@ -115,6 +115,8 @@ public:
 Q_SIGNALS:
     /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.
     void didLoad();
+    /// The presets folder is not at its path any more. Sent before didLoad(), that one never comes.
+    void folderBecameUnreachable();
 
     /// After each operation and each change from outside that touches the list, once.
     void presetsChanged(const vantle::PresetsList &presets);

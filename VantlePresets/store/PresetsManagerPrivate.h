@@ -35,6 +35,7 @@ public:
     void lookAgain(const ListedPreset &entry);
 
     void presetsLoaded(PresetIndex loaded) override;
+    void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
     void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,

@@ -163,7 +163,7 @@ void Assignment::apply(VantlePreset &preset) const
     QObject &object = target(preset);
     const QMetaProperty property = propertyOf(object, m_field);
     if (!isAssignable(property))
-        throw AssignmentError(m_path, u"no such field, or one that can't be set here"_s);
+        throw AssignmentError(m_path, u"no such field, or one that can't be set here"_s + hint());
     QVariant value;
     try {
         value = parsed(m_value, property);
@@ -176,20 +176,34 @@ void Assignment::apply(VantlePreset &preset) const
         makeOnlyDefault(preset, object);
 }
 
-bool Assignment::isLimited(VantlePreset &preset) const
-{
-    const QString value = presentValue(preset);
-    return !value.isEmpty() && value != QString::number(m_value.toLongLong());
-}
-
-QString Assignment::presentValue(VantlePreset &preset) const
+QString Assignment::limitation(VantlePreset &preset) const
 {
     if (m_operation != Operation::assign)
         return {};
     QObject &object = target(preset);
-    const QVariant value = propertyOf(object, m_field).read(&object);
-    return value.metaType() == QMetaType::fromType<qint64>() ? QString::number(value.toLongLong())
-                                                             : QString();
+    const QVariant present = propertyOf(object, m_field).read(&object);
+    const qint64 wanted = m_value.toLongLong();
+    if (present.metaType() != QMetaType::fromType<qint64>() || present.toLongLong() == wanted)
+        return {};
+    if (wanted < 0)
+        return u"%1 is below zero, set to %2"_s.arg(wanted).arg(present.toLongLong());
+    return u"limited to %1 by the profile"_s.arg(present.toLongLong());
+}
+
+/// Where else the field is: it may have been meant for a rendition or a track.
+QString Assignment::hint() const
+{
+    if (!m_list.isEmpty())
+        return {};
+    QStringList places;
+    const auto look = [&](const QMetaObject &meta, QLatin1StringView list) {
+        const QMetaProperty property = meta.property(meta.indexOfProperty(m_field.toUtf8().constData()));
+        if (isAssignable(property))
+            places.append(list + ".0."_L1 + m_field);
+    };
+    look(VideoSettings::staticMetaObject, "videoSettings"_L1);
+    look(AudioSettings::staticMetaObject, "audioSettings"_L1);
+    return places.isEmpty() ? QString() : "; did you mean "_L1 + places.join(" or "_L1) + u'?';
 }
 
 QObject &Assignment::target(VantlePreset &preset) const

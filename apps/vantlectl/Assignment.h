@@ -39,15 +39,14 @@ public:
     void apply(VantlePreset &preset) const;
 
     [[nodiscard]] const QString &path() const { return m_path; }
-    /// Whether the preset holds another number than the one that was assigned.
-    [[nodiscard]] bool isLimited(VantlePreset &preset) const;
-    /// The assigned field's number as it stands now; "" for everything else.
-    [[nodiscard]] QString presentValue(VantlePreset &preset) const;
+    /// Why the preset holds another number than the one that was assigned; "" when it does not.
+    [[nodiscard]] QString limitation(VantlePreset &preset) const;
 
 private:
     enum class Operation { assign, add, remove };
 
     [[nodiscard]] QObject &target(VantlePreset &preset) const;
+    [[nodiscard]] QString hint() const;
     [[nodiscard]] qsizetype index(qsizetype size) const;
     void addTo(VantlePreset &preset) const;
     void removeFrom(VantlePreset &preset) const;

@@ -30,8 +30,11 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
 {
     auto preset = namedPreset(options.preset, options);
     try {
-        for (const Assignment &assignment : assignments)
+        for (const Assignment &assignment : assignments) {
             assignment.apply(*preset);
+            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
+                complain(assignment.path() + ": "_L1 + limitation);
+        }
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()));
     }

@@ -39,9 +39,8 @@ ExitCode set(const Options &options, Output &out)
     try {
         for (const Assignment &assignment : *assignments) {
             assignment.apply(*preset);
-            if (assignment.isLimited(*preset))
-                complain(assignment.path() + ": limited to "_L1 + assignment.presentValue(*preset) +
-                         " by the profile"_L1);
+            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
+                complain(assignment.path() + ": "_L1 + limitation);
         }
         requireKept(*preset, *assignments);
     } catch (const AssignmentError &error) {
