@@ -33,6 +33,8 @@ function(vantle_shared_library archive)
                INSTALL_RPATH "$ORIGIN"
                AUTOMOC OFF)
   target_compile_features(${shared} INTERFACE cxx_std_20)
+  # Hosts need not have what only the inside links.
+  list(TRANSFORM arg_PRIVATE_LIBS REPLACE "(.+)" "$<BUILD_INTERFACE:\\1>")
   target_link_libraries(${shared} PUBLIC ${arg_LIBS} PRIVATE ${arg_PRIVATE_LIBS})
   string(REPLACE "_EXPORT" "_NO_EXPORT" no_export_macro ${arg_EXPORT_MACRO})
   generate_export_header(
