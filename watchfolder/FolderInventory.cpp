@@ -37,19 +37,24 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     std::error_code error;
     const auto state = readState(changed.path, error);
     Inventory::Record *record = m_inventory.find(changed.path);
-    const bool isOwn = changed.cause == ChangedPath::Own || changed.cause == ChangedPath::OwnRemoval;
+    const bool mayBeOwnRemoval =
+        changed.cause == ChangedPath::OwnRemoval || changed.cause == ChangedPath::OwnReplacement;
+    const bool isOwn = changed.cause == ChangedPath::Own || mayBeOwnRemoval;
 
     if (!state) {
         if (record == nullptr || !saysMissing(error))
             return {};
         // With the whole folder gone, nobody can say that it was this process who removed the item.
-        if (changed.cause == ChangedPath::OwnRemoval && readState({}, error)) {
+        if (mayBeOwnRemoval && readState({}, error)) {
             removeWithDescendants(changed.path);
             return {};
         }
         return {.difference = Finding::Missing, .wasDirectory = record->state.isDirectory};
     }
     if (record == nullptr) {
+        // Somebody else has made it anew since; the event of that is on its way.
+        if (changed.cause == ChangedPath::OwnRemoval)
+            return {};
         m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .own = isOwn});
         return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
     }

@@ -12,10 +12,11 @@ namespace vantle {
 struct ChangedPath
 {
     enum Cause {
-        Unknown,    ///< none: a walk or a client asks for a look
-        Foreign,    ///< an event of somebody else, or of nobody knows whom
-        Own,        ///< this process and nobody else
-        OwnRemoval, ///< this process removed it or moved it away
+        Unknown,        ///< none: a walk or a client asks for a look
+        Foreign,        ///< an event of somebody else, or of nobody knows whom
+        Own,            ///< this process and nobody else
+        OwnRemoval,     ///< this process removed it or moved it away
+        OwnReplacement, ///< this process did that, and made it or moved it here; nobody knows which came last
     };
 
     std::string path;

@@ -44,6 +44,7 @@ constexpr quint32 allTranslated()
 const quint32 creatingEvents = IN_CREATE;
 const quint32 completingEvents = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
 const quint32 writingEvents = IN_MODIFY;
+const quint32 arrivingEvents = IN_MOVED_TO;
 const quint32 departingEvents = IN_DELETE | IN_MOVED_FROM;
 const quint32 selfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
 const quint32 watchedEvents = allTranslated();

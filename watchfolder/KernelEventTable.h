@@ -10,7 +10,8 @@ extern const quint32 creatingEvents;
 /// After these nobody has to wait for a writer.
 extern const quint32 completingEvents;
 extern const quint32 writingEvents;
-/// A directory that these happen to is not where it was.
+extern const quint32 arrivingEvents;
+/// What these happen to is not where it was.
 extern const quint32 departingEvents;
 /// These say that a directory itself is gone, or is elsewhere.
 extern const quint32 selfEvents;

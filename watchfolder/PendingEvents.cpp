@@ -16,6 +16,11 @@ void PendingEvents::note(std::string_view directory, std::string_view name, quin
 
     Entry &entry = node->second;
     (own ? entry.ownFlags : entry.foreignFlags) |= eventFlags(kernelMask);
+    // The flag of a renaming does not say which way; for an own one it matters.
+    if (own && (kernelMask & departingEvents))
+        entry.ownFlags |= ItemRemoved;
+    if (own && (kernelMask & arrivingEvents))
+        entry.ownFlags |= ItemCreated;
     if (isDirectoryEvent(kernelMask))
         return;
     // The kernel merges: one record can say that a file was created and closed.

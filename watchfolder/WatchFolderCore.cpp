@@ -259,8 +259,13 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
     }
     ChangedPath change{
         .path = std::move(*path), .cause = ChangedPath::Foreign, .existenceOnly = !event.has(ItemIsFile)};
-    if (event.has(OwnEvent) && m_isIgnoringSelf)
-        change.cause = event.has(ItemRemoved | ItemRenamed) ? ChangedPath::OwnRemoval : ChangedPath::Own;
+    if (event.has(OwnEvent) && m_isIgnoringSelf) {
+        const bool isArrival = event.has(ItemCreated);
+        const bool isRemoval = event.has(ItemRemoved) || (event.has(ItemRenamed) && !isArrival);
+        change.cause = !isRemoval  ? ChangedPath::Own
+                       : isArrival ? ChangedPath::OwnReplacement
+                                   : ChangedPath::OwnRemoval;
+    }
     changed.push_back(std::move(change));
 }
 

@@ -157,7 +157,7 @@ void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl 
         reread(file->path);
 }
 
-void FolderReconciler::reread(const std::string &path) const
+void FolderReconciler::reread(const std::string &path)
 {
     const auto file = folderFile(path);
     if (!file)
@@ -167,10 +167,12 @@ void FolderReconciler::reread(const std::string &path) const
     try {
         document = readFile(path, &stamp);
     } catch (const std::system_error &error) {
-        if (error.code() == std::errc::no_such_file_or_directory)
+        if (error.code() == std::errc::no_such_file_or_directory) {
+            noteReadability(*file, false); // to the watcher it may still be there, and come back as an update
             m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
-        else
+        } else {
             logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        }
         return;
     }
     std::shared_ptr<VantlePreset> source;

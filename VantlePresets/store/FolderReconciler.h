@@ -51,7 +51,7 @@ public:
     void add(const std::string &path);
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
-    void reread(const std::string &path) const;
+    void reread(const std::string &path);
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
     void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;

@@ -170,17 +170,30 @@ bool PresetFiles::moveChangedFile(const Save &save, const QString &oldName) cons
         const std::string to = pathOf(save.name);
         const auto known = save.file->stampAt(oldName);
         const auto present = stampOf(from);
-        if (!known || !present || present == known)
+        if (!known || !present || present == known || stampOf(to))
             return false;
         m_watcher->performOwnChange(QString::fromStdString(to), [&] {
             requireSuccess(::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
         });
-        m_watcher->performOwnChange(QString::fromStdString(from), [] {}); // the removal was ours as well
+        takeAway(from, [] {});             // the removal was ours as well
         save.file->set(save.name, *known); // the change itself has yet to be read
         return true;
+    } catch (const std::system_error &error) {
+        if (error.code() == std::errc::file_exists) // taken for this process's own, as in writeNow()
+            m_fileAppeared(pathOf(save.name));
+        return false;
     } catch (const std::exception &) {
         return false;
     }
+}
+
+void PresetFiles::takeAway(const std::string &path, const std::function<void()> &change) const
+{
+    const QString watchedPath = QString::fromStdString(path);
+    m_watcher->performOwnChange(watchedPath, change);
+    // Made anew at once by another process, and taken for this process's own.
+    if (m_watcher->hasItemAtPath(watchedPath))
+        m_fileAppeared(path);
 }
 
 void PresetFiles::removeNow(const QString &name) const
@@ -188,7 +201,7 @@ void PresetFiles::removeNow(const QString &name) const
     const QString path = QString::fromStdString(m_folder) + u'/' + name + ".json"_L1;
     try {
         const std::string target = pathOf(name);
-        m_watcher->performOwnChange(path, [&] { requireSuccess(::unlink(target.c_str())); });
+        takeAway(target, [&] { requireSuccess(::unlink(target.c_str())); });
     } catch (const std::exception &error) {
         logLine("Error deleting file "_L1 + path + ": "_L1 + QString::fromUtf8(error.what()));
     }

@@ -105,6 +105,7 @@ private:
     [[nodiscard]] std::string pathOf(const QString &name) const;
     Outcome writeNow(const Save &save) const;
     [[nodiscard]] bool moveChangedFile(const Save &save, const QString &oldName) const;
+    void takeAway(const std::string &path, const std::function<void()> &change) const;
     void removeNow(const QString &name) const;
 
     std::string m_folder;

@@ -33,6 +33,8 @@ struct ListedPreset : std::enable_shared_from_this<ListedPreset>
     /// first is the one that was wanted.
     QStringList refusedNames;
     bool wasChangedMeanwhile = false;
+    /// Set by a rename until its file is written, so that the save that succeeds takes the old file away.
+    bool isRenameDue = false;
 
     /// Lists the preset under its present name. Callable from any thread that owns the preset.
     explicit ListedPreset(std::shared_ptr<VantlePreset> listed);

@@ -119,26 +119,31 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
     ++entry->savesInFlight;
     ++savesInFlight;
     // Weak: a preset must not be destroyed on the file thread.
-    const auto done = [this, weak = std::weak_ptr(entry)](PresetFiles::Outcome outcome) {
-        queue.post([this, weak, outcome] {
+    const auto done = [this, weak = std::weak_ptr(entry),
+                       hasEdits = save.hasEdits](PresetFiles::Outcome outcome) {
+        queue.post([this, weak, hasEdits, outcome] {
             --savesInFlight;
             if (const auto saved = weak.lock())
-                finishSave(saved, outcome);
+                finishSave(saved, hasEdits, outcome);
         });
     };
-    if (way == Way::rename)
+    entry->isRenameDue = entry->isRenameDue || way == Way::rename;
+    if (entry->isRenameDue)
         files->rename(save, done);
     else
         files->write(save, done);
 }
 
-void PresetsManager::Private::finishSave(const Entry &entry, PresetFiles::Outcome outcome)
+void PresetsManager::Private::finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome)
 {
     --entry->savesInFlight;
     if (outcome == PresetFiles::Outcome::written || outcome == PresetFiles::Outcome::overtaken)
         entry->refusedNames.clear();
-    if (outcome == PresetFiles::Outcome::failed || outcome == PresetFiles::Outcome::refused)
-        entry->documentHash.reset(); // not on disk: the next save is one with edits
+    const bool isOnDisk = outcome != PresetFiles::Outcome::failed && outcome != PresetFiles::Outcome::refused;
+    if (!isOnDisk && hadEdits)
+        entry->documentHash.reset(); // the next save is one with edits
+    if (isOnDisk && entry->savesInFlight == 0)
+        entry->isRenameDue = false;
     if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
         return;
     if (outcome == PresetFiles::Outcome::refused)
@@ -210,14 +215,25 @@ void PresetsManager::Private::presetAdded(const Entry &added)
         known->wasChangedMeanwhile = true; // removed and made again
         return;
     }
+    const auto stamp = added->file->stampAt(added->name);
+    if (known && stamp && known->file->stampAt(added->name) == stamp)
+        return; // this very file is listed: it was away for a moment
     insert(added);
     announceList();
+}
+
+/// Whether the file is what this store last wrote or read. A report that says otherwise was on its way while
+/// a save was done.
+bool PresetsManager::Private::isAsSaved(const ListedPreset &entry, const QString &name) const
+{
+    const auto own = entry.file->stampAt(name);
+    return own && own == stampOf(fileSystemPath(folder + u'/' + name + ".json"_L1));
 }
 
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
     const auto entry = index.findNamed(name);
-    if (!entry)
+    if (!entry || isAsSaved(*entry, name))
         return;
     if (entry->savesInFlight > 0) {
         entry->wasChangedMeanwhile = true;
@@ -237,6 +253,8 @@ void PresetsManager::Private::presetUpdated(const QString &name, const std::shar
         entry->wasChangedMeanwhile = true;
         return;
     }
+    if (stamp != entry->file->stampAt(name) && isAsSaved(*entry, name))
+        return;
     entry->file->set(name, stamp);
     // A file that says what it said before (it was only touched) must not undo edits.
     if (const auto hash = documentHash(*source); hash && hash == entry->documentHash)

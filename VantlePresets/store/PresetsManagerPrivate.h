@@ -30,9 +30,10 @@ public:
 
     enum class Way { write, rename };
     void startSave(const Entry &entry, Way way);
-    void finishSave(const Entry &entry, PresetFiles::Outcome outcome);
+    void finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome);
     void giveFreeName(const Entry &entry);
     void lookAgain(const ListedPreset &entry);
+    [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
 
     void presetsLoaded(PresetIndex loaded) override;
     void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }

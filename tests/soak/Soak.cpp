@@ -115,6 +115,11 @@ public:
         for (std::size_t i = 0; i < 2; ++i) {
             printMissing("only a fresh start has", m_fresh, m_lists[i], i);
             printMissing("a fresh start lacks", m_lists[i], m_fresh, i);
+            const auto [own, wanted] =
+                std::mismatch(m_lists[i].begin(), m_lists[i].end(), m_fresh.begin(), m_fresh.end());
+            if (own != m_lists[i].end())
+                std::printf("manager %zu, row %lld: %s\n", i + 1,
+                            static_cast<long long>(own - m_lists[i].begin()), own->constData());
         }
         const std::string kept = "/tmp/vantle-soak-" + std::to_string(::getpid());
         ChildProcess shell({"sh", "-c",

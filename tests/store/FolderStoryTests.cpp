@@ -152,6 +152,27 @@ TEST_F(OpenList, AFileThatJustAppearedIsNeverOverwritten)
     EXPECT_TRUE(std::filesystem::exists(m_store.file("SRT Preset.json")));
 }
 
+TEST_F(OpenList, AChangedFileIsNotMovedOntoOneThatJustAppeared)
+{
+    ASSERT_TRUE(m_store.runElsewhere(u"sed -i 's/4500/3333/' A.json; cp B.json Z.json"_s));
+    EXPECT_TRUE(m_manager->rename(m_a, u"A"_s, u"Z"_s));
+    EXPECT_TRUE(waitFor([&] { return !m_manager->hasPendingSaves() && m_manager->presets().size() == 4; }));
+    ASSERT_TRUE(LiveStore::settle(*m_manager));
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"B"_s, u"C"_s, u"Z"_s, u"Z 2"_s}));
+    EXPECT_EQ(m_store.onDisk("Z")->videoSettings().first()->bitRate(), 4500);
+    EXPECT_EQ(m_store.onDisk("Z 2")->videoSettings().first()->bitRate(), 3333);
+}
+
+TEST_F(OpenList, ALinkThatLedNowhereIsFollowedAgain)
+{
+    ASSERT_TRUE(elsewhere(u"ln -s B.json L.json"_s));
+    EXPECT_TRUE(m_manager->presetWithName(u"L"_s));
+    ASSERT_TRUE(elsewhere(u"ln -s nowhere .t; mv -T .t L.json"_s));
+    EXPECT_FALSE(m_manager->presetWithName(u"L"_s));
+    ASSERT_TRUE(elsewhere(u"ln -s C.json .t; mv -T .t L.json"_s));
+    EXPECT_TRUE(m_manager->presetWithName(u"L"_s));
+}
+
 TEST(FolderStories, APresetAddedBeforeTheFolderIsReadLeavesItsFilesAlone)
 {
     LiveStore store;

@@ -190,6 +190,15 @@ TEST(Saving, ARefusedWriteLeavesTheOldFile)
             EXPECT_EQ(store.logOf("Error"_L1), QStringList{u"Error writing preset A: "_s + c.reason});
             EXPECT_EQ(store.onDisk("A")->videoSettings().first()->bitRate(), 4500);
             EXPECT_TRUE(waitFor([&] { return manager->hasUnsavedEdits(a); }));
+            if (c.fill) { // a rename that had to wait takes the old file away when it gets through
+                EXPECT_TRUE(manager->rename(a, u"A"_s, u"B"_s));
+                EXPECT_TRUE(waitFor([&] { return !manager->hasPendingSaves(); }));
+                EXPECT_TRUE(store.onDisk("A"));
+                ASSERT_TRUE(store.runElsewhere(u"rm filler"_s));
+                manager->save(a);
+                manager->waitForFileTasks();
+                EXPECT_EQ(store.fileNames(), QStringList{u"B.json"_s});
+            }
         }
         EXPECT_EQ(::umount(folder.c_str()), 0);
     }
