@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What a host does with a preset: read its file and hand the values to its own encoders.
-#include "VantlePresets/model/PresetFactory.h"
+// A host without a window: takes a preset of the machine's by name and hands its values to the encoders.
+#include "VantlePresets/store/PresetsManager.h"
 
-#include <QtCore/QString>
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
 
 #include <cstdio>
 
@@ -21,25 +23,45 @@ void configureAudio(const vantle::AudioSettings &track)
                 track.bitRate(), qUtf8Printable(track.language()), track.isDefault() ? "  default" : "");
 }
 
+/// The process's exit code.
+int configureEncoders(const vantle::PresetsManager &manager, const QString &name)
+{
+    const auto preset = manager.presetWithName(name);
+    if (!preset) {
+        std::fprintf(stderr, "encoder_settings: no preset named %s\n", qUtf8Printable(name));
+        return 1;
+    }
+    std::printf("%s (%s)\n", qUtf8Printable(preset->name()),
+                qUtf8Printable(vantle::displayName(preset->type())));
+    for (const auto &video : preset->videoSettings())
+        configureVideo(*video);
+    for (const auto &track : preset->audioSettings())
+        configureAudio(*track);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 2) {
-        std::fputs("usage: encoder_settings PRESET.json\n", stderr);
-        return 2;
-    }
-    try {
-        const auto preset = vantle::readPresetFile(argv[1]);
-        std::printf("%s (%s)\n", qUtf8Printable(preset->name()),
-                    qUtf8Printable(vantle::displayName(preset->type())));
-        for (const auto &video : preset->videoSettings())
-            configureVideo(*video);
-        for (const auto &track : preset->audioSettings())
-            configureAudio(*track);
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
-        return 1;
-    }
-    return 0;
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser options;
+    options.addHelpOption();
+    options.addOption({QStringLiteral("data-dir"), QStringLiteral("Folder that stands in for /var/lib"),
+                       QStringLiteral("DIR"), QStringLiteral("/var/lib")});
+    options.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("The preset"));
+    options.process(application);
+    if (options.positionalArguments().size() != 1)
+        options.showHelp(2);
+
+    // Nothing is in the list before the folder has been read, which needs the event loop.
+    vantle::PresetsManager manager([&] { return QStringList{options.value(QStringLiteral("data-dir"))}; });
+    const auto configureAndQuit = [&] {
+        QCoreApplication::exit(configureEncoders(manager, options.positionalArguments().first()));
+    };
+    if (manager.presetsFolderURL())
+        QObject::connect(&manager, &vantle::PresetsManager::didLoad, &manager, configureAndQuit);
+    else
+        QTimer::singleShot(0, &manager, configureAndQuit);
+    return QCoreApplication::exec();
 }

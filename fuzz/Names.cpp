@@ -119,7 +119,9 @@ void run(QByteArrayView input)
 
     PresetIndex index;
     const auto middle = entries.begin() + static_cast<std::ptrdiff_t>(entries.size() / 2);
-    index.merge({entries.begin(), middle});
+    PresetIndex::Entries first(entries.begin(), middle);
+    PresetIndex::sort(first);
+    index.merge(std::move(first));
     for (auto entry = middle; entry != entries.end(); ++entry)
         index.insert(index.insertionRow(**entry), *entry);
     checkIndex(index, entries);

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
+#include "watchfolder/FileTime.h"
+
 #include <cstdint>
 #include <optional>
 #include <system_error>
 
 namespace vantle {
-
-using FileTime = std::chrono::sys_time<std::chrono::nanoseconds>;
 
 /// What one statx says about a path. A link is described itself, never its target.
 struct FileState

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
 #include "watchfolder/VRXWatchFolderEvent.h"
 
 #include <chrono>
@@ -22,23 +23,27 @@ enum class WatchBackend {
 ///
 /// start() is called once, on the thread whose event loop gets the callback. All other functions may be
 /// called from any thread. After stop() no callback begins.
-class FileSystemEventStream
+class VANTLE_WATCHFOLDER_EXPORT FileSystemEventStream
 {
 public:
+    /// Gets a batch of events, on the event loop of the thread that called start().
     using Callback = std::function<void(std::vector<VRXWatchFolderEvent>)>;
 
+    /// What a stream is made for.
     struct Configuration
     {
         /// Without a slash at its end.
         std::string folder;
         /// How long events are collected before the callback gets them.
         std::chrono::milliseconds latency{1000};
-        Callback callback;
+        Callback callback; ///< gets the events
     };
 
     virtual ~FileSystemEventStream() = default;
 
+    /// Begins to watch the folder; an error when that is not possible.
     virtual std::error_code start() = 0;
+    /// Ends the callbacks; may be called more than once.
     virtual void stop() = 0;
 
     /// Adds a directory below the folder; the folder itself is watched from the start. The descriptor is open
@@ -51,17 +56,20 @@ public:
 
     /// True when events that this process alone caused carry OwnEvent.
     virtual bool tellsOwnEvents() const = 0;
+    /// Never Automatic.
     virtual WatchBackend backend() const = 0;
+    /// For debugging output.
     virtual QString description() const = 0;
 };
 
+/// Makes and starts a stream. Null, with the error, when that is not possible.
 using EventStreamFactory = std::function<std::shared_ptr<FileSystemEventStream>(
     const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &)>;
 
 /// Makes and starts a kernel event stream. None, with the error, when that is not possible.
-std::shared_ptr<FileSystemEventStream> startKernelEventStream(const FileSystemEventStream::Configuration &,
-                                                              WatchBackend, std::error_code &error);
+VANTLE_WATCHFOLDER_EXPORT std::shared_ptr<FileSystemEventStream>
+startKernelEventStream(const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &error);
 
-QString backendName(WatchBackend backend);
+VANTLE_WATCHFOLDER_EXPORT QString backendName(WatchBackend backend);
 
 } // namespace vantle

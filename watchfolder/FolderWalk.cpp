@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <thread>
 #include <vector>
 
 namespace vantle {
@@ -30,6 +31,52 @@ DirectoryStream openDirectory(const std::string &path, bool isFolderItself, std:
     if (!stream)
         error.assign(errno, std::system_category());
     return stream;
+}
+
+struct Entry
+{
+    std::string name;
+    std::optional<FileState> state;
+    std::error_code error; ///< why there is no state
+};
+
+constexpr std::size_t kEntriesAtOnce = 4096;
+constexpr std::size_t kEntriesForTwoThreads = 512; ///< fewer cost less than a thread
+
+/// Appends names of the directory, hidden ones left out; false at its end.
+bool readNames(DIR *stream, std::vector<Entry> &entries, std::error_code &error)
+{
+    while (entries.size() < kEntriesAtOnce) {
+        errno = 0;
+        const dirent *entry = readdir(stream);
+        if (entry == nullptr) {
+            error.assign(errno, std::system_category());
+            return false;
+        }
+        if (entry->d_name[0] != '.') // nor the directory and its parent
+            entries.push_back({entry->d_name, std::nullopt, {}});
+    }
+    return true;
+}
+
+void readStates(int directory, std::vector<Entry> &entries)
+{
+    const auto readSome = [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i)
+            entries[i].state =
+                readFileState(directory, entries[i].name.c_str(), Follow::No, entries[i].error);
+    };
+    std::size_t own = entries.size();
+    std::jthread helper;
+    if (entries.size() >= kEntriesForTwoThreads && std::thread::hardware_concurrency() > 1) {
+        try {
+            helper = std::jthread(readSome, entries.size() / 2, entries.size());
+            own = entries.size() / 2;
+        } catch (const std::system_error &) {
+            // No more threads: this one does it all.
+        }
+    }
+    readSome(0, own);
 }
 
 class Walk
@@ -71,33 +118,33 @@ private:
 
     bool readEntries(DIR *stream, const std::string &directory, const std::string &path)
     {
-        while (true) {
-            errno = 0;
-            const dirent *entry = readdir(stream);
-            if (entry == nullptr)
-                break;
-            if (entry->d_name[0] == '.')
-                continue; // hidden, or the directory and its parent
-            if (++m_entries % 1024 == 0 && m_visitor.cancelled())
+        std::vector<Entry> entries;
+        for (bool isMore = true; isMore;) {
+            if (m_visitor.cancelled())
                 return false;
-            if (!readEntry(stream, directory, entry->d_name))
-                return false;
+            entries.clear();
+            std::error_code error;
+            isMore = readNames(stream, entries, error);
+            readStates(dirfd(stream), entries);
+            for (const Entry &entry : entries) {
+                if (!visit(directory, entry))
+                    return false;
+            }
+            if (error && !saysMissing(error))
+                return m_visitor.shouldContinue(error, path);
         }
-        const std::error_code error(errno, std::system_category());
-        return !error || saysMissing(error) || m_visitor.shouldContinue(error, path);
+        return true;
     }
 
-    bool readEntry(DIR *stream, const std::string &directory, const char *name)
+    bool visit(const std::string &directory, const Entry &entry)
     {
-        std::error_code error;
-        const auto state = readFileState(dirfd(stream), name, Follow::No, error);
-        if (!state && saysMissing(error))
+        if (!entry.state && saysMissing(entry.error))
             return true;
-        m_visitor.found(directory, {name, std::strlen(name)}, state);
-        if (!state)
-            return m_visitor.shouldContinue(error, m_folder + '/' + joinPath(directory, name));
-        if (state->isDirectory && (m_options & SkipSubdirectoryDescendants) == 0)
-            m_toRead.push_back(joinPath(directory, name));
+        m_visitor.found(directory, entry.name, entry.state);
+        if (!entry.state)
+            return m_visitor.shouldContinue(entry.error, m_folder + '/' + joinPath(directory, entry.name));
+        if (entry.state->isDirectory && (m_options & SkipSubdirectoryDescendants) == 0)
+            m_toRead.push_back(joinPath(directory, entry.name));
         return true;
     }
 
@@ -105,7 +152,6 @@ private:
     const unsigned m_options;
     FolderWalkVisitor &m_visitor;
     std::vector<std::string> m_toRead;
-    unsigned long m_entries = 0;
 };
 
 } // namespace

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <QString>
 #include <QUrl>
 
 #include <string>
 #include <string_view>
 
-// Inside the watcher a path is what the kernel says: bytes, which need not be UTF-8.
+// Inside the watcher a path is what the kernel says: bytes, which need not be UTF-8. Not installed: what is
+// exported here is for the presets library alone.
 namespace vantle {
 
 /// The bytes of a path; empty when the text can't be encoded.
@@ -19,7 +22,7 @@ QString displayPath(std::string_view path);
 QUrl urlForNativePath(std::string_view path);
 
 /// The path of a file URL, byte for byte.
-std::string nativePathOfUrl(const QUrl &url);
+VANTLE_WATCHFOLDER_EXPORT std::string nativePathOfUrl(const QUrl &url);
 
 struct SplitPath
 {
@@ -28,7 +31,7 @@ struct SplitPath
 };
 
 /// Splits at the last slash; a path without one has the empty directory.
-SplitPath splitPath(std::string_view path);
+VANTLE_WATCHFOLDER_EXPORT SplitPath splitPath(std::string_view path);
 
 std::string joinPath(std::string_view directory, std::string_view name);
 

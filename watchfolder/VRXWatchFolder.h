@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+#include "watchfolder/QualityOfService.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 #include "watchfolder/VRXWatchFolderItem.h"
 #include "watchfolder/WatchFolderEnvironment.h"
 #include "watchfolder/WatchFolderError.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <QHash>
 #include <QSet>
@@ -34,7 +35,7 @@ class WatchFolderCore;
 /// those of its child processes are. With either backend, changes made through performOwnChange are not. What
 /// can't be told (after an overflow of the kernel's queue, or in a directory that was new at the time) is
 /// reported.
-class VRXWatchFolder final
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolder final
 {
 public:
     /// Not deep, one second of latency, no filters.
@@ -49,6 +50,8 @@ public:
     VRXWatchFolder(const VRXWatchFolder &) = delete;
     VRXWatchFolder &operator=(const VRXWatchFolder &) = delete;
 
+    /// @{
+    /// What is watched, and what of it is looked at.
     QString folderPath() const { return m_folderPath; }
     bool deepWatch() const;
     double latency() const { return m_latency; }
@@ -56,19 +59,27 @@ public:
     QStringList extensionFilter() const;
     QStringList propertiesToFetch() const;
     unsigned enumerationOptions() const;
+    /// @}
     /// True from the end of the first inventory until stopWatching.
     bool isWatchingPath() const;
 
+    /// For people and debugging output.
     QString displayName() const;
+    /// For people and debugging output.
     void setDisplayName(const QString &name);
+    /// Null when it is gone.
     std::shared_ptr<VRXWatchFolderDelegate> delegate() const;
+    /// The delegate is held weakly.
     void setDelegate(std::weak_ptr<VRXWatchFolderDelegate> delegate);
     /// Takes effect when watching starts, like setBackend.
     bool ignoreSelf() const;
+    /// See the class; set at first.
     void setIgnoreSelf(bool ignore);
     /// Utility makes the working queue give way to other threads. To be set before the first start.
     QualityOfService qualityOfService() const;
+    /// See qualityOfService().
     void setQualityOfService(QualityOfService qualityOfService);
+    /// Which event source to use; Automatic at first.
     void setBackend(WatchBackend backend);
     /// The one that runs; Automatic while none does.
     WatchBackend backend() const;
@@ -86,6 +97,7 @@ public:
     void cancel();
     /// Makes a running enumeration stop early; reset by startWatching.
     bool cancelRequested() const;
+    /// See cancelRequested().
     void setCancelRequested(bool requested);
 
     /// Calls done on the working queue once everything that changed before this call has been reported,
@@ -99,19 +111,25 @@ public:
     void performOwnChange(const QString &path, const std::function<void()> &change);
     /// Compares a directory at or below the folder with the inventory, in the background.
     void forceChangesCheckingAtPath(const QString &path);
+    /// The same for several directories.
     void checkChangesAtPaths(const QSet<QString> &paths);
 
     /// What the inventory knows about an absolute path.
     std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;
+    /// Whether the inventory has an item at an absolute path.
     bool hasItemAtPath(const QString &path) const;
+    /// All items of the inventory, in no order.
     QList<QUrl> URLs() const;
     /// The paths of URLs() in the file system's bytes, for clients that read many files.
     std::vector<std::string> nativePaths() const;
+    /// The items by their paths.
     QHash<QString, QUrl> URLsDictionary() const;
+    /// The items by their paths.
     QHash<QString, VRXWatchFolderItem> pathToItemsDictionary() const;
     /// True when the filters refuse the item.
     bool shouldIgnoreURL(const QUrl &url) const;
 
+    /// See fileSystemTypeName().
     static std::optional<QString> fsTypeNameFromPath(const QString &path);
 
 private:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <QList>
 #include <QUrl>
 
@@ -16,7 +18,7 @@ class VRXWatchFolder;
 /// watchFolderFileFinderInfoChangedAtURL runs on the main thread. A callback may call any operation of the
 /// watcher, stopWatching and its destruction included. The watcher holds its delegate weakly; while a
 /// callback runs the delegate can't go away, and a last reference is let go of on the main thread.
-class VRXWatchFolderDelegate
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderDelegate
 {
 public:
     virtual ~VRXWatchFolderDelegate() = default;
@@ -24,6 +26,7 @@ public:
     /// An item appeared. Not sent for what the first inventory finds, nor for a new file that its writer has
     /// not closed.
     virtual void watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
+    /// An item is gone.
     virtual void watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
     /// An item's modification date changed. A rewrite that keeps the date is not reported.
     virtual void watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
@@ -33,6 +36,7 @@ public:
                                                             const QList<QUrl> & /*deleted*/)
     {
     }
+    /// Not sent by the event sources of Linux, which know no such change.
     virtual void watchFolderFileFinderInfoChangedAtURL(VRXWatchFolder *, const QUrl &) {}
     /// The folder is not at its path any more; once per disappearance, before its items are removed.
     virtual void watchFolderBecameUnreachable(VRXWatchFolder *) {}

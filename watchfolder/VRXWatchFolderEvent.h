@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <QString>
 
 #include <string>
@@ -33,19 +35,24 @@ enum WatchFolderEventFlag : quint32 {
 };
 
 /// One event of a stream: a hint that something happened at a path, with all flags collected in one window.
-class VRXWatchFolderEvent
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderEvent
 {
 public:
+    /// See the queries; flags are WatchFolderEventFlag joined.
     VRXWatchFolderEvent(std::string path, quint64 fileID, quint32 flags, quint64 id);
 
+    /// The path as text.
     QString path() const;
     /// The path as the kernel spells it; it need not be UTF-8.
     const std::string &nativePath() const { return m_path; }
     /// The inode number; 0 when the event source does not tell.
     quint64 fileID() const { return m_fileID; }
+    /// WatchFolderEventFlag joined.
     quint32 flags() const { return m_flags; }
+    /// Rises from event to event of a stream.
     quint64 Id() const { return m_id; }
 
+    /// Whether any of the flags is set.
     bool has(quint32 flag) const { return (m_flags & flag) != 0; }
 
     /// The names of the set flags, each with a leading blank, in the order of the bits.

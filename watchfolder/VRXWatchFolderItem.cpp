@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/VRXWatchFolderItem.h"
 
+#include "watchfolder/FileState.h"
 #include "watchfolder/NativePath.h"
 
 #include <QDebug>

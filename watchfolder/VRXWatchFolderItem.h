@@ -1,37 +1,51 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "watchfolder/FileState.h"
+#include "watchfolder/Export.h"
+#include "watchfolder/FileTime.h"
 
 #include <QString>
 #include <QUrl>
 
+#include <optional>
+
 namespace vantle {
 
+struct FileState;
+
 /// One file or directory as the inventory knows it: a value, without any tie to the watcher.
-class VRXWatchFolderItem
+class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderItem
 {
 public:
     /// Reads the item's state; what can't be read is logged and stays absent.
     explicit VRXWatchFolderItem(const QUrl &fileURL);
+    /// With a state that was read before.
     VRXWatchFolderItem(QUrl fileURL, const std::optional<FileState> &state);
 
+    /// The file URL of the item.
     QUrl URL() const { return m_url; }
+    /// The path of the URL.
     QString path() const;
+    /// False when the state could not be read.
     bool isDirectory() const { return m_isDirectory; }
 
     /// To the nanosecond; absent when it could not be read.
     std::optional<FileTime> lastModificationDate() const { return m_modified; }
+    /// For inventories that have read it anew.
     void setLastModificationDate(std::optional<FileTime> date) { m_modified = date; }
 
     /// In bytes; 0 when the state could not be read.
     quint64 size() const { return m_size; }
+    /// 0 when the state could not be read.
     quint64 inode() const { return m_inode; }
+    /// 0 when the state could not be read.
     quint32 device() const { return m_device; }
 
     /// Designates the file by device and inode; for debugging output.
     QUrl fileReferenceURL() const;
+    /// The same for two names of one file.
     QString uniqueID() const;
+    /// For logs.
     QString debugDescription() const;
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
 #include "watchfolder/FileSystemEventStream.h"
 
 #include <optional>
@@ -8,7 +9,7 @@
 namespace vantle {
 
 /// What a watcher takes from the system, replaceable one by one.
-struct WatchFolderEnvironment
+struct VANTLE_WATCHFOLDER_EXPORT WatchFolderEnvironment
 {
     /// Destroying it ends the repetition. It may be destroyed on any thread.
     using Timer = std::shared_ptr<void>;
@@ -17,13 +18,15 @@ struct WatchFolderEnvironment
     std::function<std::optional<QString>(const QString &path)> fileSystemTypeName;
     /// Calls a function on the main thread again and again.
     std::function<Timer(std::chrono::milliseconds interval, std::function<void()> tick)> startTimer;
+    /// Makes and starts the event source.
     EventStreamFactory startStream;
 
+    /// The real one.
     static WatchFolderEnvironment system();
 };
 
 /// None when the path is longer than 1,024 bytes or nothing is known about its volume. Volumes of the SMB
 /// family are "smbfs", "smb2" and "cifs".
-std::optional<QString> fileSystemTypeName(const QString &path);
+VANTLE_WATCHFOLDER_EXPORT std::optional<QString> fileSystemTypeName(const QString &path);
 
 } // namespace vantle

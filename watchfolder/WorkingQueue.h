@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/QualityOfService.h"
+
 #include <atomic>
 #include <functional>
 #include <memory>
 
 namespace vantle {
-
-/// How urgent the work of a queue is; the numbers are those of the system's quality-of-service classes.
-enum class QualityOfService {
-    UserInteractive = 33,
-    UserInitiated = 25,
-    Default = 21,
-    Utility = 17,
-    Background = 9,
-};
 
 /// Runs operations one at a time, in order, on a thread of its own. All functions may be called from any
 /// thread, the queue's own included: an operation never waits for itself.

@@ -18,15 +18,17 @@ namespace vantle {
 template <class Enumeration, std::size_t Size>
 struct EnumerationTable
 {
+    /// A value and its display string.
     struct Case
     {
-        Enumeration value;
-        QLatin1StringView text;
+        Enumeration value;      ///< the case
+        QLatin1StringView text; ///< its display string
     };
 
-    const char *unexpectedValue; ///< the fault's text when a value is none of the cases
-    std::array<Case, Size> cases;
+    const char *unexpectedValue;  ///< the fault's text when a value is none of the cases
+    std::array<Case, Size> cases; ///< in the order of the enumeration
 
+    /// In the order of the cases.
     [[nodiscard]] QList<Enumeration> values() const
     {
         QList<Enumeration> result;
@@ -35,6 +37,7 @@ struct EnumerationTable
         return result;
     }
 
+    /// In the order of the cases.
     [[nodiscard]] QList<int> rawValues() const
     {
         QList<int> result;
@@ -43,6 +46,7 @@ struct EnumerationTable
         return result;
     }
 
+    /// In the order of the cases.
     [[nodiscard]] QStringList texts() const
     {
         QStringList result;
@@ -51,6 +55,7 @@ struct EnumerationTable
         return result;
     }
 
+    /// Nothing when the number is none of the cases.
     [[nodiscard]] std::optional<Enumeration> fromRawValue(qint64 rawValue) const
     {
         for (const Case &c : cases) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QObject>
 
 #include <utility>
@@ -17,7 +19,7 @@ namespace vantle {
 /// Records are held by std::shared_ptr and have no QObject parent. They belong to one thread, for a
 /// listed record the main thread; one that was decoded elsewhere is moved there first. A slot must not
 /// drop the last reference to the record that is calling it.
-class ObservableRecord : public QObject
+class VANTLE_PRESETS_EXPORT ObservableRecord : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ObservableRecord)

@@ -19,9 +19,10 @@ QDir ownFolder()
 {
     Dl_info info = {};
     const auto address = reinterpret_cast<const void *>(&ownFolder);
-    // A program's own entry can be the bare name that it was started with.
+    // A program's own entry can be the bare name that it was started with, and the loader may have come to a
+    // library by a link (/lib for /usr/lib).
     if (dladdr(address, &info) != 0 && info.dli_fname && QByteArrayView(info.dli_fname).contains(".so"))
-        return QFileInfo(QFile::decodeName(info.dli_fname)).dir();
+        return QFileInfo(QFileInfo(QFile::decodeName(info.dli_fname)).canonicalFilePath()).dir();
     return QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).dir();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
@@ -11,7 +13,8 @@ namespace vantle {
 /// first call; when it is missing the process stops. Callable from any thread.
 [[nodiscard]] const QString &resourceBundlePath();
 
-/// The bytes of a picture in SVG format; empty when the bundle has none of the name.
-[[nodiscard]] QByteArray resourceImage(const QString &name);
+/// The bytes of a picture in SVG format; empty when the bundle has none of the name. Exported for the editor
+/// alone: this header is not installed.
+[[nodiscard]] VANTLE_PRESETS_EXPORT QByteArray resourceImage(const QString &name);
 
 } // namespace vantle

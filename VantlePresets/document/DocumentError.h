@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QString>
 
 #include <stdexcept>
@@ -8,14 +10,16 @@
 namespace vantle {
 
 /// Why a preset document can't be read: a reason, and the place that it concerns.
-class DecodingError : public std::runtime_error
+class VANTLE_PRESETS_EXPORT DecodingError : public std::runtime_error
 {
 public:
+    /// See place() and description().
     DecodingError(const QString &place, const QString &description);
 
     /// A key path ("videoSettings[1].codec"), "line 12, column 7" for text that is not JSON, or "" for
     /// the document as a whole. Columns count characters, both numbers from 1.
     [[nodiscard]] const QString &place() const noexcept { return m_place; }
+    /// What is wrong there, without the place.
     [[nodiscard]] const QString &description() const noexcept { return m_description; }
 
     /// Place and description as people read them: "portNumber: expected an integer, found a string".
@@ -28,7 +32,7 @@ private:
 };
 
 /// Why a record can't be written as JSON; in practice a frame rate that is infinite or not a number.
-class EncodingError : public std::runtime_error
+class VANTLE_PRESETS_EXPORT EncodingError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;

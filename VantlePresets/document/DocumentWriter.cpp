@@ -3,6 +3,7 @@
 
 #include "VantlePresets/document/DocumentError.h"
 
+#include <QtCore/QHashFunctions>
 #include <QtCore/QStringEncoder>
 #include <QtCore/QVarLengthArray>
 
@@ -10,11 +11,17 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <cmath>
 #include <cstring>
 #include <string>
 
 namespace vantle::document {
 namespace {
+
+[[noreturn]] void refuseNumber(const char *name)
+{
+    throw EncodingError(std::string(name) + ": not a finite number");
+}
 
 template <class JsonWriter>
 class WriterOf final : public DocumentWriter
@@ -39,7 +46,7 @@ public:
     {
         key(name);
         if (!m_json.Double(value))
-            throw EncodingError(std::string(name) + ": not a finite number");
+            refuseNumber(name);
     }
 
     void boolean(const char *name, bool value) override
@@ -51,6 +58,11 @@ public:
     void string(const char *name, QStringView value) override
     {
         key(name);
+        string(value);
+    }
+
+    void string(QStringView value) override
+    {
         QStringEncoder toUtf8(QStringConverter::Utf8);
         QVarLengthArray<char, 512> bytes(toUtf8.requiredSpace(value.size()));
         const char *const end = toUtf8.appendToBuffer(bytes.data(), value);
@@ -73,6 +85,77 @@ private:
     JsonWriter m_json{m_buffer};
 };
 
+/// Gathers tokens, each behind a mark of its kind and of a length that its bytes tell, and hashes them.
+class HashingWriter final : public DocumentWriter
+{
+public:
+    void beginObject() override { add('{'); }
+    void endObject() override { add('}'); }
+    void beginArray() override { add('['); }
+    void endArray() override { add(']'); }
+    void key(const char *name) override { addBytes('k', name, std::strlen(name)); }
+
+    void integer(const char *name, qint64 value) override
+    {
+        key(name);
+        addBytes('i', &value, sizeof value);
+    }
+
+    void number(const char *name, double value) override
+    {
+        if (!std::isfinite(value))
+            refuseNumber(name);
+        key(name);
+        addBytes('n', &value, sizeof value);
+    }
+
+    void boolean(const char *name, bool value) override
+    {
+        key(name);
+        add(value ? 't' : 'f');
+    }
+
+    void string(const char *name, QStringView value) override
+    {
+        key(name);
+        string(value);
+    }
+
+    void string(QStringView value) override
+    {
+        if (value.isValidUtf16())
+            addText(value);
+        else // lone surrogates, which the text does not tell apart
+            addText(QString::fromUtf8(value.toUtf8()));
+    }
+
+    void integers(const char *name, const QList<qint64> &values) override
+    {
+        key(name);
+        addBytes('a', values.constData(), static_cast<std::size_t>(values.size()) * sizeof(qint64));
+    }
+
+    std::size_t hash() const
+    {
+        return qHashBits(m_tokens.constData(), static_cast<std::size_t>(m_tokens.size()));
+    }
+
+private:
+    void add(char mark) { m_tokens.append(mark); }
+    void addText(QStringView text)
+    {
+        addBytes('s', text.utf16(), static_cast<std::size_t>(text.size()) * sizeof(char16_t));
+    }
+    void addBytes(char mark, const void *bytes, std::size_t size)
+    {
+        add(mark);
+        m_tokens.append(reinterpret_cast<const char *>(&size), sizeof size);
+        m_tokens.append(static_cast<const char *>(bytes), static_cast<qsizetype>(size));
+    }
+
+    QVarLengthArray<char, 4096> m_tokens;
+};
+
 template <class Writer>
 QByteArray encodeWith(const std::function<void(DocumentWriter &)> &write)
 {
@@ -88,6 +171,13 @@ QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &wr
     using Compact = WriterOf<rapidjson::Writer<rapidjson::StringBuffer>>;
     using Pretty = WriterOf<rapidjson::PrettyWriter<rapidjson::StringBuffer>>;
     return format == Format::pretty ? encodeWith<Pretty>(write) : encodeWith<Compact>(write);
+}
+
+std::size_t hashOf(const std::function<void(DocumentWriter &)> &write)
+{
+    HashingWriter writer;
+    write(writer);
+    return writer.hash();
 }
 
 } // namespace vantle::document

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/document/DocumentFormat.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -8,11 +10,6 @@
 #include <functional>
 
 namespace vantle::document {
-
-enum class Format {
-    compact, ///< no white space
-    pretty,  ///< line breaks and an indentation of four blanks
-};
 
 /// Writes one JSON text, members in the order of the calls. Keys are literals of the caller's.
 class DocumentWriter
@@ -33,6 +30,8 @@ public:
     virtual void boolean(const char *name, bool value) = 0;
     /// A lone surrogate, which UTF-8 cannot hold, is written as U+FFFD.
     virtual void string(const char *name, QStringView value) = 0;
+    /// An element of the array that is open.
+    virtual void string(QStringView value) = 0;
     virtual void integers(const char *name, const QList<qint64> &values) = 0;
 
 protected:
@@ -43,5 +42,9 @@ protected:
 
 /// The UTF-8 text of what `write` writes. Passes on what it throws.
 [[nodiscard]] QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &write);
+
+/// A hash of what `write` writes: equal for equal texts, without making the text. Of this process only, not
+/// to be stored. Passes on what `write` throws.
+[[nodiscard]] std::size_t hashOf(const std::function<void(DocumentWriter &)> &write);
 
 } // namespace vantle::document

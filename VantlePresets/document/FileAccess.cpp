@@ -113,35 +113,22 @@ void requireRegular(const struct stat &status)
 
 /// Opens a file for reading; a socket, and any device that a link leads to, is refused without opening it,
 /// which can have effects of its own.
-int openRegular(const std::filesystem::path &path)
+int openRegular(int folder, const char *path)
 {
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const int direct = ::open(path.c_str(), kFlags | O_NOFOLLOW);
+    const int direct = ::openat(folder, path, kFlags | O_NOFOLLOW);
     if (direct >= 0)
         return direct;
     struct stat status = {};
-    checked([&] { return ::stat(path.c_str(), &status); });
+    checked([&] { return ::fstatat(folder, path, &status, 0); });
     requireRegular(status);
-    return checked([&] { return ::open(path.c_str(), kFlags); });
+    return checked([&] { return ::openat(folder, path, kFlags); });
 }
 
-} // namespace
-
-std::error_code make_error_code(FileFault fault)
-{
-    static const FileFaultCategory category;
-    return {static_cast<int>(fault), category};
-}
-
-std::filesystem::path fileSystemPath(const QString &path)
-{
-    return path.toStdString();
-}
-
-QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
+QByteArray readRegular(int folder, const char *path, FileStamp *stamp)
 {
     struct stat status = {};
-    const Descriptor file(openRegular(path));
+    const Descriptor file(openRegular(folder, path));
     checked([&] { return ::fstat(file.get(), &status); });
     requireRegular(status);
     if (stamp)
@@ -170,6 +157,42 @@ QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
     return content;
 }
 
+} // namespace
+
+std::error_code make_error_code(FileFault fault)
+{
+    static const FileFaultCategory category;
+    return {static_cast<int>(fault), category};
+}
+
+std::filesystem::path fileSystemPath(const QString &path)
+{
+    return path.toStdString();
+}
+
+QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
+{
+    return readRegular(AT_FDCWD, path.c_str(), stamp);
+}
+
+FolderReader::FolderReader(const std::filesystem::path &folder)
+    : m_prefix(folder.string() + '/'), m_folder(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+{
+}
+
+FolderReader::~FolderReader()
+{
+    if (m_folder >= 0)
+        ::close(m_folder);
+}
+
+QByteArray FolderReader::read(const std::string &path, FileStamp *stamp) const
+{
+    const bool isBelow = m_folder >= 0 && path.starts_with(m_prefix);
+    return isBelow ? readRegular(m_folder, path.c_str() + m_prefix.size(), stamp)
+                   : readRegular(AT_FDCWD, path.c_str(), stamp);
+}
+
 std::optional<FileStamp> stampOf(const std::filesystem::path &path)
 {
     struct stat status = {};
@@ -183,7 +206,7 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
     writeAll(file.get(), content);
 }
 
-StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content)
+StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access)
     : m_targetName(target.filename().string())
 {
     if (m_targetName.empty() || m_targetName == "." || m_targetName == ".." ||
@@ -192,7 +215,7 @@ StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView conte
     const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
     try {
         m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-        createTemporary();
+        createTemporary(access);
         writeAll(m_file, content);
         checked([&] { return ::fsync(m_file); });
     } catch (...) {
@@ -206,13 +229,13 @@ StagedFile::~StagedFile()
     discard();
 }
 
-void StagedFile::createTemporary()
+void StagedFile::createTemporary(Access access)
 {
     struct stat old = {};
     const bool replaces =
         ::fstatat(m_folder, m_targetName.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
     // A replaced file's permissions are set once owner and group stand, never wider in between.
-    const mode_t mode = replaces ? 0600 : 0666;
+    const mode_t mode = replaces || access == Access::ownerOnly ? 0600 : 0666;
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
         m_temporaryName = temporaryName();
@@ -229,7 +252,7 @@ void StagedFile::createTemporary()
     }
     if (m_file < 0)
         throw std::system_error(std::make_error_code(std::errc::file_exists));
-    if (replaces)
+    if (replaces && access == Access::asBefore)
         adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
 }
 

@@ -55,6 +55,24 @@ struct FileStamp
 /// The stamp, when wanted, is taken before the content.
 [[nodiscard]] QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp = nullptr);
 
+/// Reads many files of one folder as readFile() does, without looking the folder up each time. Callable from
+/// any thread, from several at once.
+class FolderReader
+{
+public:
+    /// Never throws: a folder that can't be opened is met again at each file.
+    explicit FolderReader(const std::filesystem::path &folder);
+    ~FolderReader();
+    FolderReader(const FolderReader &) = delete;
+    FolderReader &operator=(const FolderReader &) = delete;
+
+    [[nodiscard]] QByteArray read(const std::string &path, FileStamp *stamp = nullptr) const;
+
+private:
+    std::string m_prefix; ///< of the paths below the folder
+    int m_folder;
+};
+
 /// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.
 void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content);
@@ -66,13 +84,16 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 /// target and syncFolder() makes the renaming last, so that readers and power failures find the old content
 /// or the new one, whole. Without a commit the temporary file is removed. A target that exists keeps its
 /// mode, and its owner and group as far as the process may set them; permissions for a group that could not
-/// be kept are dropped. A new file obeys the umask. A link as target is replaced, never followed.
+/// be kept are dropped. A new file obeys the umask. With ownerOnly the file, new or not, is the writer's and
+/// nobody else's. A link as target is replaced, never followed.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile
 {
 public:
-    StagedFile(const std::filesystem::path &target, QByteArrayView content);
+    enum class Access { asBefore, ownerOnly };
+
+    StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access = Access::asBefore);
     ~StagedFile();
     StagedFile(const StagedFile &) = delete;
     StagedFile &operator=(const StagedFile &) = delete;
@@ -86,7 +107,7 @@ public:
     void syncFolder();
 
 private:
-    void createTemporary();
+    void createTemporary(Access access);
     [[nodiscard]] bool lockTemporary() const;
     void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
     void discard() noexcept;

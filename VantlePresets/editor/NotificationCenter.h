@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/Export.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
@@ -12,16 +14,19 @@ inline constexpr QLatin1StringView kFocusPresetsListNotification{"focusPresetsLi
 /// The process-wide notifications between the editor and its host: both may post and observe.
 ///
 /// Main thread only. Observers are called before post() returns.
-class NotificationCenter : public QObject
+class VANTLE_EDITOR_EXPORT NotificationCenter : public QObject
 {
     Q_OBJECT
 
 public:
+    /// The one of the process.
     [[nodiscard]] static NotificationCenter &defaultCenter();
 
+    /// Tells all observers.
     void post(const QString &name);
 
 Q_SIGNALS:
+    /// A notification of any name; observers look for theirs.
     void posted(const QString &name);
 
 private:

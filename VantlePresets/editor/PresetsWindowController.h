@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/Export.h"
+
 #include <QtCore/QObject>
 #include <QtWidgets/QMainWindow>
 
@@ -9,7 +11,7 @@
 namespace vantle {
 
 /// Owns the editor window, which lives as long as the controller. Main thread only.
-class PresetsWindowController : public QObject
+class VANTLE_EDITOR_EXPORT PresetsWindowController : public QObject
 {
     Q_OBJECT
 
@@ -19,6 +21,7 @@ public:
 
     /// Null until a window was set.
     [[nodiscard]] QMainWindow *window() const { return m_window.get(); }
+    /// Destroys the window that it had.
     void setWindow(std::unique_ptr<QMainWindow> window);
 
     /// Brings the window to the front.

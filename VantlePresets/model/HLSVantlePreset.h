@@ -1,18 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 namespace vantle {
 
 /// A preset for HTTP Live Streaming, which has no connection parameters.
-class HLSVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT HLSVantlePreset : public VantlePreset
 {
     Q_OBJECT
 
 public:
+    /// For the static functions that make objects.
     using VantlePreset::VantlePreset;
 
+    /// A new preset with one default rendition and one default track.
     [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withName(const QString &name);
     static std::shared_ptr<HLSVantlePreset> withType(StreamingType type, const QString &name) = delete;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/document/DocumentError.h"
 #include "VantlePresets/model/VantlePreset.h"
 
@@ -12,18 +13,20 @@ namespace vantle {
 
 /// A new preset of the kind with its defaults, as the class of that kind; for the push-to-server kinds
 /// without backup flag and stream key. A kind outside the enumeration stops the process.
-[[nodiscard]] std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name);
+[[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset> makePreset(StreamingType type,
+                                                                             const QString &name);
 
 /// Reads a document of any kind as the class of its kind; an unknown kind reads as HLS. Throws
 /// DecodingError. The name is "Untitled Preset". Callable from any thread, to which the preset belongs.
-[[nodiscard]] std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document);
+[[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document);
 
 /// Reads a preset file of any kind; the preset is named after the file. Throws DecodingError, or
 /// std::system_error when the file can't be read. Callable from any thread, to which the preset belongs.
-[[nodiscard]] std::shared_ptr<VantlePreset> readPresetFile(const std::filesystem::path &path);
+[[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset>
+readPresetFile(const std::filesystem::path &path);
 
 /// Takes over all that the class's document keeps, with the class's own update(). False, without a change,
 /// when the two presets are not of the same class.
-bool updatePreset(VantlePreset &preset, const VantlePreset &source);
+VANTLE_PRESETS_EXPORT bool updatePreset(VantlePreset &preset, const VantlePreset &source);
 
 } // namespace vantle

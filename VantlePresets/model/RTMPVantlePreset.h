@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 namespace vantle {
@@ -10,11 +11,12 @@ namespace vantle {
 /// YouTube and Facebook documents keep isBackup, streamKey and application; RTMP and Wowza documents do
 /// not, so these values last as long as the object only. Login and password are kept, in plain text, while
 /// authenticate is on. None of the four kinds keeps its identifier.
-class RTMPVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT RTMPVantlePreset : public VantlePreset
 {
     Q_OBJECT
 
 public:
+    /// The transport to the server.
     enum class StreamingProtocol : int { rtmp = 1, rtmps = 2, rtspUDP = 3, rtspTCP = 4 };
     Q_ENUM(StreamingProtocol)
 
@@ -34,6 +36,7 @@ private:
 
 public:
     using VantlePreset::update;
+    /// For the static functions that make objects.
     using VantlePreset::VantlePreset;
 
     /// A new preset with its kind's defaults. YouTube and Facebook bring their service's host and
@@ -53,17 +56,25 @@ public:
 
     /// For the host application, which gives it its effect.
     [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    /// A secret that names the stream to the server.
     [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
     /// The server's host name or URL.
     [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    /// RTMP in a new preset.
     [[nodiscard]] StreamingProtocol streamingProtocol() const { return m_streamingProtocol; }
+    /// Any number that the file or the user gave.
     [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    /// Whether the server asks for login and password.
     [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    /// Kept in the file while authenticate() is on.
     [[nodiscard]] const QString &authenticationLogin() const { return m_authenticationLogin; }
+    /// Kept in the file, in plain text, while authenticate() is on.
     [[nodiscard]] const QString &authenticationPassword() const { return m_authenticationPassword; }
     /// The application's name on the server.
     [[nodiscard]] const QString &application() const { return m_application; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setIsBackup(bool isBackup);
     void setStreamKey(const QString &streamKey);
     void setStreamingURL(const QString &url);
@@ -73,11 +84,14 @@ public:
     void setAuthenticationLogin(const QString &login);
     void setAuthenticationPassword(const QString &password);
     void setApplication(const QString &application);
+    /// @}
 
     /// Takes over what the other's document would keep, its name included; shares its settings objects.
     void update(const RTMPVantlePreset &other);
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void isBackupChanged(bool isBackup);
     void streamKeyChanged(const QString &streamKey);
     void streamingURLChanged(const QString &url);
@@ -87,6 +101,7 @@ Q_SIGNALS:
     void authenticationLoginChanged(const QString &login);
     void authenticationPasswordChanged(const QString &password);
     void applicationChanged(const QString &application);
+    /// @}
 
 private:
     void decodeConnection(const document::ObjectReader &root);
@@ -104,19 +119,22 @@ private:
 };
 
 /// The four transports in order, with the strings shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &streamingProtocols();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &
+streamingProtocols();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(RTMPVantlePreset::StreamingProtocol protocol);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(RTMPVantlePreset::StreamingProtocol protocol);
 
 /// The transports for callers that know numbers and texts only.
-class StreamingProtocolHelper
+class VANTLE_PRESETS_EXPORT StreamingProtocolHelper
 {
 public:
     StreamingProtocolHelper() = delete;
 
+    /// In the order of the enumeration.
     [[nodiscard]] static QList<int> allRawValues();
     /// "" for a value that is none of the transports.
     [[nodiscard]] static QString displayName(qint64 rawValue);
+    /// In the order of the enumeration.
     [[nodiscard]] static QStringList allDisplayNames();
 };
 

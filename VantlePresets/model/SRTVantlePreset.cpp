@@ -3,6 +3,7 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentReader.h"
+#include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/document/FileAccess.h"
 
 namespace vantle {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 
 namespace vantle {
@@ -9,7 +10,7 @@ namespace vantle {
 ///
 /// Its document keeps address, port and the authentication flag; isBackup, streamKey and application last
 /// as long as the object only, and the identifier is new whenever the file is read.
-class SRTVantlePreset : public VantlePreset
+class VANTLE_PRESETS_EXPORT SRTVantlePreset : public VantlePreset
 {
     Q_OBJECT
     Q_PROPERTY(bool isBackup READ isBackup WRITE setIsBackup NOTIFY isBackupChanged)
@@ -20,6 +21,7 @@ class SRTVantlePreset : public VantlePreset
     Q_PROPERTY(QString application READ application WRITE setApplication NOTIFY applicationChanged)
 
 public:
+    /// For the static functions that make objects.
     using VantlePreset::VantlePreset;
 
     /// For hosts; no field of the preset, and in no document. Encoded on its own it is its raw value.
@@ -38,21 +40,28 @@ public:
 
     void encode(document::DocumentWriter &writer) const override;
 
+    /// For the host application, which gives it its effect.
     [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    /// For the host application; in no file.
     [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
     /// The server's host name or URL.
     [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
     /// 0 until the user names one.
     [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    /// Whether the server asks for a login, which no file keeps.
     [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    /// For the host application; in no file.
     [[nodiscard]] const QString &application() const { return m_application; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setIsBackup(bool isBackup);
     void setStreamKey(const QString &streamKey);
     void setStreamingURL(const QString &url);
     void setPortNumber(qint64 port);
     void setAuthenticate(bool authenticate);
     void setApplication(const QString &application);
+    /// @}
 
     using VantlePreset::update;
     /// Takes over kind, name, address, port, authentication and lists of an RTMP-family preset; the kind
@@ -62,12 +71,15 @@ public:
     void update(const SRTVantlePreset &other);
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void isBackupChanged(bool isBackup);
     void streamKeyChanged(const QString &streamKey);
     void streamingURLChanged(const QString &url);
     void portNumberChanged(qint64 port);
     void authenticateChanged(bool authenticate);
     void applicationChanged(const QString &application);
+    /// @}
 
 private:
     template <class Preset>
@@ -82,19 +94,21 @@ private:
 };
 
 /// Both modes in order, with their display strings.
-[[nodiscard]] const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(SRTVantlePreset::SRTMode mode);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(SRTVantlePreset::SRTMode mode);
 
 /// The modes for callers that know numbers and texts only.
-class SRTModeHelper
+class VANTLE_PRESETS_EXPORT SRTModeHelper
 {
 public:
     SRTModeHelper() = delete;
 
+    /// In the order of the enumeration.
     [[nodiscard]] static QList<int> allRawValues();
     /// "" for a value that is neither mode.
     [[nodiscard]] static QString displayName(qint64 rawValue);
+    /// In the order of the enumeration.
     [[nodiscard]] static QStringList allDisplayNames();
 };
 

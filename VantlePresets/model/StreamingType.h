@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
 
 namespace vantle {
@@ -9,9 +10,9 @@ namespace vantle {
 enum class StreamingType : int { hls = 1, youTube = 2, rtmp = 3, wowza = 4, facebook = 5, srt = 6 };
 
 /// The six kinds in order, with their labels: shown to users, kept in preset files, names of the icons.
-[[nodiscard]] const EnumerationTable<StreamingType, 6> &streamingTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<StreamingType, 6> &streamingTypes();
 
 /// The label; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(StreamingType type);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(StreamingType type);
 
 } // namespace vantle

@@ -65,11 +65,19 @@ void VantlePreset::encode(document::DocumentWriter &writer) const
 
 QByteArray VantlePreset::encoded(document::Format format) const
 {
-    return document::encode(format, [this](document::DocumentWriter &writer) {
-        writer.beginObject();
-        encode(writer);
-        writer.endObject();
-    });
+    return document::encode(format, [this](document::DocumentWriter &writer) { encodeDocument(writer); });
+}
+
+std::size_t VantlePreset::documentHash() const
+{
+    return document::hashOf([this](document::DocumentWriter &writer) { encodeDocument(writer); });
+}
+
+void VantlePreset::encodeDocument(document::DocumentWriter &writer) const
+{
+    writer.beginObject();
+    encode(writer);
+    writer.endObject();
 }
 
 bool VantlePreset::writeToFileAtPath(const QString &path) const

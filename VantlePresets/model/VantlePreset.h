@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/Export.h"
+#include "VantlePresets/document/DocumentFormat.h"
 #include "VantlePresets/model/StreamingType.h"
 #include "VantlePresets/settings/AudioSettings.h"
 #include "VantlePresets/settings/VideoSettings.h"
@@ -13,6 +14,11 @@
 
 namespace vantle {
 
+namespace document {
+class DocumentWriter;
+class ObjectReader;
+} // namespace document
+
 using VideoSettingsList = QList<std::shared_ptr<VideoSettings>>;
 using AudioSettingsList = QList<std::shared_ptr<AudioSettings>>;
 
@@ -20,9 +26,9 @@ using AudioSettingsList = QList<std::shared_ptr<AudioSettings>>;
 ///
 /// Presets are held by std::shared_ptr, compared by identity, and made by static functions only. Main
 /// thread only, see ObservableRecord. The settings objects may be shared with another preset.
-class VantlePreset : public ObservableRecord,
-                     public AudioSettingsDelegate,
-                     public std::enable_shared_from_this<VantlePreset>
+class VANTLE_PRESETS_EXPORT VantlePreset : public ObservableRecord,
+                                           public AudioSettingsDelegate,
+                                           public std::enable_shared_from_this<VantlePreset>
 {
     Q_OBJECT
     Q_PROPERTY(vantle::StreamingType type READ type WRITE setType)
@@ -36,12 +42,14 @@ class VantlePreset : public ObservableRecord,
     Q_PROPERTY(QUuid id READ id CONSTANT)
 
 protected:
+    /// Keeps callers from making presets that no std::shared_ptr holds.
     struct Key
     {
         explicit Key() = default;
     };
 
 public:
+    /// For the static functions that make objects.
     explicit VantlePreset(Key) {}
 
     /// A new preset with one default rendition and one default track, which is the default track.
@@ -59,14 +67,20 @@ public:
 
     /// The document's UTF-8 text; throws EncodingError.
     [[nodiscard]] QByteArray encoded(document::Format format) const;
+    /// Equal for presets whose documents are equal; throws EncodingError. See document::hashOf().
+    [[nodiscard]] std::size_t documentHash() const;
 
     /// Writes the pretty-printed document where the file stands: not atomic, a failure can leave a part
     /// of it. False when the preset can't be encoded or the file can't be written.
     bool writeToFileAtPath(const QString &path) const;
 
+    /// The kind, which decides how the preset is written.
     [[nodiscard]] StreamingType type() const { return m_type; }
+    /// The preset's file is named after it.
     [[nodiscard]] const QString &name() const { return m_name; }
+    /// In the order of the file.
     [[nodiscard]] const VideoSettingsList &videoSettings() const { return m_videoSettings; }
+    /// In the order of the file.
     [[nodiscard]] const AudioSettingsList &audioSettings() const { return m_audioSettings; }
     /// The track that was marked default last, or null. After PresetFactory's reading it equals a track
     /// of audioSettings() in content but is another object; it may also be one that was removed.
@@ -76,18 +90,23 @@ public:
     }
     /// Kept in the files of some kinds; for the others, new whenever the file is read.
     [[nodiscard]] const QUuid &uuid() const { return m_uuid; }
+    /// The same as uuid().
     [[nodiscard]] const QUuid &id() const { return m_uuid; }
 
     /// The icon of a kind, in SVG format, from the component's bundle; read when asked for.
     [[nodiscard]] static QByteArray imageForPresetType(StreamingType type);
+    /// The icon of the preset's kind.
     [[nodiscard]] QByteArray presetImage() const { return imageForPresetType(m_type); }
 
     /// Not observable.
     void setType(StreamingType type) { m_type = type; }
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setName(const QString &name);
     void setVideoSettings(const VideoSettingsList &settings);
     void setAudioSettings(const AudioSettingsList &settings);
     void setDefaultAudioSettings(const std::shared_ptr<AudioSettings> &track);
+    /// @}
 
     /// Appends a default rendition.
     void newVideoSettings();
@@ -111,10 +130,13 @@ public:
     void audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track, bool isDefault) override;
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void nameChanged(const QString &name);
     void videoSettingsChanged(const vantle::VideoSettingsList &settings);
     void audioSettingsChanged(const vantle::AudioSettingsList &settings);
     void defaultAudioSettingsChanged(const std::shared_ptr<vantle::AudioSettings> &track);
+    /// @}
 
 protected:
     /// Fills a new preset with its kind, its name and one default rendition and track.
@@ -134,9 +156,12 @@ protected:
     /// Takes the kind and the lists of a preset decoded from the same file, without announcing them.
     void takeDecodedBase(const VantlePreset &decoded);
 
+    /// Writes "videoSettings" and "audioSettings".
     void encodeLists(document::DocumentWriter &writer) const;
 
 private:
+    void encodeDocument(document::DocumentWriter &writer) const;
+
     StreamingType m_type = StreamingType::hls;
     QString m_name = QStringLiteral("Untitled Preset");
     VideoSettingsList m_videoSettings;
@@ -146,6 +171,6 @@ private:
 };
 
 /// The name that a preset file gives its preset: the last path component without its last extension.
-[[nodiscard]] QString presetNameFromPath(const QString &path);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString presetNameFromPath(const QString &path);
 
 } // namespace vantle

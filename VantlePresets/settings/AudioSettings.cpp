@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/settings/AudioSettings.h"
 
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/DocumentWriter.h"
 
@@ -29,6 +30,8 @@ quint32 audioCodecFormatID(AudioCodecID codec)
         programmingFault("unexpected AudioCodecID value");
     return 0x61616320; // 'aac '
 }
+
+AudioSettings::AudioSettings(Key) : m_id(newObjectId()) {}
 
 std::shared_ptr<AudioSettings> AudioSettings::create()
 {

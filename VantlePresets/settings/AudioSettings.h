@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
-#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ObservableRecord.h"
 
 #include <QtCore/QUuid>
@@ -19,16 +19,16 @@ class ObjectReader;
 enum class AudioCodecID : int { aacLC = 0 };
 
 /// "AAC LC": shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<AudioCodecID, 1> &audioCodecs();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AudioCodecID, 1> &audioCodecs();
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayValue(AudioCodecID codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayValue(AudioCodecID codec);
 /// The Core Audio format identifier, for AAC LC 'aac ' (1633772320).
-[[nodiscard]] quint32 audioCodecFormatID(AudioCodecID codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT quint32 audioCodecFormatID(AudioCodecID codec);
 
 class AudioSettings;
 
 /// Is told when a track's default flag changes. Held weakly by the track.
-class AudioSettingsDelegate
+class VANTLE_PRESETS_EXPORT AudioSettingsDelegate
 {
 public:
     virtual ~AudioSettingsDelegate() = default;
@@ -39,15 +39,18 @@ public:
 
 protected:
     AudioSettingsDelegate() = default;
+    /// @cond
     AudioSettingsDelegate(const AudioSettingsDelegate &) = default;
     AudioSettingsDelegate &operator=(const AudioSettingsDelegate &) = default;
+    /// @endcond
 };
 
 /// The encoding choices of one audio track of a preset.
 ///
 /// A reference object: presets, forms and the host share it. Main thread only, see ObservableRecord.
 /// Values are stored as they come, unchecked.
-class AudioSettings : public ObservableRecord, public std::enable_shared_from_this<AudioSettings>
+class VANTLE_PRESETS_EXPORT AudioSettings : public ObservableRecord,
+                                            public std::enable_shared_from_this<AudioSettings>
 {
     Q_OBJECT
     Q_PROPERTY(qint64 bitRate READ bitRate WRITE setBitRate NOTIFY bitRateChanged)
@@ -70,7 +73,8 @@ class AudioSettings : public ObservableRecord, public std::enable_shared_from_th
     };
 
 public:
-    explicit AudioSettings(Key) {}
+    /// For the static functions that make objects.
+    explicit AudioSettings(Key);
 
     /// New settings: AAC LC, 128 kbit/s, 44100 Hz, 16 bits, the source's first two channels, "English".
     [[nodiscard]] static std::shared_ptr<AudioSettings> create();
@@ -83,21 +87,27 @@ public:
 
     /// In kbit/s.
     [[nodiscard]] qint64 bitRate() const { return m_bitRate; }
+    /// Of the samples before encoding.
     [[nodiscard]] qint64 bitsPerSample() const { return m_bitsPerSample; }
     /// In hertz.
     [[nodiscard]] qint64 sampleRate() const { return m_sampleRate; }
     /// Source channels by index from 0, in the order of the track's own channels.
     [[nodiscard]] const QList<qint64> &inputChannels() const { return m_inputChannels; }
+    /// The only one so far is AAC LC.
     [[nodiscard]] AudioCodecID codec() const { return m_codec; }
     /// A language code such as "en".
     [[nodiscard]] const QString &language() const { return m_language; }
+    /// What players show.
     [[nodiscard]] const QString &trackName() const { return m_trackName; }
+    /// Whether players choose this track by themselves.
     [[nodiscard]] bool isDefault() const { return m_isDefault; }
     /// The MPEG-TS packet identifier of the stream.
     [[nodiscard]] qint64 pid() const { return m_pid; }
     /// Identifies this object in memory; never in a file.
     [[nodiscard]] const QUuid &id() const { return m_id; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setBitRate(qint64 bitRate);
     void setBitsPerSample(qint64 bitsPerSample);
     void setSampleRate(qint64 sampleRate);
@@ -108,11 +118,14 @@ public:
     /// Tells the delegate when the flag really changed.
     void setIsDefault(bool isDefault);
     void setPid(qint64 pid);
+    /// @}
 
     /// The delegate, or null when there is none or it is gone.
     [[nodiscard]] std::shared_ptr<AudioSettingsDelegate> delegate() const { return m_delegate.lock(); }
+    /// The delegate is held weakly.
     void setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate) { m_delegate = delegate; }
 
+    /// That of the codec.
     [[nodiscard]] quint32 audioCodecFormatID() const { return vantle::audioCodecFormatID(m_codec); }
     /// "English_128".
     [[nodiscard]] QString variantName() const;
@@ -128,6 +141,8 @@ public:
     friend bool operator==(const AudioSettings &a, const AudioSettings &b) { return a.m_id == b.m_id; }
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void bitRateChanged(qint64 bitRate);
     void bitsPerSampleChanged(qint64 bitsPerSample);
     void sampleRateChanged(qint64 sampleRate);
@@ -137,6 +152,7 @@ Q_SIGNALS:
     void trackNameChanged(const QString &trackName);
     void isDefaultChanged(bool isDefault);
     void pidChanged(qint64 pid);
+    /// @}
 
 private:
     qint64 m_bitRate = 128;
@@ -148,7 +164,7 @@ private:
     QString m_trackName = QStringLiteral("English");
     bool m_isDefault = false;
     qint64 m_pid = 256;
-    QUuid m_id = newObjectId();
+    QUuid m_id;
     std::weak_ptr<AudioSettingsDelegate> m_delegate;
 };
 

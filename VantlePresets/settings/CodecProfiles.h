@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
 
 #include <QtCore/QHashFunctions>
@@ -20,18 +21,20 @@ enum class HEVCProfileLevel { _AutoLevel };
 // NOLINTEND(bugprone-reserved-identifier)
 
 /// The cases in order, with their raw values: the texts that profile names are made of.
-[[nodiscard]] const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
-[[nodiscard]] const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
-[[nodiscard]] const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
-[[nodiscard]] const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
 
 /// An H.264 profile at a level. Limits are those of ITU-T H.264, Table A-1, and depend on the level alone.
-struct H264Profile
+struct VANTLE_PRESETS_EXPORT H264Profile
 {
-    H264ProfileType profile;
-    H264ProfileLevel level;
+    H264ProfileType profile; ///< the profile alone
+    H264ProfileLevel level;  ///< the level that limits it
 
+    /// Profile and level.
     friend bool operator==(const H264Profile &, const H264Profile &) = default;
+    /// For QHash and QSet.
     friend size_t qHash(const H264Profile &key, size_t seed = 0)
     {
         return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));
@@ -46,6 +49,7 @@ struct H264Profile
     /// The table's MaxMBPS, in macroblocks per second, for the picture's size too: the check of a single
     /// picture is deliberately lenient.
     [[nodiscard]] qint64 maxMacroBlocksPerFrame() const;
+    /// The table's MaxMBPS, in macroblocks per second.
     [[nodiscard]] qint64 maxMacroBlocksPerSecond() const { return maxMacroBlocksPerFrame(); }
 
     /// Whether pictures of this size (in pixels) and rate (per second) keep within the level. A
@@ -60,12 +64,14 @@ struct H264Profile
 };
 
 /// An HEVC profile; the encoder always chooses the level.
-struct HEVCProfile
+struct VANTLE_PRESETS_EXPORT HEVCProfile
 {
-    HEVCProfileType profile;
-    HEVCProfileLevel level;
+    HEVCProfileType profile; ///< the profile alone
+    HEVCProfileLevel level;  ///< always automatic
 
+    /// Profile and level.
     friend bool operator==(const HEVCProfile &, const HEVCProfile &) = default;
+    /// For QHash and QSet.
     friend size_t qHash(const HEVCProfile &key, size_t seed = 0)
     {
         return qHashMulti(seed, static_cast<int>(key.profile), static_cast<int>(key.level));
@@ -83,8 +89,8 @@ struct HEVCProfile
 
 /// What a new VideoSettings offers: Baseline, Main and High at all ten levels, Extended at 5.0 and
 /// automatic, the two levels for which VideoToolbox has constants. The list is shared, not copied.
-[[nodiscard]] QList<H264Profile> offeredH264Profiles();
+[[nodiscard]] VANTLE_PRESETS_EXPORT QList<H264Profile> offeredH264Profiles();
 /// The five HEVC profiles.
-[[nodiscard]] QList<HEVCProfile> offeredHEVCProfiles();
+[[nodiscard]] VANTLE_PRESETS_EXPORT QList<HEVCProfile> offeredHEVCProfiles();
 
 } // namespace vantle

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
 
 namespace vantle {
@@ -23,15 +24,15 @@ enum class VideoResolution : int {
 // NOLINTEND(bugprone-reserved-identifier)
 
 /// "H.264", "HEVC": shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<VideoCodec, 2> &videoCodecs();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<VideoCodec, 2> &videoCodecs();
 /// "custom", "416 x 234", ...: shown to users and kept in preset files.
-[[nodiscard]] const EnumerationTable<VideoResolution, 9> &videoResolutions();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<VideoResolution, 9> &videoResolutions();
 
 /// The display string; a value outside the enumeration stops the process.
-[[nodiscard]] QString displayName(VideoCodec codec);
-[[nodiscard]] QString displayValue(VideoResolution resolution);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(VideoCodec codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString displayValue(VideoResolution resolution);
 
 /// The name of the platform's codec type constant: "AVVideoCodecTypeH264" or "AVVideoCodecTypeHEVC".
-[[nodiscard]] QString videoCodecType(VideoCodec codec);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString videoCodecType(VideoCodec codec);
 
 } // namespace vantle

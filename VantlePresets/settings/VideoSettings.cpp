@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/settings/VideoSettings.h"
 
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/DocumentWriter.h"
 
@@ -48,6 +49,8 @@ QString withoutBlanksAndDots(QString text)
 }
 
 } // namespace
+
+VideoSettings::VideoSettings(Key) : m_id(newObjectId()) {}
 
 std::shared_ptr<VideoSettings> VideoSettings::create()
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/core/ObjectId.h"
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/ObservableRecord.h"
 #include "VantlePresets/settings/CodecProfiles.h"
 #include "VantlePresets/settings/VideoFormats.h"
@@ -21,7 +21,7 @@ class ObjectReader;
 /// The encoding choices of one video rendition of a preset.
 ///
 /// A reference object: presets, forms and the host share it. Main thread only, see ObservableRecord.
-class VideoSettings : public ObservableRecord
+class VANTLE_PRESETS_EXPORT VideoSettings : public ObservableRecord
 {
     Q_OBJECT
     Q_PROPERTY(vantle::VideoCodec codec READ codec WRITE setCodec NOTIFY codecChanged)
@@ -47,10 +47,13 @@ class VideoSettings : public ObservableRecord
     };
 
 public:
+    /// The profiles that settings offer.
     using H264Profile = vantle::H264Profile;
+    /// The profiles that settings offer.
     using HEVCProfile = vantle::HEVCProfile;
 
-    explicit VideoSettings(Key) {}
+    /// For the static functions that make objects.
+    explicit VideoSettings(Key);
 
     /// New settings: H.264 Main, automatic level, 1920 x 1080 at 30 frames per second, 4500 kbit/s.
     [[nodiscard]] static std::shared_ptr<VideoSettings> create();
@@ -65,10 +68,13 @@ public:
     /// The frame rates that forms offer, in frames per second.
     [[nodiscard]] static QList<double> availableFrameRates();
 
+    /// Decides which profiles there are.
     [[nodiscard]] VideoCodec codec() const { return m_codec; }
+    /// See width() and height() for the pixels.
     [[nodiscard]] VideoResolution resolution() const { return m_resolution; }
     /// In pixels; counts only while the resolution is custom.
     [[nodiscard]] qint64 customWidth() const { return m_customWidth; }
+    /// In pixels; counts only while the resolution is custom.
     [[nodiscard]] qint64 customHeight() const { return m_customHeight; }
     /// In frames per second.
     [[nodiscard]] double frameRate() const { return m_frameRate; }
@@ -81,6 +87,8 @@ public:
     /// Identifies this object in memory; never in a file.
     [[nodiscard]] const QUuid &id() const { return m_id; }
 
+    /// @{
+    /// Stores the value and announces it, see ObservableRecord.
     void setCodec(VideoCodec codec);
     /// Any size but custom sets customWidth and customHeight to 0.
     void setResolution(VideoResolution resolution);
@@ -92,16 +100,20 @@ public:
     void setBitRate(qint64 bitRate);
     void setProfile(const QString &profile);
     void setPid(qint64 pid);
+    /// @}
 
+    /// @{
     /// The profiles that this object offers, in order. Belong to each object; a host may replace the
     /// H.264 ones, and with an empty list every bit-rate limit is 0. Not observable.
     [[nodiscard]] const QList<H264Profile> &availableH264Profiles() const { return m_availableH264Profiles; }
     void setAvailableH264Profiles(const QList<H264Profile> &profiles) { m_availableH264Profiles = profiles; }
     [[nodiscard]] const QList<HEVCProfile> &availableHEVCProfiles() const { return m_availableHEVCProfiles; }
     void setAvailableHEVCProfiles(const QList<HEVCProfile> &profiles) { m_availableHEVCProfiles = profiles; }
+    /// @}
 
     /// The frame size in pixels. Custom sizes are not checked.
     [[nodiscard]] qint64 width() const;
+    /// In pixels.
     [[nodiscard]] qint64 height() const;
     /// The name of the platform's codec type constant.
     [[nodiscard]] QString videoCodecType() const { return vantle::videoCodecType(m_codec); }
@@ -119,6 +131,7 @@ public:
     /// H264Profile::isComputable() is false.
     [[nodiscard]] QStringList profileLevels(VideoCodec codec, VideoResolution resolution,
                                             double frameRate) const;
+    /// As profileLevels() for H.264.
     [[nodiscard]] QStringList h264ProfileLevels(VideoResolution resolution, double frameRate) const;
     /// All offered HEVC profiles, unfiltered.
     [[nodiscard]] QStringList hevcProfileLevels(VideoResolution resolution, double frameRate) const;
@@ -127,6 +140,7 @@ public:
     /// have no influence.
     [[nodiscard]] qint64 maximumBitRate(VideoCodec codec, const QString &profile, VideoResolution resolution,
                                         double frameRate) const;
+    /// The limit of the object's own profile, in kbit/s.
     [[nodiscard]] qint64 maxBitRate() const;
 
     /// Assigns the other's settings one by one, the profile after the bit rate: the bit rate is limited by
@@ -134,9 +148,11 @@ public:
     void update(const VideoSettings &other);
 
     /// Codec, resolution, frame rate and profile alone.
-    friend bool operator==(const VideoSettings &a, const VideoSettings &b);
+    VANTLE_PRESETS_EXPORT friend bool operator==(const VideoSettings &a, const VideoSettings &b);
 
 Q_SIGNALS:
+    /// @{
+    /// Comes after the value was stored, equal values included.
     void codecChanged(vantle::VideoCodec codec);
     void resolutionChanged(vantle::VideoResolution resolution);
     void customWidthChanged(qint64 width);
@@ -145,6 +161,7 @@ Q_SIGNALS:
     void bitRateChanged(qint64 bitRate);
     void profileChanged(const QString &profile);
     void pidChanged(qint64 pid);
+    /// @}
 
 private:
     VideoCodec m_codec = VideoCodec::h264;
@@ -155,7 +172,7 @@ private:
     qint64 m_bitRate = 4500;
     QString m_profile = QStringLiteral("H264_Main_AutoLevel");
     qint64 m_pid = 256;
-    QUuid m_id = newObjectId();
+    QUuid m_id;
     QList<H264Profile> m_availableH264Profiles = offeredH264Profiles();
     QList<HEVCProfile> m_availableHEVCProfiles = offeredHEVCProfiles();
 };

@@ -25,11 +25,6 @@ struct FolderReconciler::FolderFile
     bool isUtf8;
 };
 
-std::size_t documentHash(const QByteArray &document)
-{
-    return qHash(document, 0);
-}
-
 FolderReconciler::FolderReconciler(MainThreadQueue &queue, Receiver &receiver)
     : m_queue(queue), m_receiver(receiver)
 {
@@ -49,17 +44,17 @@ std::optional<FolderReconciler::FolderFile> FolderReconciler::folderFile(std::st
 }
 
 /// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
-std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file)
+std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, const FolderReader &folder)
 {
     try {
         if (!file.isUtf8)
             throw std::runtime_error("File name is not UTF-8");
         FileStamp stamp;
-        const auto preset = decodePreset(readFile(file.path, &stamp));
+        const auto preset = decodePreset(folder.read(file.path, &stamp));
         preset->setName(file.name);
         auto listed = std::make_shared<ListedPreset>(preset);
         listed->file->set(file.name, stamp);
-        listed->documentHash = documentHash(preset->encoded(document::Format::compact));
+        listed->documentHash = preset->documentHash();
         preset->moveWithSettingsToThread(m_queue.thread());
         noteReadability(file, true);
         return listed;
@@ -77,31 +72,39 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
 
     std::vector<std::string> paths = watchFolder->nativePaths();
     const std::size_t count = paths.size();
-    PresetIndex::Entries entries(count);
+    const FolderReader folder(count == 0 ? std::string() : std::string(splitPath(paths.front()).directory));
     std::atomic<std::size_t> next = 0;
-    const auto loadSome = [&] {
+    const auto loadSome = [&](PresetIndex::Entries &entries) {
         constexpr std::size_t kChunk = 32;
         for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
-                if (const auto file = folderFile(std::move(paths[i])))
-                    entries[i] = load(*file);
+                const auto file = folderFile(std::move(paths[i]));
+                if (auto listed = file ? load(*file, folder) : nullptr)
+                    entries.push_back(std::move(listed));
             }
         }
+        PresetIndex::sort(entries);
     };
+    const std::size_t wanted = std::min<std::size_t>(std::thread::hardware_concurrency(), count / 64);
+    std::vector<PresetIndex::Entries> parts(std::max<std::size_t>(wanted, 1));
     {
-        std::vector<std::jthread> others;
-        const std::size_t wanted = std::min<std::size_t>(std::thread::hardware_concurrency(), count / 64);
-        for (std::size_t i = 1; i < wanted; ++i)
-            others.emplace_back(loadSome);
-        loadSome();
+        std::vector<std::jthread> helpers;
+        for (std::size_t i = 1; i < parts.size(); ++i)
+            helpers.emplace_back(loadSome, std::ref(parts[i]));
+        loadSome(parts.front());
     }
     if (m_isCancelled)
         return;
 
-    std::erase(entries, nullptr);
     const auto loaded = std::make_shared<PresetIndex>();
-    loaded->merge(std::move(entries));
+    for (PresetIndex::Entries &part : parts)
+        loaded->merge(std::move(part));
     m_queue.post([this, loaded] { m_receiver.presetsLoaded(std::move(*loaded)); });
+}
+
+void FolderReconciler::watchFolderBecameUnreachable(VRXWatchFolder *)
+{
+    m_queue.post([this] { m_receiver.folderBecameUnreachable(); });
 }
 
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
@@ -114,7 +117,8 @@ void FolderReconciler::add(const std::string &path)
     const auto file = folderFile(path);
     if (!file)
         return;
-    if (const auto listed = load(*file))
+    const FolderReader folder(std::string(splitPath(path).directory));
+    if (const auto listed = load(*file, folder))
         m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 

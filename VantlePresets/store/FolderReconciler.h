@@ -14,6 +14,7 @@
 
 namespace vantle {
 
+class FolderReader;
 class MainThreadQueue;
 
 /// Turns what the watcher reports into presets: reads and decodes the files on the watcher's queue (the
@@ -26,6 +27,7 @@ public:
     {
     public:
         virtual void presetsLoaded(PresetIndex loaded) = 0;
+        virtual void folderBecameUnreachable() = 0;
         virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
         virtual void presetRemoved(const QString &name) = 0;
         /// The source is null when the content can't be understood.
@@ -52,6 +54,7 @@ public:
     void reread(const std::string &path);
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
+    void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;
     void watchFolderFileAddedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileRemovedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileUpdatedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
@@ -60,7 +63,7 @@ private:
     struct FolderFile;
 
     static std::optional<FolderFile> folderFile(std::string path);
-    std::shared_ptr<ListedPreset> load(const FolderFile &file);
+    std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder);
     void noteReadability(const FolderFile &file, bool isReadable);
 
     MainThreadQueue &m_queue;
@@ -69,8 +72,5 @@ private:
     mutable std::mutex m_mutex;
     QSet<QString> m_unreadable; // names of files that could not be loaded; guarded by m_mutex
 };
-
-/// Of a preset's document; equal documents have equal hashes.
-[[nodiscard]] std::size_t documentHash(const QByteArray &document);
 
 } // namespace vantle

@@ -38,8 +38,8 @@ bool ListedPreset::precedes(const ListedPreset &other) const
 
 std::shared_ptr<ListedPreset> PresetIndex::find(const VantlePreset *preset) const
 {
-    const auto found = m_byPreset.find(preset);
-    return found == m_byPreset.end() ? nullptr : found->second;
+    ListedPreset *const found = m_byPreset.value(preset);
+    return found ? found->shared_from_this() : nullptr;
 }
 
 std::shared_ptr<ListedPreset> PresetIndex::findNamed(const QString &name) const
@@ -56,7 +56,7 @@ std::shared_ptr<ListedPreset> PresetIndex::findNamed(const QString &name) const
             firstIsExact = isExact;
         }
     }
-    return first ? m_byPreset.at(first->preset.get()) : nullptr;
+    return first ? first->shared_from_this() : nullptr;
 }
 
 bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
@@ -112,8 +112,7 @@ void PresetIndex::rename(const std::shared_ptr<ListedPreset> &entry, const QStri
 
 void PresetIndex::merge(Entries entries)
 {
-    sort(entries);
-    m_byPreset.reserve(m_byPreset.size() + entries.size());
+    m_byPreset.reserve(m_byPreset.size() + static_cast<qsizetype>(entries.size()));
     m_byName.reserve(m_byName.size() + static_cast<qsizetype>(entries.size()));
     for (const auto &entry : entries)
         enter(entry);
@@ -149,14 +148,14 @@ void PresetIndex::sort(Entries &entries)
 
 void PresetIndex::enter(const std::shared_ptr<ListedPreset> &entry)
 {
-    m_byPreset.emplace(entry->preset.get(), entry);
+    m_byPreset.insert(entry->preset.get(), entry.get());
     m_byName.insert(entry->canonicalName, entry.get());
 }
 
 void PresetIndex::leave(ListedPreset &entry)
 {
     m_byName.remove(entry.canonicalName, &entry);
-    m_byPreset.erase(entry.preset.get());
+    m_byPreset.remove(entry.preset.get());
 }
 
 } // namespace vantle

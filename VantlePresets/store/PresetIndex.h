@@ -9,7 +9,6 @@
 
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace vantle {
@@ -17,7 +16,7 @@ namespace vantle {
 using PresetsList = QList<std::shared_ptr<VantlePreset>>;
 
 /// What the store knows about a listed preset beside the preset itself.
-struct ListedPreset
+struct ListedPreset : std::enable_shared_from_this<ListedPreset>
 {
     std::shared_ptr<VantlePreset> preset;
     /// The preset's name as far as the list is concerned; its name() differs while a user types.
@@ -69,7 +68,7 @@ public:
     /// Gives the entry a name and moves it to the row that follows from it, counted without the entry.
     void rename(const std::shared_ptr<ListedPreset> &entry, const QString &name, int from, int to);
 
-    /// Adds many entries at once.
+    /// Adds many entries at once; they must be sorted.
     void merge(Entries entries);
     /// Leaves the index empty.
     [[nodiscard]] Entries takeEntries();
@@ -83,7 +82,7 @@ private:
 
     Entries m_entries;
     PresetsList m_presets; // the same rows
-    std::unordered_map<const VantlePreset *, std::shared_ptr<ListedPreset>> m_byPreset;
+    QHash<const VantlePreset *, ListedPreset *> m_byPreset;
     QMultiHash<QString, ListedPreset *> m_byName; // canonical names
 };
 

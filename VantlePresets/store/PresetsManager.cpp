@@ -122,6 +122,7 @@ void PresetsManager::setPresets(const PresetsList &presets)
     }
     Q_EMIT rowsAboutToBeReset();
     static_cast<void>(d->index.takeEntries());
+    PresetIndex::sort(entries);
     d->index.merge(std::move(entries));
     Q_EMIT rowsReset();
     if (d->nameEdit && !d->index.find(d->nameEdit.get()))
@@ -275,8 +276,8 @@ bool PresetsManager::hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset
     const auto entry = d->index.find(preset.get());
     if (!entry || !entry->documentHash)
         return true;
-    const auto document = documentOf(*preset);
-    return document && documentHash(*document) != entry->documentHash;
+    const auto hash = documentHash(*preset);
+    return hash && hash != entry->documentHash;
 }
 
 void PresetsManager::beginNameEdit(const std::shared_ptr<VantlePreset> &preset)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QObject>
@@ -24,7 +25,7 @@ using PresetsList = QList<std::shared_ptr<VantlePreset>>;
 /// Main thread only: every operation and query checks it, and another thread is a programming fault. The
 /// files are read, written and removed on threads of the store's own. Files that were asked for are on
 /// disk when the manager has been destroyed, or the application has quit.
-class PresetsManager : public QObject
+class VANTLE_PRESETS_EXPORT PresetsManager : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PresetsManager)
@@ -86,6 +87,7 @@ public:
     /// meanwhile; that change is applied. A file of the name that is not this preset's is never overwritten:
     /// the preset gets the next free name.
     void save(const std::shared_ptr<VantlePreset> &preset);
+    /// Saves the selected preset, if there is one.
     void saveSelectedPreset();
     /// Deletes a file of the folder in the background; a listed preset stays listed.
     void deletePresetFile(const QString &name);
@@ -97,6 +99,7 @@ public:
     /// list order, lookups and saves go by the name of the preset's file. One edit at a time; the edit
     /// ends by itself when its preset leaves the list.
     void beginNameEdit(const std::shared_ptr<VantlePreset> &preset);
+    /// Nothing when no edit goes on.
     void endNameEdit();
     /// The name of the preset's file without the extension, also while the name is being edited.
     [[nodiscard]] QString listedName(const std::shared_ptr<VantlePreset> &preset) const;
@@ -112,6 +115,8 @@ public:
 Q_SIGNALS:
     /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.
     void didLoad();
+    /// The presets folder is not at its path any more. Sent before didLoad(), that one never comes.
+    void folderBecameUnreachable();
 
     /// After each operation and each change from outside that touches the list, once.
     void presetsChanged(const vantle::PresetsList &presets);
@@ -121,6 +126,7 @@ Q_SIGNALS:
     /// A change of the preset's file by another process was applied to the listed object.
     void presetUpdated(const std::shared_ptr<vantle::VantlePreset> &preset);
 
+    /// @{
     /// Rows in pairs for list models. A move goes before the row that stood at `to` at its start.
     void rowAboutToBeInserted(int row);
     void rowInserted(int row);
@@ -130,13 +136,14 @@ Q_SIGNALS:
     void rowMoved(int from, int to);
     void rowsAboutToBeReset();
     void rowsReset();
+    /// @}
 
     /// A save is due while the preset's name is being edited: the view ends the edit now, as if the user
     /// had left the field.
     void nameEditMustEnd(const std::shared_ptr<vantle::VantlePreset> &preset);
 
 private:
-    class Private;
+    class VANTLE_PRESETS_NO_EXPORT Private;
     std::unique_ptr<Private> d;
 };
 

@@ -13,10 +13,10 @@ namespace vantle {
 
 using namespace Qt::StringLiterals;
 
-std::optional<QByteArray> documentOf(const VantlePreset &preset)
+std::optional<std::size_t> documentHash(const VantlePreset &preset)
 {
     try {
-        return preset.encoded(document::Format::compact);
+        return preset.documentHash();
     } catch (const EncodingError &) {
         return std::nullopt;
     }
@@ -110,11 +110,11 @@ void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &
 
 void PresetsManager::Private::startSave(const Entry &entry, Way way)
 {
-    const auto document = documentOf(*entry->preset);
-    if (!files || !document)
+    const auto hash = documentHash(*entry->preset);
+    if (!files || !hash)
         return;
-    const std::size_t hash = documentHash(*document);
-    const PresetFiles::Save save{entry->file, entry->name, *document, entry->documentHash != hash};
+    const PresetFiles::Save save{entry->file, entry->name, entry->preset->encoded(document::Format::compact),
+                                 entry->documentHash != hash};
     entry->documentHash = hash;
     ++entry->savesInFlight;
     ++savesInFlight;
@@ -257,29 +257,22 @@ void PresetsManager::Private::presetUpdated(const QString &name, const std::shar
         return;
     entry->file->set(name, stamp);
     // A file that says what it said before (it was only touched) must not undo edits.
-    const auto document = documentOf(*source);
-    if (document && entry->documentHash == documentHash(*document))
+    if (const auto hash = documentHash(*source); hash && hash == entry->documentHash)
         return;
     if (nameEdit == entry->preset)
         source->setName(entry->preset->name()); // what the user is typing stays
     if (updatePreset(*entry->preset, *source)) {
-        noteDocument(*entry);
+        entry->documentHash = documentHash(*entry->preset);
         Q_EMIT q.presetUpdated(entry->preset);
     } else { // a file of another class
         source->setName(entry->name);
         const auto replacement = std::make_shared<ListedPreset>(source);
         replacement->file->set(name, stamp);
-        noteDocument(*replacement);
+        replacement->documentHash = documentHash(*source);
         removeEntry(entry);
         insert(replacement);
     }
     announceList();
-}
-
-void PresetsManager::Private::noteDocument(ListedPreset &entry)
-{
-    const auto document = documentOf(*entry.preset);
-    entry.documentHash = document ? std::optional(documentHash(*document)) : std::nullopt;
 }
 
 } // namespace vantle

@@ -36,12 +36,12 @@ public:
     [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
 
     void presetsLoaded(PresetIndex loaded) override;
+    void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
     void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
                        const FileStamp &stamp) override;
     PresetIndex withoutListed(PresetIndex loaded);
-    void noteDocument(ListedPreset &entry);
 
     PresetsManager &q;
     PresetIndex index;
@@ -58,7 +58,7 @@ public:
     std::unique_ptr<PresetFiles> files;
 };
 
-/// The document, or nothing for a preset that has none (a frame rate that is not finite).
-[[nodiscard]] std::optional<QByteArray> documentOf(const VantlePreset &preset);
+/// Of the preset's document; nothing for a preset that has none (a frame rate that is not finite).
+[[nodiscard]] std::optional<std::size_t> documentHash(const VantlePreset &preset);
 
 } // namespace vantle

@@ -4,31 +4,51 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
 
+#include <cerrno>
 #include <csignal>
+#include <functional>
 #include <memory>
+#include <system_error>
 
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 namespace vantle {
 
-/// Ends the event loop on SIGINT and SIGTERM. Has to be made before any other thread, so that all block them.
+/// Ends the event loop, or does what it is told, on each SIGINT and SIGTERM. Has to be made before any other
+/// thread, so that all block them. Throws std::system_error when the signals can't be taken, and leaves them
+/// as they were.
 class StopOnSignal
 {
 public:
-    StopOnSignal()
+    explicit StopOnSignal(std::function<void()> stop = [] { QCoreApplication::quit(); })
     {
         sigset_t signals;
         sigemptyset(&signals);
         sigaddset(&signals, SIGINT);
         sigaddset(&signals, SIGTERM);
+        m_descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+        if (m_descriptor < 0)
+            throw std::system_error(errno, std::generic_category(), "can't wait for signals");
         sigprocmask(SIG_BLOCK, &signals, nullptr);
-        const int descriptor = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-        m_notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+        m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                         [] { QCoreApplication::quit(); });
+                         [this, stop = std::move(stop)] {
+                             signalfd_siginfo taken;
+                             if (::read(m_descriptor, &taken, sizeof taken) == sizeof taken)
+                                 stop();
+                         });
     }
+    ~StopOnSignal()
+    {
+        m_notifier.reset();
+        ::close(m_descriptor);
+    }
+    StopOnSignal(const StopOnSignal &) = delete;
+    StopOnSignal &operator=(const StopOnSignal &) = delete;
 
 private:
+    int m_descriptor = -1;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 

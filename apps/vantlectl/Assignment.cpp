@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Assignment.h"
 
+#include "apps/vantlectl/Output.h"
+#include "apps/vantlectl/TextValue.h"
+
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 
 #include <QtCore/QMetaProperty>
@@ -17,7 +21,7 @@ QVariant parsed(const QString &text, const QMetaProperty &property)
     const QMetaType type = property.metaType();
     bool isNumber = false;
     if (type == QMetaType::fromType<QString>())
-        return text;
+        return textValue(text);
     if (type == QMetaType::fromType<bool>())
         return text == "true"_L1 || text == "false"_L1 ? QVariant(text == "true"_L1) : QVariant();
     if (type == QMetaType::fromType<qint64>()) {
@@ -129,6 +133,21 @@ std::optional<Assignment> Assignment::parse(const QString &text)
     return match.hasCaptured(8) == needsValue ? std::optional(assignment) : std::nullopt;
 }
 
+std::optional<QList<Assignment>> Assignment::parseAll(const std::vector<std::string> &texts)
+{
+    QList<Assignment> assignments;
+    for (const std::string &text : texts) {
+        const auto assignment = parse(QString::fromStdString(text));
+        if (!assignment) {
+            complain("not an assignment such as portNumber=1936 or videoSettings.0.bitRate=6000: "_L1 +
+                     escapedControls(QString::fromStdString(text).section(u'=', 0, 0)));
+            return std::nullopt;
+        }
+        assignments.append(*assignment);
+    }
+    return assignments;
+}
+
 void Assignment::apply(VantlePreset &preset) const
 {
     switch (m_operation) {
@@ -144,28 +163,47 @@ void Assignment::apply(VantlePreset &preset) const
     QObject &object = target(preset);
     const QMetaProperty property = propertyOf(object, m_field);
     if (!isAssignable(property))
-        throw AssignmentError(m_path, u"no such field, or one that can't be set here"_s);
-    const QVariant value = parsed(m_value, property);
+        throw AssignmentError(m_path, u"no such field, or one that can't be set here"_s + hint());
+    QVariant value;
+    try {
+        value = parsed(m_value, property);
+    } catch (const std::exception &error) {
+        throw AssignmentError(m_path, QString::fromUtf8(error.what()));
+    }
     if (!value.isValid() || !property.write(&object, value))
         throw AssignmentError(m_path, expectation(property));
     if (m_field == "isDefault"_L1 && value.toBool())
         makeOnlyDefault(preset, object);
 }
 
-bool Assignment::isLimited(VantlePreset &preset) const
-{
-    const QString value = presentValue(preset);
-    return !value.isEmpty() && value != QString::number(m_value.toLongLong());
-}
-
-QString Assignment::presentValue(VantlePreset &preset) const
+QString Assignment::limitation(VantlePreset &preset) const
 {
     if (m_operation != Operation::assign)
         return {};
     QObject &object = target(preset);
-    const QVariant value = propertyOf(object, m_field).read(&object);
-    return value.metaType() == QMetaType::fromType<qint64>() ? QString::number(value.toLongLong())
-                                                             : QString();
+    const QVariant present = propertyOf(object, m_field).read(&object);
+    const qint64 wanted = m_value.toLongLong();
+    if (present.metaType() != QMetaType::fromType<qint64>() || present.toLongLong() == wanted)
+        return {};
+    if (wanted < 0)
+        return u"%1 is below zero, set to %2"_s.arg(wanted).arg(present.toLongLong());
+    return u"limited to %1 by the profile"_s.arg(present.toLongLong());
+}
+
+/// Where else the field is: it may have been meant for a rendition or a track.
+QString Assignment::hint() const
+{
+    if (!m_list.isEmpty())
+        return {};
+    QStringList places;
+    const auto look = [&](const QMetaObject &meta, QLatin1StringView list) {
+        const QMetaProperty property = meta.property(meta.indexOfProperty(m_field.toUtf8().constData()));
+        if (isAssignable(property))
+            places.append(list + ".0."_L1 + m_field);
+    };
+    look(VideoSettings::staticMetaObject, "videoSettings"_L1);
+    look(AudioSettings::staticMetaObject, "audioSettings"_L1);
+    return places.isEmpty() ? QString() : "; did you mean "_L1 + places.join(" or "_L1) + u'?';
 }
 
 QObject &Assignment::target(VantlePreset &preset) const

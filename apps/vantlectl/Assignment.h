@@ -24,26 +24,29 @@ public:
 ///   videoSettings.0.FIELD=VALUE     a field of a rendition, counted from 0; audioSettings.1.FIELD=VALUE
 ///   videoSettings.+                 a new rendition at the end; audioSettings.+
 ///   videoSettings.1.-               removes a rendition; audioSettings.1.-
-/// Enumerations are written as their display strings, channel lists as 0,1.
+/// Enumerations are written as their display strings, channel lists as 0,1, texts
+/// also as @FILE or @- (see TextValue.h).
 class Assignment
 {
 public:
     /// Nothing when the text is none of these forms.
     static std::optional<Assignment> parse(const QString &text);
 
+    /// All of a command line's; complains and gives nothing when one has none of these forms.
+    static std::optional<QList<Assignment>> parseAll(const std::vector<std::string> &texts);
+
     /// Throws AssignmentError. Renditions and tracks can be added to and removed from HLS and SRT presets.
     void apply(VantlePreset &preset) const;
 
     [[nodiscard]] const QString &path() const { return m_path; }
-    /// Whether the preset holds another number than the one that was assigned.
-    [[nodiscard]] bool isLimited(VantlePreset &preset) const;
-    /// The assigned field's number as it stands now; "" for everything else.
-    [[nodiscard]] QString presentValue(VantlePreset &preset) const;
+    /// Why the preset holds another number than the one that was assigned; "" when it does not.
+    [[nodiscard]] QString limitation(VantlePreset &preset) const;
 
 private:
     enum class Operation { assign, add, remove };
 
     [[nodiscard]] QObject &target(VantlePreset &preset) const;
+    [[nodiscard]] QString hint() const;
     [[nodiscard]] qsizetype index(qsizetype size) const;
     void addTo(VantlePreset &preset) const;
     void removeFrom(VantlePreset &preset) const;

@@ -23,6 +23,7 @@ using Command = std::function<ExitCode(Output &out)>;
 void addValidateCommand(CLI::App &app, Command &chosen);
 void addShowCommand(CLI::App &app, Command &chosen);
 void addConvertCommand(CLI::App &app, Command &chosen);
+void addFfmpegCommand(CLI::App &app, Command &chosen);
 void addListCommand(CLI::App &app, Command &chosen);
 void addEditCommands(CLI::App &app, Command &chosen);
 void addSetCommand(CLI::App &app, Command &chosen);

@@ -8,14 +8,6 @@ namespace {
 
 const QString kAutomatic = QStringLiteral("automatic");
 
-/// "_3_1" as people write it.
-QString levelText(H264ProfileLevel level)
-{
-    if (level == H264ProfileLevel::_AutoLevel)
-        return kAutomatic;
-    return QString(h264ProfileLevels().text(level)).sliced(1).replace(u'_', u'.');
-}
-
 void judgeH264(const VideoSettings &video, LevelFit &fit)
 {
     const auto &offered = video.availableH264Profiles();
@@ -51,6 +43,13 @@ void judgeHEVC(const VideoSettings &video, LevelFit &fit)
 }
 
 } // namespace
+
+QString levelText(H264ProfileLevel level)
+{
+    if (level == H264ProfileLevel::_AutoLevel)
+        return kAutomatic;
+    return QString(h264ProfileLevels().text(level)).sliced(1).replace(u'_', u'.');
+}
 
 LevelFit levelFitOf(const VideoSettings &video)
 {

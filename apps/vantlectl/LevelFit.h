@@ -20,6 +20,9 @@ struct LevelFit
     std::optional<QString> lowestLevel;
 };
 
+/// "_3_1" as people write it: "3.1"; "automatic" for the automatic level.
+[[nodiscard]] QString levelText(H264ProfileLevel level);
+
 [[nodiscard]] LevelFit levelFitOf(const VideoSettings &video);
 
 } // namespace vantle::ctl

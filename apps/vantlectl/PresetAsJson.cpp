@@ -3,6 +3,7 @@
 #include "apps/vantlectl/PresetView.h"
 #include "apps/vantlectl/Secret.h"
 
+#include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 

@@ -2,8 +2,6 @@
 #include "apps/vantlectl/Assignment.h"
 #include "apps/vantlectl/StoreSession.h"
 
-#include "VantlePresets/core/Log.h"
-
 namespace vantle::ctl {
 namespace {
 
@@ -32,27 +30,19 @@ void requireKept(const VantlePreset &preset, const QList<Assignment> &assignment
 
 ExitCode set(const Options &options, Output &out)
 {
-    QList<Assignment> assignments;
-    for (const std::string &text : options.assignments) {
-        const auto assignment = Assignment::parse(QString::fromStdString(text));
-        if (!assignment) {
-            complain("not an assignment such as portNumber=1936 or videoSettings.0.bitRate=6000: "_L1 +
-                     escapedControls(QString::fromStdString(text).section(u'=', 0, 0)));
-            return ExitCode::usage;
-        }
-        assignments.append(*assignment);
-    }
+    const auto assignments = Assignment::parseAll(options.assignments);
+    if (!assignments)
+        return ExitCode::usage;
 
     StoreSession session(options);
     const auto preset = session.preset(options.name);
     try {
-        for (const Assignment &assignment : assignments) {
+        for (const Assignment &assignment : *assignments) {
             assignment.apply(*preset);
-            if (assignment.isLimited(*preset))
-                complain(assignment.path() + ": limited to "_L1 + assignment.presentValue(*preset) +
-                         " by the profile"_L1);
+            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
+                complain(assignment.path() + ": "_L1 + limitation);
         }
-        requireKept(*preset, assignments);
+        requireKept(*preset, *assignments);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }
@@ -72,6 +62,8 @@ void addSetCommand(CLI::App &app, Command &chosen)
         "Fields are named as in preset files: portNumber=1936, videoSettings.0.codec=HEVC,\n"
         "audioSettings.1.inputChannels=2,3. Renditions and tracks of HLS and SRT presets are added\n"
         "with videoSettings.+ and removed with videoSettings.1.- (counted from 0).\n"
+        "streamKey=@FILE takes a text from a file's one line, streamKey=@- from standard input; a text\n"
+        "that begins with @ is written @@.\n"
         "All assignments are carried out, in their order, or none is.");
     const auto options = std::make_shared<Options>();
     options->addTo(*command);

@@ -48,8 +48,11 @@ StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared
         throw Refusal(u"the presets folder can't be used"_s);
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
+    QObject::connect(m_manager.get(), &PresetsManager::folderBecameUnreachable, &loop, &QEventLoop::quit);
     if (!m_manager->isLoaded())
         loop.exec();
+    if (!m_manager->isLoaded())
+        throw Refusal(u"the presets folder was removed before it was read"_s);
 }
 
 StoreSession::~StoreSession()

@@ -79,7 +79,8 @@ ExitCode exportPreset(const ExportOptions &options, Output &out)
     const fs::path target = options.file;
     try {
         requireFileOrNothing(target);
-        StagedFile file(target, document);
+        using Access = StagedFile::Access;
+        StagedFile file(target, document, options.withSecrets ? Access::ownerOnly : Access::asBefore);
         file.commit();
         file.syncFolder();
     } catch (const std::system_error &error) {

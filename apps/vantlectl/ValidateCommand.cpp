@@ -3,6 +3,7 @@
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/Table.h"
 
+#include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/model/PresetFactory.h"
 
 #include <algorithm>

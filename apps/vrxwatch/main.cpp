@@ -12,6 +12,7 @@
 #include <QJsonObject>
 
 #include <cstdio>
+#include <system_error>
 
 using namespace vantle;
 
@@ -157,6 +158,11 @@ int main(int argc, char **argv)
     CLI11_PARSE(commandLine, argc, argv);
 
     const QCoreApplication application(argc, argv);
-    const StopOnSignal stopOnSignal;
-    return watch(options);
+    try {
+        const StopOnSignal stopOnSignal;
+        return watch(options);
+    } catch (const std::system_error &error) {
+        std::fprintf(stderr, "vrxwatch: %s\n", error.what());
+        return 1;
+    }
 }

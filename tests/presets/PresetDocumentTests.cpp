@@ -5,11 +5,13 @@
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QVariant>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace vantle::test {
@@ -46,6 +48,48 @@ TEST(PresetDocuments, NewPresetsWriteTheDefaultsOfTheirKind)
     const auto hls = makePreset(StreamingType::hls, u"New"_s);
     const QByteArray id = hls->uuid().toByteArray(QUuid::WithoutBraces);
     EXPECT_EQ(hls->encoded(Format::compact), R"({"type":"HLS",)" + kLists + R"(,"id":")" + id + "\"}");
+}
+
+TEST(PresetDocuments, AHashTellsDocumentsApartExactlyWhenTheirTextsDiffer)
+{
+    const auto preset = RTMPVantlePreset::withType(StreamingType::wowza, u"New"_s, false, {});
+    const auto rendition = preset->videoSettings().first();
+    const auto track = preset->audioSettings().first();
+    QHash<QByteArray, std::size_t> hashes;
+    const std::function<void()> edits[] = {
+        [] {},
+        [&] { preset->setStreamingURL(u"ab"_s); },
+        [&] { preset->setStreamingURL(u"a\xFFFD"_s); },
+        [&] { preset->setStreamingURL(u"a"_s + QChar(0xD800)); }, // written as the one before
+        [&] { preset->setPortNumber(1); },
+        [&] { preset->setPortNumber(1 + (qint64{1} << 32)); },
+        [&] { rendition->setFrameRate(0.0); },
+        [&] { rendition->setFrameRate(-0.0); },
+        [&] {
+            track->setInputChannels({1, 2});
+        },
+        [&] {
+            track->setInputChannels({2, 1});
+        },
+        [&] { track->setInputChannels({}); },
+        [&] { track->setTrackName(u"x"_s); },
+        [&] {
+            preset->setAudioSettings({track, track});
+        },
+        [&] { preset->setVideoSettings({}); },
+    };
+    for (const auto &edit : edits) {
+        edit();
+        const QByteArray text = preset->encoded(Format::compact);
+        const std::size_t hash = preset->documentHash();
+        const bool isKnownHash = hashes.values().contains(hash);
+        EXPECT_EQ(hashes.value(text, hash), hash) << text.toStdString();
+        EXPECT_EQ(isKnownHash, hashes.contains(text)) << text.toStdString();
+        hashes.insert(text, hash);
+    }
+    rendition->setFrameRate(std::numeric_limits<double>::infinity());
+    preset->setVideoSettings({rendition});
+    EXPECT_THROW(static_cast<void>(preset->documentHash()), EncodingError);
 }
 
 TEST(PresetDocuments, ThePrettyFormAddsWhiteSpaceOnly)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FinishedProcess.h"
+#include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -83,6 +83,11 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
              {{"set", "A", "portNumber"}, 2, "not an assignment"},
              {{"set", "A", "portNumber=1", "videoSettings.x=1"}, 2, "not an assignment"},
              {{"set", "A", "portNumber=1", "nonsense=1"}, 1, "nonsense: no such field"},
+             {{"set", "A", "bitRate=5"},
+              1,
+              "bitRate: no such field, or one that can't be set here; did you mean videoSettings.0.bitRate "
+              "or "
+              "audioSettings.0.bitRate?"},
              {{"set", "A", "portNumber=1", "name=B"}, 1, "name: no such field"},
              {{"set", "A", "portNumber=1x"}, 1, "portNumber: expected an integer"},
              {{"set", "A", "videoSettings.0.frameRate=nan"}, 1, "frameRate: expected a number"},
@@ -104,6 +109,9 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
         EXPECT_EQ(refused.output, "");
         EXPECT_EQ(contentOf("A"), before);
     }
+    const Finished below = ctl({"set", "A", "videoSettings.0.bitRate=-5"});
+    EXPECT_EQ(below.exitCode, 0);
+    EXPECT_TRUE(below.errors.contains("videoSettings.0.bitRate: -5 is below zero, set to 0"));
     const Finished limited = ctl({"set", "A", "videoSettings.0.bitRate=999999"});
     EXPECT_EQ(limited.exitCode, 0);
     EXPECT_TRUE(limited.errors.contains("videoSettings.0.bitRate: limited to 240000 by the profile"));
@@ -124,6 +132,75 @@ TEST_F(StoreCommands, ImportAndExportKeepSecretsToThemselves)
     EXPECT_EQ(keyOf(out.path("plain.json")), u""_s);
     EXPECT_EQ(keyOf(out.path("full.json")), keyOf(sample));
     EXPECT_NE(keyOf(sample), u""_s);
+    const auto modeOf = [&](const char *name) {
+        return std::filesystem::status(out.path(name)).permissions();
+    };
+    using std::filesystem::perms;
+    EXPECT_EQ(modeOf("full.json"), perms::owner_read | perms::owner_write);
+    // One that others could read before is closed to them.
+    ASSERT_EQ(ctl({"export", "YouTube Premiere", out.path("plain.json"), "--with-secrets"}).exitCode, 0);
+    EXPECT_EQ(modeOf("plain.json"), perms::owner_read | perms::owner_write);
+}
+
+TEST_F(StoreCommands, TextsCanComeFromAFileOrStandardInput)
+{
+    ASSERT_EQ(ctl({"add", "YouTube", "--name", "A"}).exitCode, 0);
+    const auto keyIs = [&](const QString &key) {
+        return readPresetFile(file("A"))->property("streamKey") == key;
+    };
+    const TemporaryFolder folder;
+    const std::string set = "'" VANTLECTL "' set A --data-dir '" + m_data.path() + "' ";
+    runScript(folder.path(), "printf 'from input\\n' | " + set + "streamKey=@-");
+    EXPECT_TRUE(keyIs(u"from input"_s));
+    EXPECT_EQ(ctl({"set", "A", "streamKey=@" + folder.write("key", " from a file \r\n").string()}).exitCode,
+              0);
+    EXPECT_TRUE(keyIs(u" from a file "_s));
+    EXPECT_EQ(ctl({"set", "A", "streamKey=@@home"}).exitCode, 0);
+    EXPECT_TRUE(keyIs(u"@home"_s));
+    struct Row
+    {
+        std::string value;
+        QByteArray reason;
+    };
+    for (const Row &row : {Row{"streamKey=@" + folder.write("two", "a\nb\n").string(), "expected one line"},
+                           Row{"streamKey=@/nowhere/key", "No such file"},
+                           Row{"portNumber=@" + folder.path("key").string(), "expected an integer"}}) {
+        const Finished refused = ctl({"set", "A", row.value});
+        EXPECT_EQ(refused.exitCode, 1);
+        EXPECT_TRUE(refused.errors.contains(row.reason)) << refused.errors.toStdString();
+        EXPECT_TRUE(keyIs(u"@home"_s));
+    }
+}
+
+TEST_F(StoreCommands, AWordIsAStoredPresetAndAPathAFile)
+{
+    ASSERT_EQ(ctl({"add", "SRT", "--name", "A"}).exitCode, 0);
+    const TemporaryFolder folder;
+    folder.write("B", presetText("HLS").text());
+    const std::string show = "'" VANTLECTL "' show ";
+    const std::string store = " --data-dir '" + m_data.path() + "' ";
+    runScript(folder.path(), "mkdir A; " + show + "A" + store + "| grep -qx 'A (SRT)'");
+    runScript(folder.path(), show + "./B" + store + "| grep -qx 'B (HLS)'");
+    runScript(folder.path(), "! " + show + "B" + store + "2>&1 | grep -q 'B (HLS)'");
+}
+
+TEST_F(StoreCommands, ARefusedRemovalIsToldWithItsReason)
+{
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "A"}).exitCode, 0);
+    const std::filesystem::path folder = file("A").parent_path();
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::remove);
+    std::vector<std::string> remove{VANTLECTL, "remove", "A", "--data-dir", m_data.path()};
+    if (::geteuid() == 0) // a superuser without its capabilities is refused as others are
+        remove.insert(remove.begin(), {"/usr/bin/setpriv", "--bounding-set=-all", "--inh-caps=-all"});
+    const Finished refused = runProcess(remove);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.errors.contains("Error deleting file ") &&
+                refused.errors.endsWith("A.json: Permission denied\n"))
+        << refused.errors.toStdString();
+    EXPECT_TRUE(std::filesystem::exists(file("A")));
 }
 
 TEST_F(StoreCommands, WatchPrintsEveryChangeAndStopsCleanly)

@@ -89,6 +89,9 @@ TEST(Validate, WrongUsageIsTold)
         EXPECT_TRUE(run.errors.startsWith("vantlectl: ") && run.errors.contains("--help"))
             << run.errors.toStdString();
     }
+    EXPECT_TRUE(
+        runProcess({VANTLECTL, "lsit"})
+            .errors.startsWith("vantlectl: there is no subcommand \"lsit\"; did you mean \"list\"?\n"));
     const Finished help = runProcess({VANTLECTL, "--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(help.output.contains("validate"));

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/NamedPreset.h"
+
+#include "apps/vantlectl/PresetText.h"
+
+#include "VantlePresets/model/PresetFactory.h"
+
+namespace vantle::ctl {
+namespace {
+
+bool namesAFile(const std::string &argument, const StoreOptions &options)
+{
+    if (argument.find('/') != std::string::npos)
+        return true; // no preset's name holds one
+    std::error_code ignored;
+    return options.dataDirectory.empty() && argument.ends_with(".json") &&
+           std::filesystem::is_regular_file(argument, ignored);
+}
+
+} // namespace
+
+std::shared_ptr<VantlePreset> namedPreset(const std::string &argument, const StoreOptions &options)
+{
+    if (!namesAFile(argument, options))
+        return StoreSession(options).preset(argument);
+    try {
+        return readPresetFile(argument);
+    } catch (const std::exception &error) {
+        throw Refusal(shown(argument) + QLatin1StringView(": ") + Failure(error).message());
+    }
+}
+
+} // namespace vantle::ctl

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/encoder/EncoderRun.h"
+
+#include "apps/support/StopOnSignal.h"
+#include "apps/vantlectl/Secret.h"
+#include "apps/vantlectl/StoreSession.h"
+
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/document/DocumentWriter.h"
+
+#include <QtCore/QEventLoop>
+#include <QtCore/QProcess>
+
+#include <array>
+#include <csignal>
+
+#include <sys/prctl.h>
+
+namespace vantle::ctl {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The whole lines of what has come in so far; ffmpeg ends some with a carriage return.
+QList<QByteArray> takeLines(QByteArray &buffer)
+{
+    buffer.replace('\r', '\n');
+    const qsizetype end = buffer.lastIndexOf('\n');
+    if (end < 0)
+        return {};
+    const QList<QByteArray> lines = buffer.first(end).split('\n');
+    buffer.remove(0, end + 1);
+    return lines;
+}
+
+struct ProgressField
+{
+    QByteArrayView key; ///< ffmpeg's
+    const char *name;
+    QLatin1StringView unit;
+};
+
+constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
+                                                  {"frame", "frame", " frames"_L1},
+                                                  {"fps", "fps", " fps"_L1},
+                                                  {"bitrate", "bitRate", {}},
+                                                  {"speed", "speed", {}}}};
+
+/// One encoder that runs.
+class EncoderProcess : public QObject
+{
+public:
+    EncoderProcess(const Arguments &arguments, bool json, Output &out)
+        : m_secrets(arguments.secrets()), m_json(json), m_out(out)
+    {
+        QStringList texts = arguments.texts(true);
+        m_process.setProgram(texts.takeFirst());
+        m_process.setArguments(QStringList{u"-nostdin"_s, u"-loglevel"_s, u"warning"_s, u"-nostats"_s,
+                                           u"-stats_period"_s, u"1"_s, u"-progress"_s, u"pipe:1"_s} +
+                               texts);
+        m_process.setStandardInputFile(QProcess::nullDevice());
+        m_process.setChildProcessModifier([] {
+            // The child needs the signals that this process takes from a descriptor, and ends with it.
+            sigset_t none;
+            sigemptyset(&none);
+            sigprocmask(SIG_SETMASK, &none, nullptr);
+            prctl(PR_SET_PDEATHSIG, SIGTERM);
+        });
+        connect(&m_process, &QProcess::readyReadStandardOutput, this, &EncoderProcess::takeProgress);
+        connect(&m_process, &QProcess::readyReadStandardError, this, &EncoderProcess::takeMessages);
+        connect(&m_process, &QProcess::finished, &m_loop, &QEventLoop::quit);
+    }
+
+    ExitCode run()
+    {
+        const StopOnSignal stop([this] { this->stop(); });
+        m_process.start();
+        if (!m_process.waitForStarted(-1))
+            throw Refusal("can't run "_L1 + m_process.program() + ": "_L1 + m_process.errorString());
+        if (m_process.state() != QProcess::NotRunning)
+            m_loop.exec();
+        takeProgress();
+        takeMessages();
+        if (!m_messages.isEmpty())
+            complainMasked(m_messages);
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        return code();
+    }
+
+private:
+    void stop()
+    {
+        if (std::exchange(m_isStopped, true))
+            m_process.kill();
+        else
+            m_process.terminate();
+    }
+
+    [[nodiscard]] ExitCode code() const
+    {
+        const bool isGood = m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+        if (isGood || m_isStopped)
+            return ExitCode::good;
+        complain(m_process.exitStatus() == QProcess::CrashExit
+                     ? u"ffmpeg crashed"_s
+                     : u"ffmpeg ended with exit code %1"_s.arg(m_process.exitCode()));
+        return ExitCode::failed;
+    }
+
+    void takeMessages()
+    {
+        m_messages += m_process.readAllStandardError();
+        for (const QByteArray &line : takeLines(m_messages))
+            complainMasked(line);
+    }
+
+    void complainMasked(QByteArray line)
+    {
+        for (const QString &secret : m_secrets)
+            line.replace(secret.toUtf8(), ctl::secret(secret, false).toUtf8());
+        complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(line)));
+    }
+
+    void takeProgress()
+    try {
+        m_progress += m_process.readAllStandardOutput();
+        for (const QByteArray &line : takeLines(m_progress)) {
+            const qsizetype equals = line.indexOf('=');
+            m_values.insert(line.first(std::max<qsizetype>(equals, 0)), line.sliced(equals + 1).trimmed());
+            if (line.startsWith("progress="))
+                print();
+        }
+    } catch (const std::exception &) {
+        m_failure = std::current_exception();
+        m_process.terminate();
+    }
+
+    void print()
+    {
+        if (m_json) {
+            m_out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+                writer.beginObject();
+                for (const ProgressField &field : kProgress)
+                    writer.string(field.name, text(field));
+                writer.endObject();
+            }));
+        } else {
+            QStringList texts;
+            for (const ProgressField &field : kProgress)
+                texts.append(text(field) + field.unit);
+            m_out.bytes(texts.join("  "_L1).toUtf8());
+        }
+        m_out.line();
+        m_out.flush();
+    }
+
+    [[nodiscard]] QString text(const ProgressField &field) const
+    {
+        return QString::fromUtf8(m_values.value(field.key.toByteArray()));
+    }
+
+    QStringList m_secrets;
+    bool m_json;
+    Output &m_out;
+    QProcess m_process;
+    QEventLoop m_loop;
+    QByteArray m_messages;
+    QByteArray m_progress;
+    QHash<QByteArray, QByteArray> m_values;
+    bool m_isStopped = false;
+    std::exception_ptr m_failure;
+};
+
+} // namespace
+
+int channelsOfInput(const QString &input)
+{
+    QProcess probe;
+    probe.setStandardInputFile(QProcess::nullDevice());
+    probe.start(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, u"a:0"_s, u"-show_entries"_s,
+                               u"stream=channels"_s, u"-of"_s, u"csv=p=0"_s, u"-i"_s, input});
+    if (!probe.waitForStarted(-1))
+        throw Refusal("can't run ffprobe: "_L1 + probe.errorString());
+    probe.waitForFinished(-1);
+    if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
+        throw Refusal("--input: "_L1 +
+                      escapedControls(QString::fromUtf8(probe.readAllStandardError().trimmed())));
+    return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
+}
+
+ExitCode runEncoder(const Arguments &arguments, bool json, Output &out)
+{
+    return EncoderProcess(arguments, json, out).run();
+}
+
+} // namespace vantle::ctl

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "apps/vantlectl/encoder/Container.h"
+#include "apps/vantlectl/encoder/EncoderPlan.h"
+
+namespace vantle::ctl {
+
+/// A plan in the making, with what the parts of planning tell each other.
+struct PlanDraft
+{
+    const VantlePreset &preset;
+    const EncoderRequest &request;
+
+    const Container *container = nullptr; ///< set by the destination, which is planned first
+    Arguments input;
+    QStringList filters;
+    Arguments streams;
+    Arguments destination;
+    QStringList problems;
+    QStringList notes;
+
+    void addInput(std::initializer_list<QString> arguments)
+    {
+        if (request.isPaced)
+            input.add({QStringLiteral("-re")});
+        input.add(arguments);
+    }
+
+    /// The path is one that `vantlectl set` takes, or an option's name.
+    void problem(const QString &path, const QString &reason)
+    {
+        problems.append(path + QLatin1StringView(": ") + reason);
+    }
+    void note(const QString &path, const QString &reason)
+    {
+        notes.append(path + QLatin1StringView(": ") + reason);
+    }
+};
+
+/// "videoSettings.1.pid".
+[[nodiscard]] inline QString fieldPath(QLatin1StringView list, qsizetype index,
+                                       QLatin1StringView field = QLatin1StringView())
+{
+    const QString entry = list + u'.' + QString::number(index);
+    return field.isEmpty() ? entry : entry + u'.' + field;
+}
+
+// Each adds its part to the draft.
+void planDestination(PlanDraft &draft);
+void planHls(PlanDraft &draft);
+void planVideo(PlanDraft &draft);
+void planAudio(PlanDraft &draft);
+
+} // namespace vantle::ctl

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// A host with a window: a video preview whose menu opens the editor and begins the stream.
+#include "examples/preview/PreviewWindow.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtWidgets/QApplication>
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    QCommandLineParser options;
+    options.addHelpOption();
+    options.addOption({QStringLiteral("data-dir"), QStringLiteral("Folder that stands in for /var/lib"),
+                       QStringLiteral("DIR"), QStringLiteral("/var/lib")});
+    options.process(application);
+
+    const auto manager = std::make_shared<vantle::PresetsManager>(
+        [&] { return QStringList{options.value(QStringLiteral("data-dir"))}; });
+    PreviewWindow window(manager);
+    window.show();
+    return QApplication::exec();
+}

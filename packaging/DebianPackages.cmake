@@ -1,0 +1,65 @@
+# One Debian package for each component; cpack makes them from the preset "package".
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "The Vantle authors <vantle@orvalle.example>")
+set(CPACK_PACKAGE_VENDOR "Orvalle")
+set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
+# Each package has a summary of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# So that a package's own libraries are found among the files of the others.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/CompressDocuments.cmake")
+set(same_version "(= ${PROJECT_VERSION}-1)")
+
+# vantle_package(COMPONENT NAME SECTION DEPENDS SUMMARY DESCRIPTION): every package has a copyright file and a
+# changelog.
+function(vantle_package component name section depends summary description)
+  string(TOUPPER ${component} key)
+  foreach(
+    setting
+    "PACKAGE_NAME;${name}" "PACKAGE_SECTION;${section}" "PACKAGE_DEPENDS;${depends}"
+    "DESCRIPTION;${summary}\n ${description}")
+    list(GET setting 0 variable)
+    list(GET setting 1 value)
+    set(CPACK_DEBIAN_${key}_${variable} "${value}" PARENT_SCOPE)
+  endforeach()
+  install(
+    FILES "${PROJECT_SOURCE_DIR}/packaging/debian/copyright"
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name}
+    COMPONENT ${component})
+  install(
+    FILES "${PROJECT_SOURCE_DIR}/packaging/debian/changelog"
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name}
+    RENAME changelog.Debian
+    COMPONENT ${component})
+endfunction()
+
+vantle_package(common vantlepresets-common misc "passwd" "live-streaming presets: the machine's presets folder"
+               "The folder in which all users of a machine keep their presets, the group that may, and the pictures.")
+vantle_package(
+  libraries libvantlepresets0 libs "vantlepresets-common ${same_version}" "live-streaming presets: libraries"
+  "Presets with their video and audio settings, the store that keeps them, and a folder watcher.")
+vantle_package(
+  editor libvantlepresetseditor0 libs "libvantlepresets0 ${same_version}" "live-streaming presets: editor window"
+  "The window in which users create and edit presets, for applications with Qt Widgets.")
+vantle_package(
+  development libvantlepresets-dev libdevel
+  "libvantlepresets0 ${same_version}, libvantlepresetseditor0 ${same_version}, qt6-base-dev"
+  "live-streaming presets: development files"
+  "Headers, and what CMake and pkg-config have to know, for applications that embed presets.")
+vantle_package(
+  tools vantlepresets video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor and tools"
+  "The editor vantle, the command line vantlectl, and vrxwatch, which tells what changes in a folder.")
+set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/postinst"
+                                              "${CMAKE_CURRENT_LIST_DIR}/debian/postrm")
+set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
+set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "qt6-wayland")
+include(CPack)

@@ -1,0 +1,134 @@
+# SPDX-License-Identifier: MIT
+"""Where encoded streams arrive: a folder, or a receiver that listens on the loopback."""
+
+import dataclasses
+import pathlib
+import re
+import socket
+import subprocess
+import time
+import typing
+
+import rtsp_server
+
+
+class Failure(Exception):
+    pass
+
+
+@dataclasses.dataclass
+class Container:
+    """What arrived, and what its kind of container can tell."""
+    name: str
+    files: list
+    identifiers: bool = False
+    languages: bool = False
+    default: typing.Optional[typing.Callable] = None  # of a stream: whether it is marked
+
+
+def free_port(kind):
+    with socket.socket(socket.AF_INET, kind) as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def is_listening(port, table):
+    """Asks the kernel, because a trial connection would be the one that the receiver takes."""
+    state = {"tcp": "0A", "udp": "07"}[table]
+    for line in pathlib.Path(f"/proc/net/{table}").read_text().splitlines()[1:]:
+        fields = line.split()
+        if int(fields[1].split(":")[1], 16) == port and fields[3] == state:
+            return True
+    return False
+
+
+class Listener:
+    """An ffmpeg that listens on a port until its sender ends."""
+
+    def __init__(self, arguments, port, table):
+        self._process = subprocess.Popen(
+            ["ffmpeg", "-v", "error", "-nostdin", "-y", *arguments],
+            stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+        deadline = time.monotonic() + 30
+        while not is_listening(port, table):
+            if self._process.poll() is not None or time.monotonic() > deadline:
+                self.stop()
+                raise Failure("the receiver does not listen: " + self._process.stderr.read())
+            time.sleep(0.01)
+
+    def stop(self):
+        self._process.kill()
+        self._process.wait()
+
+    def receive(self, send):
+        """Runs what sends, and waits until the receiver has written everything."""
+        try:
+            send()
+            self._process.communicate(timeout=60)
+        except subprocess.TimeoutExpired as error:
+            raise Failure("the receiver does not end") from error
+        finally:
+            self.stop()
+
+
+def hls(folder, preset, encode):
+    out = folder / "out"
+    encode("--output", str(out))
+    master = (out / "master.m3u8").read_text()
+    marked = {re.search(r'URI="(\w+)/', line)[1]: "DEFAULT=YES" in line
+              for line in master.splitlines() if line.startswith("#EXT-X-MEDIA")}
+    files = []
+    for kind, key in [("video", "videoSettings"), ("audio", "audioSettings")]:
+        for index in range(len(preset[key])):
+            segments = sorted((out / f"{kind}{index}").glob("*.mp4")) + sorted((out / f"{kind}{index}").glob("segment_*"))
+            whole = folder / f"{kind}{index}{segments[-1].suffix}"
+            whole.write_bytes(b"".join(segment.read_bytes() for segment in segments))
+            files.append(whole)
+            if kind == "video" and f"{kind}{index}/index.m3u8" not in master:
+                raise Failure(f"{kind}{index} is not in the master playlist")
+    is_transport_stream = files[0].suffix == ".ts"
+    return Container("HLS" if is_transport_stream else "HLS, MP4 fragments", files, is_transport_stream, True,
+                     lambda stream: marked[pathlib.Path(stream["path"]).stem])
+
+
+def rtmp(folder, preset, encode):
+    """The services' presets bring application and key; the others have both in their address."""
+    port = free_port(socket.SOCK_STREAM)
+    path = preset["streamingURL"].partition("/")[2]
+    keys = f"{preset['application']}/{preset['streamKey']}" if "streamKey" in preset else path
+    file = folder / "out.flv"
+    listener = Listener(["-listen", "1", "-i", f"rtmp://127.0.0.1:{port}/{keys}", "-c", "copy", str(file)], port, "tcp")
+    listener.receive(lambda: encode("streamingProtocol=RTMP", f"portNumber={port}",
+                                    f"streamingURL=127.0.0.1/{path}".rstrip("/")))
+    return Container("RTMP", [file])
+
+
+def srt(key):
+    def receive(folder, preset, encode):
+        port = free_port(socket.SOCK_DGRAM)
+        file = folder / "out.ts"
+        # As raw data: remuxing would give new packet identifiers.
+        listener = Listener(["-f", "data", "-passphrase", key, "-mode", "listener", "-i", f"srt://127.0.0.1:{port}",
+                             "-map", "0", "-c", "copy", "-f", "data", str(file)], port, "udp")
+        listener.receive(lambda: encode("streamingURL=127.0.0.1", f"portNumber={port}", f"streamKey={key}"))
+        return Container("SRT", [file], identifiers=True, languages=True)
+    return receive
+
+
+def rtsp(folder, preset, encode):
+    server = rtsp_server.RtspServer()
+    path = preset["streamingURL"].partition("/")[2]
+    encode("streamingProtocol=RTSP TCP", f"streamingURL=127.0.0.1:{server.port}/{path}")
+    if not server.recorded.wait(timeout=30):
+        raise Failure("nothing was recorded")
+    return Container("RTSP", [f"rtsp://127.0.0.1:{server.port}/{path}"])
+
+
+def for_preset(preset, stream_key):
+    if preset["type"] == "HLS":
+        return hls
+    if preset["type"] == "SRT":
+        return srt(stream_key)
+    if preset["streamingProtocol"].startswith("RTSP"):
+        return rtsp
+    return rtmp

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FinishedProcess.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace vantle::test {
+namespace {
+
+/// A data directory with one sample in its presets folder.
+class CommandLineHost : public testing::Test
+{
+protected:
+    CommandLineHost() { putSample("Remote Contribution"); }
+
+    void putSample(const std::string &name) const
+    {
+        const auto folder = m_data.path("Orvalle/Streaming Presets");
+        std::filesystem::create_directories(folder);
+        std::filesystem::copy(VANTLE_SAMPLES "/" + name + ".json", folder);
+    }
+
+    TemporaryFolder m_data;
+};
+
+TEST_F(CommandLineHost, PrintsWhatAnEncoderNeeds)
+{
+    const Finished run = runProcess({ENCODER_SETTINGS, "--data-dir", m_data.path(), "Remote Contribution"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.output.startsWith("Remote Contribution (SRT)\n"
+                                      "video  3840 x 2160  AVVideoCodecTypeHEVC  "
+                                      "kVTProfileLevel_HEVC_Main10_AutoLevel  25000 kbit/s  59.94 fps\n"))
+        << run.output.toStdString();
+    EXPECT_TRUE(run.output.contains("audio  0x61616320  48000 Hz  256 kbit/s  en  default\n"));
+    EXPECT_EQ(runProcess({ENCODER_SETTINGS, "--data-dir", m_data.path(), "None"}).exitCode, 1);
+}
+
+TEST_F(CommandLineHost, FollowsTheListOnTheLoopOfGlib)
+{
+    ChildProcess host({GLIB_HOST, "--data-dir", m_data.path()});
+    EXPECT_EQ(host.receive(), "presets: Remote Contribution");
+    putSample("YouTube Premiere");
+    EXPECT_EQ(host.receive(), "presets: Remote Contribution, YouTube Premiere");
+    ::kill(host.id(), SIGTERM);
+    EXPECT_EQ(host.finish(), 0);
+}
+
+} // namespace
+} // namespace vantle::test
