@@ -139,8 +139,9 @@ std::optional<QList<Assignment>> Assignment::parseAll(const std::vector<std::str
     for (const std::string &text : texts) {
         const auto assignment = parse(QString::fromStdString(text));
         if (!assignment) {
-            complain("not an assignment such as portNumber=1936 or videoSettings.0.bitRate=6000: "_L1 +
-                     escapedControls(QString::fromStdString(text).section(u'=', 0, 0)));
+            // Not repeated: "streamKey= key" is two words, and the second one a secret.
+            complain(u"assignment %1 is none: not an assignment such as portNumber=1936 or "
+                     "videoSettings.0.bitRate=6000"_s.arg(assignments.size() + 1));
             return std::nullopt;
         }
         assignments.append(*assignment);

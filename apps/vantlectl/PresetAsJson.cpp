@@ -2,6 +2,7 @@
 #include "apps/vantlectl/LevelFit.h"
 #include "apps/vantlectl/PresetView.h"
 #include "apps/vantlectl/Secret.h"
+#include "apps/vantlectl/encoder/StreamAddress.h"
 
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -14,7 +15,7 @@ using document::DocumentWriter;
 
 void writeConnection(DocumentWriter &writer, const RTMPVantlePreset &preset, bool reveal)
 {
-    writer.string("streamingURL", preset.streamingURL());
+    writer.string("streamingURL", shownAddress(preset.streamingURL(), reveal));
     writer.integer("portNumber", preset.portNumber());
     writer.string("streamingProtocol", displayName(preset.streamingProtocol()));
     if (preset.type() == StreamingType::youTube || preset.type() == StreamingType::facebook) {
@@ -29,9 +30,9 @@ void writeConnection(DocumentWriter &writer, const RTMPVantlePreset &preset, boo
     }
 }
 
-void writeConnection(DocumentWriter &writer, const SRTVantlePreset &preset)
+void writeConnection(DocumentWriter &writer, const SRTVantlePreset &preset, bool reveal)
 {
-    writer.string("streamingURL", preset.streamingURL());
+    writer.string("streamingURL", shownAddress(preset.streamingURL(), reveal));
     writer.integer("portNumber", preset.portNumber());
     writer.boolean("authenticate", preset.authenticate());
 }
@@ -66,7 +67,7 @@ QByteArray presetAsJson(const VantlePreset &preset, bool reveal)
         if (const auto *rtmp = dynamic_cast<const RTMPVantlePreset *>(&preset))
             writeConnection(writer, *rtmp, reveal);
         else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&preset))
-            writeConnection(writer, *srt);
+            writeConnection(writer, *srt, reveal);
         writer.key("videoSettings");
         writer.beginArray();
         for (const auto &video : preset.videoSettings())

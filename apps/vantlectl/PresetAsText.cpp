@@ -4,6 +4,7 @@
 #include "apps/vantlectl/PresetView.h"
 #include "apps/vantlectl/Secret.h"
 #include "apps/vantlectl/Table.h"
+#include "apps/vantlectl/encoder/StreamAddress.h"
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -28,7 +29,7 @@ QString yesNo(bool value)
 
 void addConnection(Table &table, const RTMPVantlePreset &preset, bool reveal)
 {
-    table.add({u"Server"_s, orDash(preset.streamingURL())});
+    table.add({u"Server"_s, orDash(shownAddress(preset.streamingURL(), reveal))});
     table.add({u"Port"_s, QString::number(preset.portNumber())});
     table.add({u"Protocol"_s, displayName(preset.streamingProtocol())});
     if (preset.type() == StreamingType::youTube || preset.type() == StreamingType::facebook) {
@@ -43,9 +44,9 @@ void addConnection(Table &table, const RTMPVantlePreset &preset, bool reveal)
     }
 }
 
-void addConnection(Table &table, const SRTVantlePreset &preset)
+void addConnection(Table &table, const SRTVantlePreset &preset, bool reveal)
 {
-    table.add({u"Server"_s, orDash(preset.streamingURL())});
+    table.add({u"Server"_s, orDash(shownAddress(preset.streamingURL(), reveal))});
     table.add({u"Port"_s, QString::number(preset.portNumber())});
     table.add({u"Authentication"_s, yesNo(preset.authenticate())});
 }
@@ -122,7 +123,7 @@ QStringList presetAsText(const VantlePreset &preset, bool reveal)
     if (const auto *rtmp = dynamic_cast<const RTMPVantlePreset *>(&preset))
         addConnection(connection, *rtmp, reveal);
     else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&preset))
-        addConnection(connection, *srt);
+        addConnection(connection, *srt, reveal);
     if (!connection.lines().isEmpty())
         section(u"Connection"_s, connection);
 

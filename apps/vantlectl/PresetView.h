@@ -8,11 +8,13 @@
 
 namespace vantle::ctl {
 
-/// A preset for people, as lines. Stream key and password are masked unless revealed.
+/// A preset for people, as lines. Stream key and password, in the address too, are masked unless
+/// revealed.
 [[nodiscard]] QStringList presetAsText(const VantlePreset &preset, bool reveal);
 
 /// A preset for machines: what its document keeps, and per rendition what follows from it. What can't be
-/// told is left out. Stream key and password are masked unless revealed.
+/// told is left out. Stream key and password, in the address too, are masked unless
+/// revealed.
 [[nodiscard]] QByteArray presetAsJson(const VantlePreset &preset, bool reveal);
 
 } // namespace vantle::ctl

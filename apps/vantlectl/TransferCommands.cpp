@@ -2,10 +2,12 @@
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
+#include "apps/vantlectl/encoder/StreamAddress.h"
 
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
+#include "VantlePresets/model/SRTVantlePreset.h"
 
 namespace vantle::ctl {
 namespace {
@@ -54,13 +56,17 @@ ExitCode import(const ImportOptions &options, Output &out)
     return isComplete ? code : ExitCode::failed;
 }
 
-/// A copy without stream key and password: empty where the document requires them.
+/// A copy without stream key and password, those in its address included: empty where the document requires
+/// them.
 std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset)
 {
     const auto copy = decodePreset(preset.encoded(document::Format::compact));
     if (auto *const rtmp = dynamic_cast<RTMPVantlePreset *>(copy.get())) {
         rtmp->setStreamKey({});
         rtmp->setAuthenticationPassword({});
+        rtmp->setStreamingURL(addressWithoutSecrets(rtmp->streamingURL()));
+    } else if (auto *const srt = dynamic_cast<SRTVantlePreset *>(copy.get())) {
+        srt->setStreamingURL(addressWithoutSecrets(srt->streamingURL()));
     }
     return copy;
 }

@@ -18,9 +18,22 @@ using namespace vantle;
 using namespace vantle::ctl;
 using namespace Qt::StringLiterals;
 
+/// Names what has no place on the command line, without values: "--streamKey=key" is easily written.
+void complainOfExtras(const CLI::App &app)
+{
+    QStringList names;
+    for (const std::string &extra : app.remaining(true))
+        names.append(escapedControls(QString::fromStdString(extra).section(u'=', 0, 0)));
+    complain("not expected: "_L1 + names.join(u' ') + "\nRun with --help for more information."_L1);
+}
+
 /// Prints what the parser has to say: help and version as output, everything else as a complaint.
 ExitCode explain(const CLI::App &app, const CLI::ParseError &error, Output &out)
 {
+    if (dynamic_cast<const CLI::ExtrasError *>(&error)) {
+        complainOfExtras(app);
+        return ExitCode::usage;
+    }
     std::ostringstream help;
     std::ostringstream complaint;
     const bool isError = app.exit(error, help, complaint) != 0;

@@ -41,6 +41,16 @@ inline std::vector<SecretDocument> secretDocuments()
         {"Wowza", of("Wowza").text(), true},
         {"SRT", of("SRT").text(), true},
         {"HLS", of("HLS").text(), true},
+        {"in a URL",
+         of("RTMP")
+             .with("streamingURL",
+                   R"("rtmp://me:)" + secret + "@host/app/" + secret + R"(?k=)" + secret + '"')
+             .text(),
+         true},
+        {"as parameter", of("SRT").with("streamingURL", R"("srt://host?passphrase=)" + secret + '"').text(),
+         true},
+        {"in no URL", of("Wowza").with("streamingURL", R"("srt://host?passphrase= )" + secret + '"').text(),
+         true},
         {"as kind", of("YouTube").with("type", quoted).text(), true},
         {"as identifier", of("HLS").with("id", quoted).text(), true},
         {"as protocol", of("RTMP").with("streamingProtocol", quoted).text(), true},

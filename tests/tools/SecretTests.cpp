@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/ChildProcess.h"
 #include "tests/support/FinishedProcess.h"
 #include "tests/support/QtPrinters.h"
 #include "tests/support/SecretDocuments.h"
@@ -7,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
+#include <csignal>
 
 namespace vantle::test {
 namespace {
@@ -83,6 +84,50 @@ TEST_F(Secrets, StayOutOfWhatTheStoreSays)
     }
 }
 
+TEST_F(Secrets, StayOutOfEncoderCommandLines)
+{
+    for (const SecretDocument &document : secretDocuments()) {
+        SCOPED_TRACE(document.name);
+        for (const char *port : {"portNumber=443", "portNumber=0"}) // the latter is refused
+            for (const std::string &key : {"streamKey=" + std::string(kSecret), std::string("streamKey=")}) {
+                quiet({"ffmpeg", file(document.name), port, key});
+                quietInStore({"ffmpeg", document.name, "--json", port, key});
+            }
+    }
+    const std::string address = std::string("rtmp://me:") + kSecret + "@host/app/" + kSecret;
+    EXPECT_EQ(quiet({"ffmpeg", file("YouTube"), "--output", address}).exitCode, 0);
+    EXPECT_EQ(runProcess({VANTLECTL, "ffmpeg", "--reveal", file("YouTube")}).output.count(kSecret), 2);
+}
+
+TEST_F(Secrets, StayOutOfWhatWatchPrints)
+{
+    for (const std::string format : {"", "--json"}) {
+        runScript(m_data.path("Orvalle/Streaming Presets"), "cp SRT.json Last.json");
+        ChildProcess watch(
+            {"/bin/sh", "-c",
+             "exec '" VANTLECTL "' watch " + format + " --data-dir '" + m_data.path() + "' 2>&1"});
+        std::string said;
+        const auto readTo = [&](const std::string &what) {
+            for (std::string line; line.find(what) == std::string::npos; said += line + '\n') {
+                line = watch.receive();
+                ASSERT_NE(line, "") << said;
+            }
+        };
+        readTo("watching");
+        runScript(
+            m_data.path("Orvalle/Streaming Presets"),
+            "cp YouTube.json 'New one.json'; cp 'as port.json' 'Bad one.json'; cat RTMP.json > HLS.json;"
+            "cat 'no comma.json' > Wowza.json; rm -f Facebook.json");
+        readTo("Error loading Preset Bad one");
+        runScript(m_data.path("Orvalle/Streaming Presets"), "rm Last.json 'New one.json' 'Bad one.json'");
+        readTo("Last");
+        ::kill(watch.id(), SIGTERM);
+        for (std::string line = watch.receive(); !line.empty(); line = watch.receive())
+            said += line + '\n';
+        EXPECT_EQ(said.find(kSecret), std::string::npos) << said;
+    }
+}
+
 TEST_F(Secrets, StayOutOfImports)
 {
     const TemporaryFolder empty;
@@ -107,7 +152,7 @@ TEST_F(Secrets, StayOutOfComplaintsAboutCommandLines)
              {"set", "RTMP", "streamKey=" + secret},
              {"set", "SRT", "authenticationPassword=" + secret},
              {"set", "nobody", "streamKey=" + secret},
-             {"set", "YouTube", "--streamKey=" + secret},
+             {"set", "YouTube", "isBackup=true", "--streamKey=" + secret},
              {"list", "streamKey=" + secret + " " + secret}})
         EXPECT_NE(quietInStore(arguments).exitCode, 0) << testing::PrintToString(arguments);
     EXPECT_EQ(quietInStore({"set", "YouTube", "streamKey=" + secret, "--json"}).exitCode, 0);

@@ -198,7 +198,7 @@ QHash<QString, QString> srtParameters(PlanDraft &draft, const SRTVantlePreset &p
     for (const auto &[name, value] : QUrlQuery(server.address.query).queryItems(QUrl::FullyDecoded)) {
         if (std::none_of(kSrtParameters.begin(), kSrtParameters.end(),
                          [&](const SrtParameter &parameter) { return parameter.name == name; }))
-            draft.problem(server.field, "unknown parameter "_L1 + name);
+            draft.problem(server.field, u"only passphrase, streamid, latency and mode can be parameters"_s);
         values.insert(name, value);
     }
     return values;

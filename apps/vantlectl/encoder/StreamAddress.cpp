@@ -1,23 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/encoder/StreamAddress.h"
 
+#include "apps/vantlectl/Secret.h"
+
 #include <QtCore/QRegularExpression>
 
 namespace vantle::ctl {
 
 using namespace Qt::StringLiterals;
 
-std::optional<StreamAddress> StreamAddress::parse(const QString &text)
+namespace {
+
+enum Part { kScheme = 1, kLogin, kPassword, kHost, kPort, kPath, kQuery };
+
+QRegularExpressionMatch partsOf(const QString &text)
 {
     static const QRegularExpression form(
         u"\\A(?:([A-Za-z][A-Za-z0-9+.-]*)://)?(?:([^/?@:]*)(?::([^/?@]*))?@)?"
         "(\\[[0-9A-Fa-f:.]+\\]|[^\\s/?#@:\\[\\]]*)(?::(\\d{1,5}))?(?:/([^\\s?]*))?(?:\\?(\\S*))?\\z"_s);
-    const QRegularExpressionMatch match = form.match(text);
+    return form.match(text);
+}
+
+QString withSecretsAs(const QString &replacement, const QString &text)
+{
+    const QRegularExpressionMatch match = partsOf(text);
+    if (!match.hasMatch())
+        return replacement;
+    QString result = text;
+    const auto replace = [&](qsizetype start, qsizetype end) {
+        if (end > start)
+            result.replace(start, end - start, replacement);
+    };
+    // From the end, so that what stands before keeps its place.
+    replace(match.capturedStart(kQuery), match.capturedEnd(kQuery));
+    QString path = match.captured(kPath);
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    if (const qsizetype key = path.lastIndexOf(u'/') + 1; key > 0)
+        replace(match.capturedStart(kPath) + key, match.capturedStart(kPath) + path.size());
+    replace(match.capturedStart(kPassword), match.capturedEnd(kPassword));
+    return result;
+}
+
+} // namespace
+
+std::optional<StreamAddress> StreamAddress::parse(const QString &text)
+{
+    const QRegularExpressionMatch match = partsOf(text);
     if (!match.hasMatch())
         return std::nullopt;
-    StreamAddress address{
-        match.captured(1).toLower(), match.captured(2), match.captured(3), match.captured(4),
-        match.captured(5),           match.captured(6), match.captured(7)};
+    StreamAddress address{match.captured(kScheme).toLower(),
+                          match.captured(kLogin),
+                          match.captured(kPassword),
+                          match.captured(kHost),
+                          match.captured(kPort),
+                          match.captured(kPath),
+                          match.captured(kQuery)};
     address.path = address.path.split(u'/', Qt::SkipEmptyParts).join(u'/');
     return address;
 }
@@ -30,6 +68,16 @@ Argument StreamAddress::server() const
         server.plain(login + u':').secret(password).plain(u"@"_s);
     server.plain(port.isEmpty() ? host : host + u':' + port);
     return server;
+}
+
+QString shownAddress(const QString &text, bool reveal)
+{
+    return reveal || text.isEmpty() ? text : withSecretsAs(secret(text, false), text);
+}
+
+QString addressWithoutSecrets(const QString &text)
+{
+    return withSecretsAs({}, text);
 }
 
 } // namespace vantle::ctl

@@ -27,4 +27,12 @@ struct StreamAddress
     [[nodiscard]] Argument server() const;
 };
 
+/// A preset's address for showing. Unless revealed, what may be secret in it is masked: the password, the
+/// parameters, and the last of two or more parts of the path, which is the stream key where a file keeps
+/// none. A text that is no address is masked as a whole.
+[[nodiscard]] QString shownAddress(const QString &text, bool reveal);
+
+/// A preset's address with what shownAddress() masks left out.
+[[nodiscard]] QString addressWithoutSecrets(const QString &text);
+
 } // namespace vantle::ctl
