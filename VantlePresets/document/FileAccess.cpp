@@ -253,7 +253,7 @@ void StagedFile::createTemporary(Access access)
     if (m_file < 0)
         throw std::system_error(std::make_error_code(std::errc::file_exists));
     if (replaces && access == Access::asBefore)
-        adoptIdentity(old.st_mode & 07777, old.st_uid, old.st_gid);
+        adoptIdentity(old.st_mode & 0777, old.st_uid, old.st_gid); // no set-id bits: the owner may be another
 }
 
 /// False when another process that cleans up took the new file for a leftover, before it was locked.

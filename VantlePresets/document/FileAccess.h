@@ -83,9 +83,9 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 /// file system can, while it is in use) into the target's folder and syncs it; commit() renames it over the
 /// target and syncFolder() makes the renaming last, so that readers and power failures find the old content
 /// or the new one, whole. Without a commit the temporary file is removed. A target that exists keeps its
-/// mode, and its owner and group as far as the process may set them; permissions for a group that could not
-/// be kept are dropped. A new file obeys the umask. With ownerOnly the file, new or not, is the writer's and
-/// nobody else's. A link as target is replaced, never followed.
+/// permissions, and its owner and group as far as the process may set them; permissions for a group that
+/// could not be kept are dropped. A new file obeys the umask. With ownerOnly the file, new or not, is the
+/// writer's and nobody else's. A link as target is replaced, never followed.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile

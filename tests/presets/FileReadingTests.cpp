@@ -4,6 +4,7 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/OtherUser.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 #include "tests/support/TemporaryFolder.h"
@@ -52,23 +53,6 @@ TEST(FileReading, WhatIsNoReadableFileIsAnErrorAtOnce)
     EXPECT_EQ(errorOf(folder.path("loop.json")), std::errc::too_many_symbolic_link_levels);
     EXPECT_EQ(errorOf(folder.path("missing.json")), std::errc::no_such_file_or_directory);
 }
-
-/// Another effective user for a while. Only a process of root's can take it.
-class OtherUser
-{
-public:
-    explicit OtherUser(uid_t user) : m_taken(::seteuid(user) == 0) {}
-    ~OtherUser()
-    {
-        if (m_taken && ::seteuid(::getuid()) != 0)
-            std::abort();
-    }
-    OtherUser(const OtherUser &) = delete;
-    OtherUser &operator=(const OtherUser &) = delete;
-
-private:
-    bool m_taken;
-};
 
 TEST(FileReading, PermissionDeniedIsCalledSo)
 {

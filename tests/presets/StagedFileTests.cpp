@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/document/FileAccess.h"
+#include "tests/support/OtherUser.h"
 #include "tests/support/QtPrinters.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -7,11 +8,14 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdarg>
+#include <functional>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace vantle::test {
@@ -30,6 +34,17 @@ void replace(const std::filesystem::path &path, QByteArrayView content)
 {
     StagedFile file(path, content);
     file.commit();
+}
+
+template <class Action>
+std::error_code errorOf(Action action)
+{
+    try {
+        action();
+        return {};
+    } catch (const std::system_error &error) {
+        return error.code();
+    }
 }
 
 TEST(StagedFile, StandsBesideItsTargetUntilCommitted)
@@ -61,17 +76,17 @@ TEST(StagedFile, KeepsModeOwnerAndGroupOfTheFileReplaced)
 {
     const TemporaryFolder folder;
     const auto path = folder.write("Show.json", "old");
-    ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
     constexpr uid_t kOther = 12345;
     const bool isRoot = ::geteuid() == 0; // only root may give files away
     if (isRoot) {
         ASSERT_EQ(::chown(path.c_str(), kOther, kOther + 1), 0);
     }
+    ASSERT_EQ(::chmod(path.c_str(), 06640), 0);
     const struct stat before = statusOf(path);
     replace(path, "new");
     const struct stat after = statusOf(path);
     EXPECT_NE(after.st_ino, before.st_ino);
-    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_mode & 07777, 0640u) << "and no set-id bits, which would become the writer's";
     EXPECT_EQ(after.st_uid, before.st_uid);
     EXPECT_EQ(after.st_gid, before.st_gid);
 }
@@ -99,6 +114,84 @@ TEST(StagedFile, ReplacesALinkInsteadOfFollowingIt)
     EXPECT_FALSE(std::filesystem::is_symlink(folder.path("Show.json")));
     EXPECT_EQ(folder.content("Show.json"), "new");
     EXPECT_EQ(folder.content("elsewhere"), "untouched");
+}
+
+/// What runs just before a temporary file is made.
+std::function<void(int folder, const char *name)> beforeCreation;
+
+TEST(StagedFile, ANameThatSomebodyGuessedIsNeitherFollowedNorTaken)
+{
+    const TemporaryFolder folder;
+    folder.write("elsewhere", "untouched");
+    for (const char *target : {"elsewhere", "nowhere"}) {
+        std::string planted;
+        beforeCreation = [&](int at, const char *name) {
+            if (!planted.empty())
+                return;
+            planted = name;
+            EXPECT_EQ(::symlinkat(target, at, name), 0);
+        };
+        replace(folder.path("Show.json"), "new");
+        beforeCreation = {};
+        EXPECT_EQ(folder.content("Show.json"), "new");
+        EXPECT_EQ(folder.content("elsewhere"), "untouched");
+        EXPECT_EQ(folder.names(), (Names{planted, "Show.json", "elsewhere"}));
+        std::filesystem::remove(folder.path(planted));
+    }
+}
+
+TEST(StagedFile, CleaningUpTakesLeftoversAndFollowsNoLink)
+{
+    const TemporaryFolder folder;
+    folder.write("elsewhere", "untouched");
+    folder.write(".vantle-leftover", "half");
+    folder.write(".vantle-UPPERCAS", "somebody's");
+    std::filesystem::create_symlink("elsewhere", folder.path(".vantle-linklink"));
+    std::filesystem::create_directory(folder.path(".vantle-dirdirdi"));
+    ASSERT_EQ(::mkfifo(folder.path(".vantle-fifofifo").c_str(), 0600), 0);
+    const StagedFile inUse(folder.path("Show.json"), "new");
+    removeLeftoverFiles(folder.path());
+    EXPECT_EQ(folder.names().size(), 5u) << "with the one in use";
+    EXPECT_THAT(folder.names(), testing::IsSupersetOf({".vantle-UPPERCAS", ".vantle-dirdirdi",
+                                                       ".vantle-linklink", "elsewhere"}));
+    EXPECT_EQ(folder.content("elsewhere"), "untouched");
+}
+
+TEST(StagedFile, MembersOfTheFoldersGroupReplaceEachOthersFilesAndNobodyElseDoes)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "taking another user needs root";
+    constexpr uid_t kAna = 12345;
+    constexpr uid_t kBen = 12346;
+    constexpr gid_t kMembers = 23456;
+    const TemporaryFolder folder;
+    ASSERT_EQ(::chown(folder.path().c_str(), 0, kMembers), 0);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 02770), 0);
+    const auto path = folder.path("Show.json");
+    const auto expect = [&](uid_t owner, mode_t mode) {
+        EXPECT_EQ(statusOf(path).st_uid, owner);
+        EXPECT_EQ(statusOf(path).st_gid, kMembers);
+        EXPECT_EQ(statusOf(path).st_mode & 07777, mode);
+    };
+    const mode_t oldMask = ::umask(0022);
+    {
+        const OtherUser ana(kAna, kMembers);
+        replace(path, "hers");
+        expect(kAna, 0644);
+    }
+    {
+        const OtherUser ben(kBen, kMembers);
+        EXPECT_EQ(errorOf([&] { writeFileInPlace(path, "his"); }), std::errc::permission_denied);
+        replace(path, "his");
+        expect(kBen, 0644);
+    }
+    {
+        const OtherUser stranger(kBen, kMembers + 1);
+        EXPECT_EQ(errorOf([&] { replace(path, "nobody's"); }), std::errc::permission_denied);
+        EXPECT_EQ(errorOf([&] { static_cast<void>(readFile(path)); }), std::errc::permission_denied);
+    }
+    ::umask(oldMask);
+    EXPECT_EQ(folder.content("Show.json"), "his");
 }
 
 TEST(StagedFile, TakesTheLongestNames)
@@ -131,17 +224,6 @@ private:
     void (*m_handler)(int);
 };
 
-template <class Action>
-std::error_code errorOf(Action action)
-{
-    try {
-        action();
-        return {};
-    } catch (const std::system_error &error) {
-        return error.code();
-    }
-}
-
 TEST(StagedFile, AFailureLeavesTheOldFileAndNothingElse)
 {
     const TemporaryFolder folder;
@@ -164,3 +246,18 @@ TEST(StagedFile, AFailureLeavesTheOldFileAndNothingElse)
 
 } // namespace
 } // namespace vantle::test
+
+/// Stands before the C library's: the one moment at which a planted name could be met.
+extern "C" int openat(int folder, const char *path, int flags, ...)
+{
+    mode_t mode = 0;
+    if ((flags & O_CREAT) != 0) {
+        va_list rest;
+        va_start(rest, flags);
+        mode = va_arg(rest, mode_t);
+        va_end(rest);
+        if (vantle::test::beforeCreation)
+            vantle::test::beforeCreation(folder, path);
+    }
+    return static_cast<int>(::syscall(SYS_openat, folder, path, flags, mode));
+}

@@ -135,6 +135,30 @@ TEST(Saving, AFileKeepsItsMode)
     EXPECT_EQ(status.st_mode & 07777, 0640U);
 }
 
+TEST(Saving, ALinkIsReadAndNeverWrittenThrough)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    ASSERT_TRUE(store.runElsewhere(
+        u"mv A.json ../elsewhere; for n in saved renamed removed; do ln -s ../elsewhere $n.json; done"_s));
+    const std::filesystem::path elsewhere = store.folder().parent_path() / "elsewhere";
+    const auto before = std::filesystem::last_write_time(elsewhere);
+    const auto manager = store.makeManager();
+    for (const QString &name : {u"saved"_s, u"renamed"_s})
+        manager->presetWithName(name)->videoSettings().first()->setBitRate(1);
+    manager->save(manager->presetWithName(u"saved"_s));
+    EXPECT_TRUE(manager->rename(manager->presetWithName(u"renamed"_s), u"renamed"_s, u"new name"_s));
+    manager->deletePresetFile(u"removed"_s);
+    manager->waitForFileTasks();
+    EXPECT_EQ(store.fileNames(), (QStringList{u"new name.json"_s, u"saved.json"_s}));
+    for (const char *name : {"saved", "new name"}) {
+        EXPECT_FALSE(std::filesystem::is_symlink(store.file(std::string(name) + ".json")));
+        EXPECT_EQ(store.onDisk(name)->videoSettings().first()->bitRate(), 1);
+    }
+    EXPECT_EQ(std::filesystem::last_write_time(elsewhere), before);
+    EXPECT_EQ(readPresetFile(elsewhere)->videoSettings().first()->bitRate(), 4500);
+}
+
 TEST(Saving, NamesNeverLeaveTheFolder)
 {
     LiveStore store;
