@@ -292,7 +292,8 @@ TEST(FolderStories, HostileFilesCostOneLineEachAndNothingElse)
     ASSERT_EQ(::mkdir(path("folder.json").c_str(), 0700), 0);
     ASSERT_TRUE(store.runElsewhere(u"truncate -s 68719476736 huge.json"_s));
     ASSERT_TRUE(store.runElsewhere(u"head -c 1000000 /dev/zero | tr '\\0' '[' > nested.json"_s));
-    ASSERT_TRUE(store.runElsewhere(u"cp good.json \"$(printf 'bad\\377name.json')\"; : > empty.json"_s));
+    ASSERT_TRUE(store.runElsewhere(u"cp good.json \"$(printf 'bad\\377name.json')\"; : > empty.json;"
+                                   ": > \"$(printf 'two\nlines.json')\""_s));
     const int unixSocket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
@@ -305,10 +306,11 @@ TEST(FolderStories, HostileFilesCostOneLineEachAndNothingElse)
     EXPECT_EQ(namesOf(*manager), (QStringList{u"also good"_s, u"good"_s}));
     QStringList lines = store.logOf("Error loading Preset "_L1);
     lines.sort();
-    EXPECT_EQ(lines.size(), 9) << lines.join(u'\n').toStdString();
+    EXPECT_EQ(lines.size(), 10) << lines.join(u'\n').toStdString();
     EXPECT_TRUE(lines.contains(u"Error loading Preset fifo.json: Not a regular file"_s));
     EXPECT_TRUE(lines.contains(u"Error loading Preset huge.json: File is larger than 64 MiB"_s));
     EXPECT_TRUE(lines.contains(u"Error loading Preset bad\uFFFDname.json: File name is not UTF-8"_s));
+    EXPECT_EQ(store.logOf("Error loading Preset two\\u000alines.json: "_L1).size(), 1);
     EXPECT_TRUE(lines.contains(u"Error loading Preset loop.json: Too many levels of symbolic links"_s));
 }
 
