@@ -13,6 +13,7 @@
 namespace vantle::fuzz {
 namespace {
 
+using namespace Qt::StringLiterals;
 using ctl::Assignment;
 using ctl::AssignmentError;
 
@@ -36,17 +37,22 @@ void checkPreset(const VantlePreset &preset)
             "the preset can be shown");
 }
 
+bool readsFile(const QString &assignment)
+{
+    const QString value = assignment.section(u'=', 1);
+    return value.startsWith(u'@') && !value.startsWith("@@"_L1);
+}
+
 void assign(const QString &text, VantlePreset &preset)
 {
     const auto assignment = Assignment::parse(text);
-    if (!assignment)
+    if (!assignment || readsFile(text))
         return;
     require(text.startsWith(assignment->path()), "an assignment begins with its path");
     const QByteArray before = preset.encoded(document::Format::compact);
     try {
         assignment->apply(preset);
-        static_cast<void>(assignment->isLimited(preset));
-        static_cast<void>(assignment->presentValue(preset));
+        static_cast<void>(assignment->limitation(preset));
     } catch (const AssignmentError &error) {
         require(QString::fromUtf8(error.what()).startsWith(assignment->path() + QStringLiteral(": ")),
                 "an error names the path");

@@ -110,7 +110,7 @@ void WorkingQueue::run(const std::shared_ptr<State> &state)
         try {
             operation(*cancelled);
         } catch (const std::exception &exception) {
-            std::fprintf(stderr, "WatchFolder: an operation failed: %s\n", exception.what());
+            std::fprintf(stderr, "Vantle: an operation failed: %s\n", exception.what());
         }
         operation = nullptr;
         lock.lock();

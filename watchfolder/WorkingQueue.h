@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
 #include "watchfolder/QualityOfService.h"
 
 #include <atomic>
 #include <functional>
 #include <memory>
 
+// Not installed: exported for the presets library alone.
 namespace vantle {
 
 /// Runs operations one at a time, in order, on a thread of its own. All functions may be called from any
 /// thread, the queue's own included: an operation never waits for itself.
-class WorkingQueue
+class VANTLE_WATCHFOLDER_EXPORT WorkingQueue
 {
 public:
     /// Says whether the running operation was cancelled; long operations ask now and then.

@@ -9,15 +9,12 @@
 #include <system_error>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace vantle {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr int kUtilityNiceness = 5;
 
 void requireSuccess(int result)
 {
@@ -41,7 +38,6 @@ PresetFiles::PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> wat
                          FileAppeared fileAppeared)
     : m_folder(std::move(folder)), m_watcher(std::move(watcher)), m_fileAppeared(std::move(fileAppeared))
 {
-    m_thread.setMaxThreadCount(1);
 }
 
 PresetFiles::~PresetFiles()
@@ -95,17 +91,12 @@ void PresetFiles::removeLeftovers()
 
 void PresetFiles::wait()
 {
-    m_thread.waitForDone();
+    m_queue.waitUntilFinished();
 }
 
 void PresetFiles::start(std::function<void()> task)
 {
-    m_thread.start([task = std::move(task)] {
-        static thread_local const int isLowered =
-            ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), kUtilityNiceness);
-        static_cast<void>(isLowered);
-        task();
-    });
+    m_queue.add([task = std::move(task)](const WorkingQueue::Cancelled &) { task(); });
 }
 
 std::string PresetFiles::pathOf(const QString &name) const

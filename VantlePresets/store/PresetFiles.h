@@ -2,10 +2,10 @@
 #pragma once
 
 #include "VantlePresets/document/FileAccess.h"
+#include "watchfolder/WorkingQueue.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
-#include <QtCore/QThreadPool>
 
 #include <functional>
 #include <memory>
@@ -111,7 +111,7 @@ private:
     std::string m_folder;
     std::shared_ptr<VRXWatchFolder> m_watcher;
     FileAppeared m_fileAppeared;
-    QThreadPool m_thread;
+    WorkingQueue m_queue{QualityOfService::Utility};
 };
 
 } // namespace vantle

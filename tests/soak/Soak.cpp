@@ -43,8 +43,7 @@ constexpr const char *kScripts[] = {
     "cp ../good.json .t && mv .t \"Other $R.json\"",
     "cat ../good.json > \"Other $R.json\"",
     "f=$(ls | grep '^Keep' | tail -n1) && k=\"${f#Keep }\" && mv -n \"$f\" \"Keep ${k%%[ .]*} s$R$N.json\"",
-    "f=$(ls | grep '^Keep' | head -n1) && sed -i "
-    "\"s/\\\"bitRate\\\":[0-9]*,\\\"profile/\\\"bitRate\\\":$R,\\\"profile/\" \"$f\"",
+    R"(f=$(ls | grep '^Keep' | head -n1) && sed -i 's/"bitRate":[0-9]*,"profile/"bitRate":'$R',"profile/' "$f")",
     "f=$(ls | grep '^Keep' | head -n1) && cp \"$f\" .u && cat .u > \"$f\"; rm -f .u",
     "{ head -c 200 ../good.json; sleep 0.3; tail -c +201 ../good.json; } > \"Other $R.json\" &",
     "ln -sf ../good.json \"Link $R.json\"",

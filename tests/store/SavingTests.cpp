@@ -23,36 +23,33 @@ using test::waitFor;
 class Worker
 {
 public:
-    explicit Worker(const QStringList &arguments)
+    template <class... Arguments>
+    explicit Worker(const Arguments &...arguments) : m_process({STORE_WORKER, arguments...})
     {
-        m_process.start(QStringLiteral(STORE_WORKER), arguments);
     }
-    ~Worker()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
+    ~Worker() { kill(); }
     Worker(const Worker &) = delete;
     Worker &operator=(const Worker &) = delete;
 
     [[nodiscard]] bool finish()
     {
-        return waitFor([&] { return m_process.state() == QProcess::NotRunning; }) &&
-               m_process.exitCode() == 0;
+        return waitFor([&] { return m_process.status().has_value(); }) && m_process.status() == 0;
     }
     [[nodiscard]] bool hasPrinted()
     {
-        return waitFor([&] { return m_process.bytesAvailable() > 0; });
+        return waitFor([&] { return m_process.hasOutput(); });
     }
-    [[nodiscard]] QByteArray output() { return m_process.readAllStandardOutput(); }
-    void kill()
+    [[nodiscard]] QStringList lines()
     {
-        m_process.kill();
-        m_process.waitForFinished();
+        QStringList lines;
+        for (std::string line; !(line = m_process.receive()).empty();)
+            lines.append(QString::fromStdString(line));
+        return lines;
     }
+    void kill() { m_process.kill(); }
 
 private:
-    QProcess m_process;
+    test::ChildProcess m_process;
 };
 
 TEST(Saving, KillingASavingProcessNeverCostsAFile)
@@ -61,7 +58,7 @@ TEST(Saving, KillingASavingProcessNeverCostsAFile)
     store.writePreset(u"Victim"_s);
     std::mt19937 random(20261121);
     for (int round = 0; round < 500; ++round) {
-        Worker worker({u"save"_s, store.dataDirectory()});
+        Worker worker("save", store.dataDirectory().toStdString());
         ASSERT_TRUE(worker.hasPrinted()); // it is saving
         // The moment of the kill is what this test is about: any will do.
         ::usleep(static_cast<useconds_t>(random() % 3000));
@@ -87,8 +84,8 @@ TEST(Saving, TwoStoresOnOneFolderAgreeInTheEnd)
     for (const bool doNamesCollide : {false, true}) {
         LiveStore store;
         {
-            Worker one({u"churn"_s, store.dataDirectory(), u"one"_s, u"1"_s});
-            Worker two({u"churn"_s, store.dataDirectory(), doNamesCollide ? u"one"_s : u"two"_s, u"2"_s});
+            Worker one("churn", store.dataDirectory().toStdString(), "one", "1");
+            Worker two("churn", store.dataDirectory().toStdString(), doNamesCollide ? "one" : "two", "2");
             const auto manager = store.makeManager();
             ASSERT_TRUE(manager);
             ASSERT_TRUE(one.finish());
@@ -100,10 +97,10 @@ TEST(Saving, TwoStoresOnOneFolderAgreeInTheEnd)
             files.sort();
             EXPECT_EQ(files, store.fileNames()) << "a third store's list is the folder";
         }
-        Worker fresh({u"list"_s, store.dataDirectory()});
+        Worker fresh("list", store.dataDirectory().toStdString());
         ASSERT_TRUE(fresh.finish());
         const auto manager = store.makeManager();
-        EXPECT_EQ(QString::fromUtf8(fresh.output()).split(u'\n', Qt::SkipEmptyParts), namesOf(*manager));
+        EXPECT_EQ(fresh.lines(), namesOf(*manager));
         EXPECT_EQ(store.logOf("Error loading"_L1), QStringList());
     }
 }

@@ -2,6 +2,8 @@
 #include "tests/support/ChildProcess.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -63,10 +65,30 @@ int ChildProcess::finish()
 {
     if (m_input >= 0)
         close(std::exchange(m_input, -1));
-    int status = 0;
-    if (m_id > 0 && waitpid(std::exchange(m_id, -1), &status, 0) < 0)
+    if (m_id > 0 && waitpid(std::exchange(m_id, -1), &m_status, 0) < 0)
         throw std::runtime_error("waitpid failed");
-    return status;
+    return m_status;
+}
+
+std::optional<int> ChildProcess::status()
+{
+    if (m_id > 0 && waitpid(m_id, &m_status, WNOHANG) == 0)
+        return std::nullopt;
+    m_id = -1;
+    return m_status;
+}
+
+bool ChildProcess::hasOutput() const
+{
+    pollfd output{m_output, POLLIN, 0};
+    return poll(&output, 1, 0) == 1;
+}
+
+void ChildProcess::kill()
+{
+    if (m_id > 0)
+        ::kill(m_id, SIGKILL);
+    finish();
 }
 
 void runScript(const std::string &folder, const std::string &script)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,10 +25,17 @@ public:
     std::string receive();
     /// Ends the input, waits for the end of the process, and returns its exit status.
     int finish();
+    /// The exit status, once the process has ended. Waits for nothing.
+    std::optional<int> status();
+    /// Whether receive() would return at once.
+    [[nodiscard]] bool hasOutput() const;
+    /// Ends the process with SIGKILL and waits.
+    void kill();
     pid_t id() const { return m_id; }
 
 private:
-    pid_t m_id = -1;
+    pid_t m_id = -1; // -1 once its end was waited for
+    int m_status = 0;
     int m_input = -1;
     int m_output = -1;
 };

@@ -4,10 +4,10 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 #include "watchfolder/VRXWatchFolder.h"
 
-#include <QtCore/QProcess>
 #include <QtTest/QTest>
 
 #include <atomic>
@@ -56,10 +56,8 @@ public:
     /// Runs a shell script in the folder, as another process; true when it succeeds.
     bool runElsewhere(const QString &script) const
     {
-        QProcess shell;
-        shell.setWorkingDirectory(QString::fromStdString(folder().string()));
-        shell.start(QStringLiteral("sh"), {QStringLiteral("-ec"), script});
-        return waitFor([&] { return shell.state() == QProcess::NotRunning; }) && shell.exitCode() == 0;
+        ChildProcess shell({"sh", "-ec", script.toStdString()}, folder().string());
+        return waitFor([&] { return shell.status().has_value(); }) && shell.status() == 0;
     }
 
     /// Lets the manager hear of everything that happened in the folder before the call.

@@ -197,7 +197,7 @@ QHash<QString, QString> srtParameters(PlanDraft &draft, const SRTVantlePreset &p
         values.insert(u"streamid"_s, preset.application());
     for (const auto &[name, value] : QUrlQuery(server.address.query).queryItems(QUrl::FullyDecoded)) {
         if (std::none_of(kSrtParameters.begin(), kSrtParameters.end(),
-                         [&](const SrtParameter &parameter) { return parameter.name == name; }))
+                         [&name = name](const SrtParameter &parameter) { return parameter.name == name; }))
             draft.problem(server.field, u"only passphrase, streamid, latency and mode can be parameters"_s);
         values.insert(name, value);
     }
