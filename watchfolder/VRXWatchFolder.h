@@ -111,7 +111,7 @@ public:
     void performOwnChange(const QString &path, const std::function<void()> &change);
     /// Compares a directory at or below the folder with the inventory, in the background.
     void forceChangesCheckingAtPath(const QString &path);
-    /// The same for several directories.
+    /// Compares the items at absolute paths with the inventory, and not what is in them, in the background.
     void checkChangesAtPaths(const QSet<QString> &paths);
 
     /// What the inventory knows about an absolute path.

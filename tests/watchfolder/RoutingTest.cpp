@@ -132,6 +132,19 @@ TEST_F(WatcherOnFakeStream, ForeignChangeBehindAnOwnOneIsReported)
     EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("updated a"));
 }
 
+TEST_F(WatcherOnFakeStream, LooksAgainWhereItIsAskedTo)
+{
+    Watching watching(folder.path(), options);
+    runScript(folder.path(), "echo 1 > a; mkdir d; echo 1 > d/b; echo 1 > d/c");
+    watching.watcher->checkChangesAtPaths(
+        {QStringLiteral("/nowhere"), folder.pathText("a"), folder.pathText("d/b")});
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), testing::UnorderedElementsAre("added a", "added d/b"));
+    watching.watcher->forceChangesCheckingAtPath(folder.pathText("d"));
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("added d/c"));
+}
+
 TEST_F(WatcherOnFakeStream, ChecksNetworkVolumesEveryThirtySeconds)
 {
     for (const char *type : {"ext4", "nfs", "smbfs", "smb2", "cifs", "AvidUnityISIS"}) {
