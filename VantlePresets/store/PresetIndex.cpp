@@ -68,7 +68,11 @@ bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
 std::span<const std::shared_ptr<ListedPreset>> PresetIndex::sortedLike(const QString &canonical) const
 {
     const QByteArray key = collationKey(canonical);
-    const auto [begin, end] = std::ranges::equal_range(m_entries, key, {}, &ListedPreset::collationKey);
+    const auto begin =
+        std::lower_bound(m_entries.begin(), m_entries.end(), key,
+                         [](const auto &e, const QByteArray &k) { return e->collationKey < k; });
+    const auto end = std::upper_bound(begin, m_entries.end(), key,
+                                      [](const QByteArray &k, const auto &e) { return k < e->collationKey; });
     return {begin, end};
 }
 
