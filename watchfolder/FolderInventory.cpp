@@ -162,6 +162,7 @@ void FolderInventory::clear()
 {
     const std::lock_guard lock(m_mutex);
     m_inventory.clear();
+    m_replacing = false; // its inventory will not come
     m_ownDuringReplacement.clear();
 }
 

@@ -125,7 +125,7 @@ int openRegular(int folder, const char *path)
     return checked([&] { return ::openat(folder, path, kFlags); });
 }
 
-QByteArray readRegular(int folder, const char *path, FileStamp *stamp)
+void readRegular(int folder, const char *path, QByteArray &content, FileStamp *stamp)
 {
     struct stat status = {};
     const Descriptor file(openRegular(folder, path));
@@ -135,7 +135,6 @@ QByteArray readRegular(int folder, const char *path, FileStamp *stamp)
         *stamp = stampFrom(status);
 
     // The size is a hint only: the file may grow, and files of /proc have none.
-    QByteArray content;
     qsizetype length = 0;
     content.resize(std::min<qint64>(status.st_size, kMaximumFileSize) + 1);
     for (;;) {
@@ -154,7 +153,6 @@ QByteArray readRegular(int folder, const char *path, FileStamp *stamp)
             content.resize(std::min<qsizetype>(2 * length, kMaximumFileSize + 1));
     }
     content.truncate(length);
-    return content;
 }
 
 } // namespace
@@ -172,7 +170,9 @@ std::filesystem::path fileSystemPath(const QString &path)
 
 QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
 {
-    return readRegular(AT_FDCWD, path.c_str(), stamp);
+    QByteArray content;
+    readRegular(AT_FDCWD, path.c_str(), content, stamp);
+    return content;
 }
 
 FolderReader::FolderReader(const std::filesystem::path &folder)
@@ -186,11 +186,12 @@ FolderReader::~FolderReader()
         ::close(m_folder);
 }
 
-QByteArray FolderReader::read(const std::string &path, FileStamp *stamp) const
+void FolderReader::read(const std::string &path, QByteArray &buffer, FileStamp *stamp) const
 {
-    const bool isBelow = m_folder >= 0 && path.starts_with(m_prefix);
-    return isBelow ? readRegular(m_folder, path.c_str() + m_prefix.size(), stamp)
-                   : readRegular(AT_FDCWD, path.c_str(), stamp);
+    if (m_folder >= 0 && path.starts_with(m_prefix))
+        readRegular(m_folder, path.c_str() + m_prefix.size(), buffer, stamp);
+    else
+        readRegular(AT_FDCWD, path.c_str(), buffer, stamp);
 }
 
 std::optional<FileStamp> stampOf(const std::filesystem::path &path)

@@ -66,7 +66,8 @@ public:
     FolderReader(const FolderReader &) = delete;
     FolderReader &operator=(const FolderReader &) = delete;
 
-    [[nodiscard]] QByteArray read(const std::string &path, FileStamp *stamp = nullptr) const;
+    /// Into the buffer, whose memory is used again.
+    void read(const std::string &path, QByteArray &buffer, FileStamp *stamp = nullptr) const;
 
 private:
     std::string m_prefix; ///< of the paths below the folder

@@ -47,33 +47,12 @@ QStringList textsOf(const std::array<qint64, Size> &values, QString (*text)(qint
 
 AudioSettingsView::AudioSettingsView(const std::shared_ptr<AudioSettings> &settings,
                                      const std::shared_ptr<VantlePreset> &preset, QWidget *parent)
-    : GroupBox(parent), m_settings(settings), m_preset(preset)
+    : SettingsForm(settings, preset, parent)
 {
-    if (!settings || !preset)
-        programmingFault("an audio settings form without settings or preset");
     makeFields();
     connectFields();
     observe();
     showSettings();
-}
-
-void AudioSettingsView::setSettings(const std::shared_ptr<AudioSettings> &settings,
-                                    const std::shared_ptr<VantlePreset> &preset)
-{
-    if (settings == m_settings && preset == m_preset)
-        return;
-    const bool isSuccessor = preset == m_preset;
-    m_settings->disconnect(this);
-    m_settings = settings;
-    m_preset = preset;
-    observe();
-    showSettings();
-    if (!isSuccessor)
-        return;
-    for (TextField *field : std::initializer_list<TextField *>{m_language, m_trackName, m_pid}) {
-        if (field)
-            field->carryEditOver();
-    }
 }
 
 void AudioSettingsView::makeFields()

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/editor/GroupBox.h"
-#include "VantlePresets/model/VantlePreset.h"
+#include "VantlePresets/editor/SettingsForm.h"
 
 namespace vantle {
 
@@ -12,33 +11,23 @@ class FieldRow;
 class IntegerField;
 class SettingsHeader;
 class Switch;
-class TextField;
 
-/// The form of one audio track. Writes straight into the track while the user edits.
-class AudioSettingsView : public GroupBox
+/// The form of one audio track.
+class AudioSettingsView final : public SettingsForm<AudioSettings>
 {
     Q_OBJECT
 
 public:
-    /// Which fields there are depends on the preset's class, for good.
     AudioSettingsView(const std::shared_ptr<AudioSettings> &settings,
                       const std::shared_ptr<VantlePreset> &preset, QWidget *parent = nullptr);
-
-    /// Shows another track of a preset of the same class. Within the same preset it takes the place of
-    /// the first one, and what the user is typing goes into it.
-    void setSettings(const std::shared_ptr<AudioSettings> &settings,
-                     const std::shared_ptr<VantlePreset> &preset);
 
 private:
     void makeFields();
     void connectFields();
-    void observe();
-    void showSettings();
+    void observe() override;
+    void showSettings() override;
     void setDefault(bool isDefault);
     void removeSettings();
-
-    std::shared_ptr<AudioSettings> m_settings;
-    std::shared_ptr<VantlePreset> m_preset;
 
     SettingsHeader *m_header = nullptr;
     FieldRow *m_row = nullptr;

@@ -58,32 +58,11 @@ QStringList fittingProfiles(const VideoSettings &settings)
 
 VideoSettingsView::VideoSettingsView(const std::shared_ptr<VideoSettings> &settings,
                                      const std::shared_ptr<VantlePreset> &preset, QWidget *parent)
-    : GroupBox(parent), m_settings(settings), m_preset(preset)
+    : SettingsForm(settings, preset, parent)
 {
-    if (!settings || !preset)
-        programmingFault("a video settings form without settings or preset");
     makeFields();
     observe();
     showSettings();
-}
-
-void VideoSettingsView::setSettings(const std::shared_ptr<VideoSettings> &settings,
-                                    const std::shared_ptr<VantlePreset> &preset)
-{
-    if (settings == m_settings && preset == m_preset)
-        return;
-    const bool isSuccessor = preset == m_preset;
-    m_settings->disconnect(this);
-    m_settings = settings;
-    m_preset = preset;
-    observe();
-    showSettings();
-    if (!isSuccessor)
-        return;
-    for (IntegerField *field : {m_customWidth, m_customHeight, m_bitRate, m_pid}) {
-        if (field)
-            field->carryEditOver();
-    }
 }
 
 void VideoSettingsView::makeFields()

@@ -44,13 +44,15 @@ std::optional<FolderReconciler::FolderFile> FolderReconciler::folderFile(std::st
 }
 
 /// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
-std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, const FolderReader &folder)
+std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, const FolderReader &folder,
+                                                     QByteArray &buffer)
 {
     try {
         if (!file.isUtf8)
             throw std::runtime_error("File name is not UTF-8");
         FileStamp stamp;
-        const auto preset = decodePreset(folder.read(file.path, &stamp));
+        folder.read(file.path, buffer, &stamp);
+        const auto preset = decodePreset(buffer);
         preset->setName(file.name);
         auto listed = std::make_shared<ListedPreset>(preset);
         listed->file->set(file.name, stamp);
@@ -76,10 +78,11 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     std::atomic<std::size_t> next = 0;
     const auto loadSome = [&](PresetIndex::Entries &entries) {
         constexpr std::size_t kChunk = 32;
+        QByteArray buffer;
         for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
                 const auto file = folderFile(std::move(paths[i]));
-                if (auto listed = file ? load(*file, folder) : nullptr)
+                if (auto listed = file ? load(*file, folder, buffer) : nullptr)
                     entries.push_back(std::move(listed));
             }
         }
@@ -118,7 +121,8 @@ void FolderReconciler::add(const std::string &path)
     if (!file)
         return;
     const FolderReader folder(std::string(splitPath(path).directory));
-    if (const auto listed = load(*file, folder))
+    QByteArray buffer;
+    if (const auto listed = load(*file, folder, buffer))
         m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 

@@ -63,7 +63,8 @@ private:
     struct FolderFile;
 
     static std::optional<FolderFile> folderFile(std::string path);
-    std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder);
+    std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder,
+                                       QByteArray &buffer);
     void noteReadability(const FolderFile &file, bool isReadable);
 
     MainThreadQueue &m_queue;

@@ -26,7 +26,7 @@ void ListedPreset::setName(const QString &newName)
 {
     name = newName;
     canonicalName = vantle::canonicalName(newName);
-    collationKey = vantle::collationKey(newName);
+    collationKey = vantle::collationKey(canonicalName);
 }
 
 bool ListedPreset::precedes(const ListedPreset &other) const
@@ -44,25 +44,36 @@ std::shared_ptr<ListedPreset> PresetIndex::find(const VantlePreset *preset) cons
 
 std::shared_ptr<ListedPreset> PresetIndex::findNamed(const QString &name) const
 {
-    const auto [begin, end] = m_byName.equal_range(canonicalName(name));
-    ListedPreset *first = nullptr;
-    bool firstIsExact = false;
-    for (auto entry = begin; entry != end; ++entry) {
-        const bool isExact = (*entry)->name == name;
-        const bool isBetter = !first || (isExact && !firstIsExact) ||
-                              (isExact == firstIsExact && rowOf(**entry) < rowOf(*first));
-        if (isBetter) {
-            first = *entry;
-            firstIsExact = isExact;
-        }
+    const QString canonical = canonicalName(name);
+    std::shared_ptr<ListedPreset> first;
+    for (const auto &entry : sortedLike(canonical)) {
+        if (entry->name == name)
+            return entry;
+        if (!first && entry->canonicalName == canonical)
+            first = entry;
     }
-    return first ? first->shared_from_this() : nullptr;
+    return first;
 }
 
 bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
 {
-    const auto [begin, end] = m_byName.equal_range(canonicalName(name));
-    return std::any_of(begin, end, [&](const ListedPreset *entry) { return entry->preset.get() != except; });
+    const QString canonical = canonicalName(name);
+    const auto alike = sortedLike(canonical);
+    return std::any_of(alike.begin(), alike.end(), [&](const auto &entry) {
+        return entry->preset.get() != except && entry->canonicalName == canonical;
+    });
+}
+
+/// The entries that the order does not tell from a canonical name; all of that name are among them.
+std::span<const std::shared_ptr<ListedPreset>> PresetIndex::sortedLike(const QString &canonical) const
+{
+    const QByteArray key = collationKey(canonical);
+    const auto begin =
+        std::lower_bound(m_entries.begin(), m_entries.end(), key,
+                         [](const auto &e, const QByteArray &k) { return e->collationKey < k; });
+    const auto end = std::upper_bound(begin, m_entries.end(), key,
+                                      [](const QByteArray &k, const auto &e) { return k < e->collationKey; });
+    return {begin, end};
 }
 
 int PresetIndex::rowOf(const ListedPreset &entry) const
@@ -84,7 +95,7 @@ int PresetIndex::insertionRow(const ListedPreset &entry) const
 
 void PresetIndex::insert(int row, std::shared_ptr<ListedPreset> entry)
 {
-    enter(entry);
+    m_byPreset.insert(entry->preset.get(), entry.get());
     m_presets.insert(row, entry->preset);
     m_entries.insert(m_entries.begin() + row, std::move(entry));
 }
@@ -92,16 +103,14 @@ void PresetIndex::insert(int row, std::shared_ptr<ListedPreset> entry)
 void PresetIndex::remove(int row)
 {
     const auto at = m_entries.begin() + row;
-    leave(**at);
+    m_byPreset.remove((*at)->preset.get());
     m_presets.removeAt(row);
     m_entries.erase(at);
 }
 
 void PresetIndex::rename(const std::shared_ptr<ListedPreset> &entry, const QString &name, int from, int to)
 {
-    leave(*entry);
     entry->setName(name);
-    enter(entry);
     m_presets.move(from, to);
     const auto begin = m_entries.begin();
     if (from < to)
@@ -113,9 +122,8 @@ void PresetIndex::rename(const std::shared_ptr<ListedPreset> &entry, const QStri
 void PresetIndex::merge(Entries entries)
 {
     m_byPreset.reserve(m_byPreset.size() + static_cast<qsizetype>(entries.size()));
-    m_byName.reserve(m_byName.size() + static_cast<qsizetype>(entries.size()));
     for (const auto &entry : entries)
-        enter(entry);
+        m_byPreset.insert(entry->preset.get(), entry.get());
     if (m_entries.empty()) {
         m_entries = std::move(entries);
     } else {
@@ -137,25 +145,12 @@ PresetIndex::Entries PresetIndex::takeEntries()
 {
     m_presets.clear();
     m_byPreset.clear();
-    m_byName.clear();
     return std::exchange(m_entries, {});
 }
 
 void PresetIndex::sort(Entries &entries)
 {
     std::stable_sort(entries.begin(), entries.end(), precedes);
-}
-
-void PresetIndex::enter(const std::shared_ptr<ListedPreset> &entry)
-{
-    m_byPreset.insert(entry->preset.get(), entry.get());
-    m_byName.insert(entry->canonicalName, entry.get());
-}
-
-void PresetIndex::leave(ListedPreset &entry)
-{
-    m_byName.remove(entry.canonicalName, &entry);
-    m_byPreset.remove(entry.preset.get());
 }
 
 } // namespace vantle

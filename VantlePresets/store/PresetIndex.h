@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace vantle {
@@ -22,7 +23,7 @@ struct ListedPreset : std::enable_shared_from_this<ListedPreset>
     /// The preset's name as far as the list is concerned; its name() differs while a user types.
     QString name;
     QString canonicalName;
-    QByteArray collationKey;
+    QByteArray collationKey; ///< of the canonical name, so that equal names stand together
     /// Of the document that was last loaded or saved; nothing before the first save and after a failed one.
     std::optional<std::size_t> documentHash;
     std::shared_ptr<PresetFile> file = std::make_shared<PresetFile>();
@@ -77,13 +78,11 @@ public:
     static void sort(Entries &entries);
 
 private:
-    void enter(const std::shared_ptr<ListedPreset> &entry);
-    void leave(ListedPreset &entry);
+    [[nodiscard]] std::span<const std::shared_ptr<ListedPreset>> sortedLike(const QString &canonical) const;
 
     Entries m_entries;
     PresetsList m_presets; // the same rows
     QHash<const VantlePreset *, ListedPreset *> m_byPreset;
-    QMultiHash<QString, ListedPreset *> m_byName; // canonical names
 };
 
 } // namespace vantle

@@ -242,10 +242,13 @@ void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
     auto entry = d->index.find(saved.get());
     if (!entry)
         entry = std::make_shared<ListedPreset>(saved); // not listed: a file of its name alone
-    else if (d->nameEdit != saved && saved->name() != entry->name &&
-             !d->index.isTaken(saved->name(), saved.get()))
+    const bool isRenamed =
+        d->nameEdit != saved && saved->name() != entry->name && !d->index.isTaken(saved->name(), saved.get());
+    if (isRenamed)
         d->moveEntry(entry, saved->name());
     d->startSave(entry, Private::Way::write);
+    if (isRenamed)
+        d->announceList();
     if (d->isQuitting)
         waitForFileTasks();
 }

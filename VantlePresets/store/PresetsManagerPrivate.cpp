@@ -40,7 +40,6 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     files = std::make_unique<PresetFiles>(
         folder.toStdString(), watcher,
         [reconciler = reconciler](const std::string &path) { reconciler->add(path); });
-    files->removeLeftovers();
     WatchFolderError error;
     if (!watcher->startWatching(&error))
         logLine(kStartError + error.description);
@@ -182,6 +181,8 @@ void PresetsManager::Private::lookAgain(const ListedPreset &entry)
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
 {
     const bool isFirst = !std::exchange(isLoaded, true);
+    if (isFirst)
+        files->removeLeftovers();
     if (isFirst && !index.presets().isEmpty())
         loaded = withoutListed(std::move(loaded));
     Q_EMIT q.rowsAboutToBeReset();

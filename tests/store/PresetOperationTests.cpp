@@ -208,6 +208,13 @@ TEST(PresetOperations, RowSignalsTellTheWholeStory)
         test::waitFor([&] { return mirror.names().contains(u"l"_s) && !mirror.names().contains(u"é"_s); }));
     EXPECT_EQ(namesOf(*manager), (QStringList{u"A"_s, u"B copy"_s, u"HLS Preset"_s, u"l"_s, u"zz"_s}));
     EXPECT_EQ(mirror.names(), namesOf(*manager));
+
+    const auto renamedByItsOwner = manager->presetWithName(u"A"_s);
+    const int announcements = mirror.announcements();
+    renamedByItsOwner->setName(u"zzz"_s);
+    manager->save(renamedByItsOwner);
+    EXPECT_EQ(mirror.announcements(), announcements + 1);
+    EXPECT_EQ(mirror.names().last(), u"zzz"_s);
 }
 
 TEST(PresetOperations, WithoutAFolderTheListWorksInMemory)
