@@ -15,9 +15,9 @@ namespace vantle {
 
 namespace {
 
-constexpr std::size_t readSize = 256 * 1024;
+constexpr std::size_t readSize = std::size_t{256} << 10;
 // Past this nobody fetches; a scan of the folder is cheaper than going through that many events.
-constexpr std::size_t mostBytes = 64 * 1024 * 1024;
+constexpr std::size_t mostBytes = std::size_t{64} << 20;
 // After a read the thread naps: a busy writer then costs one wake-up per nap and not one per event. The
 // kernel's queue holds 16,384 events, which takes even several busy writers far longer than this to fill.
 constexpr int napMilliseconds = 5;

@@ -100,7 +100,7 @@ QString lineAndColumn(QByteArrayView text, std::size_t offset)
 
 QString Place::text() const
 {
-    const QString before = parent ? parent->text() : QString();
+    QString before = parent ? parent->text() : QString();
     if (index >= 0)
         return before + QStringLiteral("[%1]").arg(index);
     if (!key)
