@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A host with a window: a video preview whose menu opens the editor and begins the stream.
-#include "examples/preview/PreviewWindow.h"
+#include "PreviewWindow.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtWidgets/QApplication>
