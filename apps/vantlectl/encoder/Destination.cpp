@@ -166,6 +166,8 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     setLogin(draft, preset, server->address);
     Argument target = server->address.server();
     addPath(draft, preset, *server, target);
+    if (server->address.scheme == "rtmps"_L1)
+        draft.note(server->field, kUncheckedCertificate);
     if (preset.isBackup())
         draft.note(u"isBackup"_s, u"does not change the address: set the service's backup host"_s);
     if (transport.rtsp.isEmpty())
