@@ -8,6 +8,8 @@
 int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
+    // The editor keeps its window's place in QSettings.
+    QApplication::setOrganizationName(QStringLiteral("Vantle Examples"));
     QCommandLineParser options;
     options.addHelpOption();
     options.addOption({QStringLiteral("data-dir"), QStringLiteral("Folder that stands in for /var/lib"),
