@@ -120,10 +120,11 @@ ExitCode run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    // The width of characters depends on the locale; texts are UTF-8 in every one.
-    std::setlocale(LC_CTYPE, "C.UTF-8");
     std::signal(SIGPIPE, SIG_IGN);
     const QCoreApplication application(argc, argv);
+    // The width of characters depends on the locale, which Qt has just taken from the environment; texts are
+    // UTF-8 in every one.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     setLogSink([](const QString &line) { complain(line); });
     ExitCode code = ExitCode::failed;
     try {

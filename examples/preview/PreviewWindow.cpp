@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "examples/preview/PreviewWindow.h"
+#include "PreviewWindow.h"
 
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -13,7 +13,11 @@
 PreviewWindow::PreviewWindow(const std::shared_ptr<vantle::PresetsManager> &manager) : m_manager(manager)
 {
     setWindowTitle(tr("Preview"));
-    setCentralWidget(new QLabel(tr("Here the host shows its video."), this));
+    auto *video = new QLabel(tr("Here the host shows its video."), this);
+    video->setAlignment(Qt::AlignCenter);
+    video->setPalette(QPalette(Qt::white, Qt::black));
+    video->setAutoFillBackground(true);
+    setCentralWidget(video);
     resize(640, 360);
     auto *menu = menuBar()->addMenu(tr("&Stream"));
     menu->addAction(tr("&Edit Presets..."), this, &PreviewWindow::editPresets);

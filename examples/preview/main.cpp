@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A host with a window: a video preview whose menu opens the editor and begins the stream.
-#include "examples/preview/PreviewWindow.h"
+#include "PreviewWindow.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtWidgets/QApplication>
@@ -8,6 +8,8 @@
 int main(int argc, char **argv)
 {
     const QApplication application(argc, argv);
+    // The editor keeps its window's place in QSettings.
+    QApplication::setOrganizationName(QStringLiteral("Vantle Examples"));
     QCommandLineParser options;
     options.addHelpOption();
     options.addOption({QStringLiteral("data-dir"), QStringLiteral("Folder that stands in for /var/lib"),

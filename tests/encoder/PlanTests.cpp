@@ -205,14 +205,15 @@ TEST(EncoderPlan, AShellReadsThePrintedLineAsTheArguments)
 TEST(EncoderPlan, WhatDoesNotReachTheStreamIsNoted)
 {
     const QStringList notes =
-        planOf(goodPreset("Wowza").with("videoSettings",
-                                        list({videoText().with("profile", R"("H264_Main_3_0")")})))
+        planOf(goodPreset("Wowza")
+                   .with("streamingProtocol", R"("RTMPS")")
+                   .with("videoSettings", list({videoText().with("profile", R"("H264_Main_3_0")")})))
             .notes;
     QStringList fields;
     for (const QString &note : notes)
         fields.append(note.section(u':', 0, 0));
-    EXPECT_THAT(fields, ElementsAre(u"videoSettings.0.profile"_s, u"bitsPerSample"_s, u"trackName"_s,
-                                    u"language"_s, u"pid"_s));
+    EXPECT_THAT(fields, ElementsAre(u"streamingURL"_s, u"videoSettings.0.profile"_s, u"bitsPerSample"_s,
+                                    u"trackName"_s, u"language"_s, u"pid"_s));
 }
 
 } // namespace

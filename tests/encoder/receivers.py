@@ -9,6 +9,7 @@ import subprocess
 import time
 import typing
 
+import fronts
 import rtsp_server
 
 
@@ -71,9 +72,18 @@ class Listener:
             self.stop()
 
 
-def hls(folder, preset, encode):
+def hls_folder(folder, preset, encode):
+    encode("--output", str(folder / "out"))
+    return hls(folder, preset)
+
+
+def hls_upload(folder, preset, encode):
+    encode("--output", f"http://127.0.0.1:{fronts.UploadServer(folder).port}/out")
+    return hls(folder, preset)
+
+
+def hls(folder, preset):
     out = folder / "out"
-    encode("--output", str(out))
     master = (out / "master.m3u8").read_text()
     marked = {re.search(r'URI="(\w+)/', line)[1]: "DEFAULT=YES" in line
               for line in master.splitlines() if line.startswith("#EXT-X-MEDIA")}
@@ -98,9 +108,10 @@ def rtmp(folder, preset, encode):
     keys = f"{preset['application']}/{preset['streamKey']}" if "streamKey" in preset else path
     file = folder / "out.flv"
     listener = Listener(["-listen", "1", "-i", f"rtmp://127.0.0.1:{port}/{keys}", "-c", "copy", str(file)], port, "tcp")
-    listener.receive(lambda: encode("streamingProtocol=RTMP", f"portNumber={port}",
+    front = fronts.TlsFront(folder, port) if preset["streamingProtocol"] == "RTMPS" else None
+    listener.receive(lambda: encode(f"portNumber={front.port if front else port}",
                                     f"streamingURL=127.0.0.1/{path}".rstrip("/")))
-    return Container("RTMP", [file])
+    return Container(preset["streamingProtocol"], [file])
 
 
 def srt(key):
@@ -124,9 +135,9 @@ def rtsp(folder, preset, encode):
     return Container("RTSP", [f"rtsp://127.0.0.1:{server.port}/{path}"])
 
 
-def for_preset(preset, stream_key):
+def for_preset(preset, stream_key, is_upload):
     if preset["type"] == "HLS":
-        return hls
+        return hls_upload if is_upload else hls_folder
     if preset["type"] == "SRT":
         return srt(stream_key)
     if preset["streamingProtocol"].startswith("RTSP"):

@@ -166,6 +166,8 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     setLogin(draft, preset, server->address);
     Argument target = server->address.server();
     addPath(draft, preset, *server, target);
+    if (server->address.scheme == "rtmps"_L1)
+        draft.note(server->field, kUncheckedCertificate);
     if (preset.isBackup())
         draft.note(u"isBackup"_s, u"does not change the address: set the service's backup host"_s);
     if (transport.rtsp.isEmpty())
@@ -235,8 +237,10 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
         checkPassphrase(draft, values[u"passphrase"_s]);
     else if (!preset.streamKey().isEmpty())
         draft.note(u"streamKey"_s, u"is used only while authenticate is true"_s);
+    // Seven transport packets are what SRT sends in one datagram. Without lingering, for so many seconds at
+    // most, the stream's end would be lost when it closes.
     draft.destination.add({u"-f"_s, u"mpegts"_s, u"-mpegts_flags"_s, u"+resend_headers"_s, u"-pkt_size"_s,
-                           u"1316"_s}); // seven transport packets, what SRT sends in one datagram
+                           u"1316"_s, u"-linger"_s, u"5"_s});
     for (const SrtParameter &parameter : kSrtParameters) {
         const QString value = values.value(parameter.name);
         if (!value.isEmpty())

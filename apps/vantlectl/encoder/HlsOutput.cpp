@@ -23,9 +23,12 @@ std::optional<Argument> baseOf(PlanDraft &draft, bool &isUpload)
     if (isUpload) {
         const auto address = StreamAddress::parse(output);
         if (address && (address->scheme == "http"_L1 || address->scheme == "https"_L1) &&
-            !address->host.isEmpty() && address->query.isEmpty())
+            !address->host.isEmpty() && address->query.isEmpty()) {
+            if (address->scheme == "https"_L1)
+                draft.note(u"--output"_s, kUncheckedCertificate);
             return Argument(address->server())
                 .plain(address->path.isEmpty() ? QString() : u'/' + address->path);
+        }
         draft.problem(u"--output"_s,
                       u"is neither a folder nor an http or https address without parameters"_s);
         return std::nullopt;

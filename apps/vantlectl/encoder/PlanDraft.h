@@ -46,6 +46,9 @@ struct PlanDraft
     return field.isEmpty() ? entry : entry + u'.' + field;
 }
 
+inline constexpr QLatin1StringView kUncheckedCertificate{
+    "the encoder does not check the server's certificate"};
+
 // Each adds its part to the draft.
 void planDestination(PlanDraft &draft);
 void planHls(PlanDraft &draft);
