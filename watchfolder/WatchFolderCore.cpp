@@ -5,6 +5,8 @@
 #include "watchfolder/RunLoop.h"
 #include "watchfolder/WatchFolderWalks.h"
 
+#include <QtCore/QCoreApplication>
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -50,6 +52,8 @@ WatchFolderCore::WatchFolderCore(VRXWatchFolder *owner, const QString &path, boo
 bool WatchFolderCore::start(WatchFolderError *error)
 {
     const std::lock_guard starting(m_startStopMutex);
+    if (QCoreApplication::instance())
+        RunLoop::main(); // made here, where the caller's thread orders it before the first callback
     bool lostWork = false;
     if (m_queue) {
         m_pendingDirectories.clear();
