@@ -72,8 +72,11 @@ int ChildProcess::finish()
 
 std::optional<int> ChildProcess::status()
 {
-    if (m_id > 0 && waitpid(m_id, &m_status, WNOHANG) == 0)
+    const pid_t ended = m_id > 0 ? waitpid(m_id, &m_status, WNOHANG) : m_id;
+    if (ended == 0)
         return std::nullopt;
+    if (ended < 0 && m_id > 0)
+        throw std::runtime_error("waitpid failed");
     m_id = -1;
     return m_status;
 }
