@@ -8,9 +8,9 @@ namespace vantle {
 
 QUuid newObjectId()
 {
-    auto *const random = QRandomGenerator::global();
-    const quint64 first = random->generate64();
-    const quint64 rest = random->generate64();
+    thread_local QRandomGenerator random = QRandomGenerator::securelySeeded(); // the global one locks
+    const quint64 first = random.generate64();
+    const quint64 rest = random.generate64();
     QUuid id(static_cast<uint>(first), static_cast<ushort>(first >> 32), static_cast<ushort>(first >> 48), 0,
              0, 0, 0, 0, 0, 0, 0);
     qToLittleEndian(rest, id.data4);

@@ -5,9 +5,9 @@
 
 namespace vantle {
 
-/// A random UUID that tells objects of this process apart and is never kept in a file. Made from a seeded
-/// generator: QUuid::createUuid() asks the processor for true randomness each time, which took half the
-/// time of reading a preset. Callable from any thread.
+/// A random UUID (version 4 of RFC 4122) from a generator of the calling thread with a secure seed:
+/// QUuid::createUuid() asks the processor for true randomness each time, which took half the time of reading
+/// a preset. Callable from any thread.
 [[nodiscard]] QUuid newObjectId();
 
 } // namespace vantle
