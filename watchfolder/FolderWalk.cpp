@@ -6,6 +6,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -59,25 +61,49 @@ bool readNames(DIR *stream, std::vector<Entry> &entries, std::error_code &error)
     return true;
 }
 
-void readStates(int directory, std::vector<Entry> &entries)
+/// Reads the states of entries, of many on a thread of its own, which the caller's joins when it has nothing
+/// else to do.
+class StatesReading
 {
-    const auto readSome = [&](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i)
-            entries[i].state =
-                readFileState(directory, entries[i].name.c_str(), Follow::No, entries[i].error);
-    };
-    std::size_t own = entries.size();
-    std::jthread helper;
-    if (entries.size() >= kEntriesForTwoThreads && std::thread::hardware_concurrency() > 1) {
+public:
+    StatesReading(int directory, std::vector<Entry> &entries) : m_directory(directory), m_entries(entries)
+    {
+        if (entries.size() < kEntriesForTwoThreads || std::thread::hardware_concurrency() < 2)
+            return;
         try {
-            helper = std::jthread(readSome, entries.size() / 2, entries.size());
-            own = entries.size() / 2;
+            m_helper = std::jthread([this] { readSome(); });
         } catch (const std::system_error &) {
-            // No more threads: this one does it all.
+            // No more threads: the caller's does it all.
         }
     }
-    readSome(0, own);
-}
+    ~StatesReading() { m_next = m_entries.size(); }
+    StatesReading(const StatesReading &) = delete;
+    StatesReading &operator=(const StatesReading &) = delete;
+
+    void finish()
+    {
+        readSome();
+        if (m_helper.joinable())
+            m_helper.join();
+    }
+
+private:
+    void readSome()
+    {
+        constexpr std::size_t kChunk = 64;
+        for (std::size_t begin; (begin = m_next.fetch_add(kChunk)) < m_entries.size();) {
+            for (std::size_t i = begin; i < std::min(begin + kChunk, m_entries.size()); ++i) {
+                Entry &entry = m_entries[i];
+                entry.state = readFileState(m_directory, entry.name.c_str(), Follow::No, entry.error);
+            }
+        }
+    }
+
+    const int m_directory;
+    std::vector<Entry> &m_entries;
+    std::atomic<std::size_t> m_next = 0;
+    std::jthread m_helper; // last: it ends before what it uses
+};
 
 class Walk
 {
@@ -118,22 +144,34 @@ private:
 
     bool readEntries(DIR *stream, const std::string &directory, const std::string &path)
     {
+        // While the states of one batch are read, the one before is visited and the names of the next are
+        // read.
+        std::vector<Entry> before;
         std::vector<Entry> entries;
-        for (bool isMore = true; isMore;) {
+        std::vector<Entry> next;
+        std::error_code error;
+        bool isMore = readNames(stream, entries, error);
+        while (!entries.empty()) {
             if (m_visitor.cancelled())
                 return false;
-            entries.clear();
-            std::error_code error;
-            isMore = readNames(stream, entries, error);
-            readStates(dirfd(stream), entries);
-            for (const Entry &entry : entries) {
-                if (!visit(directory, entry))
-                    return false;
-            }
-            if (error && !saysMissing(error))
-                return m_visitor.shouldContinue(error, path);
+            StatesReading states(dirfd(stream), entries);
+            if (!visitAll(directory, before))
+                return false;
+            next.clear();
+            isMore = isMore && readNames(stream, next, error);
+            states.finish();
+            before.swap(entries);
+            entries.swap(next);
         }
-        return true;
+        if (!visitAll(directory, before))
+            return false;
+        return !error || saysMissing(error) || m_visitor.shouldContinue(error, path);
+    }
+
+    bool visitAll(const std::string &directory, const std::vector<Entry> &entries)
+    {
+        return std::all_of(entries.begin(), entries.end(),
+                           [&](const Entry &entry) { return visit(directory, entry); });
     }
 
     bool visit(const std::string &directory, const Entry &entry)

@@ -210,8 +210,11 @@ QList<QUrl> VRXWatchFolder::URLs() const
 std::vector<std::string> VRXWatchFolder::nativePaths() const
 {
     std::vector<std::string> paths;
-    m_core->inventory.forEach([this, &paths](const std::string &path, const Inventory::Record &) {
-        paths.push_back(m_core->folder + '/' + path);
+    const std::string prefix = m_core->folder + '/';
+    m_core->inventory.forEach([&](const std::string &path, const Inventory::Record &) {
+        std::string &absolute = paths.emplace_back();
+        absolute.reserve(prefix.size() + path.size());
+        absolute.append(prefix).append(path);
     });
     return paths;
 }
