@@ -26,7 +26,7 @@ struct FolderReconciler::FolderFile
 };
 
 FolderReconciler::FolderReconciler(MainThreadQueue &queue, Receiver &receiver)
-    : m_queue(queue), m_receiver(receiver)
+    : m_queue(queue), m_receiver(receiver), m_mainThread(queue.thread())
 {
 }
 
@@ -57,7 +57,6 @@ std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, con
         auto listed = std::make_shared<ListedPreset>(preset);
         listed->file->set(file.name, stamp);
         listed->documentHash = preset->documentHash();
-        preset->moveWithSettingsToThread(m_queue.thread());
         noteReadability(file, true);
         return listed;
     } catch (const std::exception &error) {
@@ -76,15 +75,20 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     const std::size_t count = paths.size();
     const FolderReader folder(count == 0 ? std::string() : std::string(splitPath(paths.front()).directory));
     std::atomic<std::size_t> next = 0;
+    std::mutex moving; // objects that move one by one on several threads slow each other down
     const auto loadSome = [&](PresetIndex::Entries &entries) {
         constexpr std::size_t kChunk = 32;
         QByteArray buffer;
+        std::size_t moved = 0;
         for (std::size_t begin; (begin = next.fetch_add(kChunk)) < count && !m_isCancelled;) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, count); ++i) {
                 const auto file = folderFile(std::move(paths[i]));
                 if (auto listed = file ? load(*file, folder, buffer) : nullptr)
                     entries.push_back(std::move(listed));
             }
+            const std::lock_guard lock(moving);
+            for (; moved < entries.size(); ++moved)
+                entries[moved]->preset->moveWithSettingsToThread(m_mainThread);
         }
         PresetIndex::sort(entries);
     };
@@ -100,8 +104,10 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
         return;
 
     const auto loaded = std::make_shared<PresetIndex>();
+    PresetIndex::Entries entries;
     for (PresetIndex::Entries &part : parts)
-        loaded->merge(std::move(part));
+        entries = PresetIndex::merged(std::move(entries), std::move(part));
+    loaded->merge(std::move(entries));
     m_queue.post([this, loaded] { m_receiver.presetsLoaded(std::move(*loaded)); });
 }
 
@@ -122,17 +128,23 @@ void FolderReconciler::add(const std::string &path)
         return;
     const FolderReader folder(std::string(splitPath(path).directory));
     QByteArray buffer;
-    if (const auto listed = load(*file, folder, buffer))
-        m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
+    const auto listed = load(*file, folder, buffer);
+    if (!listed)
+        return;
+    listed->preset->moveWithSettingsToThread(m_mainThread);
+    m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 
 void FolderReconciler::noteReadability(const FolderFile &file, bool isReadable)
 {
+    if (isReadable && !m_hasUnreadable)
+        return;
     const std::lock_guard lock(m_mutex);
     if (isReadable)
         m_unreadable.remove(file.name);
     else
         m_unreadable.insert(file.name);
+    m_hasUnreadable = !m_unreadable.isEmpty();
 }
 
 bool FolderReconciler::isUnreadable(const QString &name) const
@@ -183,7 +195,7 @@ void FolderReconciler::reread(const std::string &path)
     try {
         source = decodePreset(document);
         source->setName(file->name);
-        source->moveWithSettingsToThread(m_queue.thread());
+        source->moveWithSettingsToThread(m_mainThread);
     } catch (const std::exception &) {
         // Half an edit of somebody's: the preset stays as it is until the file can be read again.
     }

@@ -69,7 +69,9 @@ private:
 
     MainThreadQueue &m_queue;
     Receiver &m_receiver;
+    QThread *const m_mainThread;
     std::atomic<bool> m_isCancelled = false;
+    std::atomic<bool> m_hasUnreadable = false;
     mutable std::mutex m_mutex;
     QSet<QString> m_unreadable; // names of files that could not be loaded; guarded by m_mutex
 };

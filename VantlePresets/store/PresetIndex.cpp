@@ -121,24 +121,27 @@ void PresetIndex::rename(const std::shared_ptr<ListedPreset> &entry, const QStri
 
 void PresetIndex::merge(Entries entries)
 {
-    m_byPreset.reserve(m_byPreset.size() + static_cast<qsizetype>(entries.size()));
-    for (const auto &entry : entries)
-        m_byPreset.insert(entry->preset.get(), entry.get());
-    if (m_entries.empty()) {
-        m_entries = std::move(entries);
-    } else {
-        Entries merged;
-        merged.reserve(m_entries.size() + entries.size());
-        std::merge(std::make_move_iterator(m_entries.begin()), std::make_move_iterator(m_entries.end()),
-                   std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()),
-                   std::back_inserter(merged), precedes);
-        m_entries = std::move(merged);
-    }
+    m_entries = merged(std::move(m_entries), std::move(entries));
+    m_byPreset.reserve(static_cast<qsizetype>(m_entries.size()));
     PresetsList presets;
     presets.reserve(static_cast<qsizetype>(m_entries.size()));
-    for (const auto &entry : m_entries)
+    for (const auto &entry : m_entries) {
+        m_byPreset.insert(entry->preset.get(), entry.get());
         presets.append(entry->preset);
-    m_presets = presets;
+    }
+    m_presets = std::move(presets);
+}
+
+PresetIndex::Entries PresetIndex::merged(Entries a, Entries b)
+{
+    if (a.empty())
+        return b;
+    Entries both;
+    both.reserve(a.size() + b.size());
+    std::merge(std::make_move_iterator(a.begin()), std::make_move_iterator(a.end()),
+               std::make_move_iterator(b.begin()), std::make_move_iterator(b.end()), std::back_inserter(both),
+               precedes);
+    return both;
 }
 
 PresetIndex::Entries PresetIndex::takeEntries()

@@ -76,6 +76,8 @@ public:
 
     /// In the order of the list.
     static void sort(Entries &entries);
+    /// All of both, which must be sorted, in the order of the list.
+    [[nodiscard]] static Entries merged(Entries a, Entries b);
 
 private:
     [[nodiscard]] std::span<const std::shared_ptr<ListedPreset>> sortedLike(const QString &canonical) const;
