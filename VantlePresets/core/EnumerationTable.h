@@ -3,9 +3,11 @@
 
 #include "VantlePresets/core/ProgrammingFault.h"
 
+#include <QtCore/QByteArrayView>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QUtf8StringView>
 
 #include <array>
 #include <cstddef>
@@ -70,6 +72,17 @@ struct EnumerationTable
     {
         for (const Case &c : cases) {
             if (c.text == text)
+                return c.value;
+        }
+        return std::nullopt;
+    }
+
+    /// As above. The display strings are ASCII, so that bytes can be compared.
+    [[nodiscard]] std::optional<Enumeration> fromText(QUtf8StringView text) const
+    {
+        const QByteArrayView bytes(text.data(), text.size());
+        for (const Case &c : cases) {
+            if (QByteArrayView(c.text.data(), c.text.size()) == bytes)
                 return c.value;
         }
         return std::nullopt;

@@ -81,9 +81,9 @@ qint64 toInteger(const Value &value, const Place &place)
         place.text(), QStringLiteral("expected an integer between -2^63 and 2^63 - 1, found another number"));
 }
 
-QString toText(const Value &value)
+QUtf8StringView toText(const Value &value)
 {
-    return QString::fromUtf8(value.GetString(), value.GetStringLength());
+    return {value.GetString(), static_cast<qsizetype>(value.GetStringLength())};
 }
 
 /// "line 12, column 7" of a byte offset.
@@ -148,6 +148,11 @@ bool ObjectReader::boolean(const char *key) const
 
 QString ObjectReader::string(const char *key) const
 {
+    return text(key).toString();
+}
+
+QUtf8StringView ObjectReader::text(const char *key) const
+{
     const Place place{&m_place, key};
     const Value &value = required(asValue(m_value), place);
     if (!value.IsString())
@@ -160,7 +165,7 @@ std::optional<QString> ObjectReader::stringIfAny(const char *key) const
     const Value *value = find(asValue(m_value), key);
     if (!value || !value->IsString())
         return std::nullopt;
-    return toText(*value);
+    return toText(*value).toString();
 }
 
 ArrayReader ObjectReader::array(const char *key) const
@@ -216,7 +221,7 @@ Document::Document(QByteArrayView text) : m_tree(new Tree)
 
     rapidjson::MemoryStream stream(text.data(), static_cast<std::size_t>(text.size()));
     rapidjson::Reader reader;
-    JsonTreeBuilder builder(m_tree->json);
+    JsonTreeBuilder builder(m_tree->json, text.contains('\\'));
     auto parse = [&](rapidjson::Document &) { return !reader.Parse<kParseFlags>(stream, builder).IsError(); };
     m_tree->json.Populate(parse);
 

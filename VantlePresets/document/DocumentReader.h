@@ -6,6 +6,7 @@
 #include <QtCore/QByteArrayView>
 #include <QtCore/QList>
 #include <QtCore/QString>
+#include <QtCore/QUtf8StringView>
 
 #include <memory>
 #include <optional>
@@ -41,6 +42,8 @@ public:
     [[nodiscard]] double number(const char *key) const;
     [[nodiscard]] bool boolean(const char *key) const;
     [[nodiscard]] QString string(const char *key) const;
+    /// As string(), but a view that is valid as long as the document.
+    [[nodiscard]] QUtf8StringView text(const char *key) const;
     /// The string, or nothing when the key is absent or has another type.
     [[nodiscard]] std::optional<QString> stringIfAny(const char *key) const;
     [[nodiscard]] ArrayReader array(const char *key) const;

@@ -55,10 +55,15 @@ public:
         m_json.Bool(value);
     }
 
-    void string(const char *name, QStringView value) override
+    void string(const char *name, QAnyStringView value) override
     {
         key(name);
-        string(value);
+        value.visit([this](auto view) {
+            if constexpr (std::is_same_v<decltype(view), QStringView>)
+                string(view);
+            else
+                string(view.toString());
+        });
     }
 
     void string(QStringView value) override
@@ -115,10 +120,15 @@ public:
         add(value ? 't' : 'f');
     }
 
-    void string(const char *name, QStringView value) override
+    void string(const char *name, QAnyStringView value) override
     {
         key(name);
-        string(value);
+        value.visit([this](auto view) {
+            if constexpr (std::is_same_v<decltype(view), QStringView>)
+                string(view);
+            else
+                addBytes('8', view.data(), static_cast<std::size_t>(view.size()));
+        });
     }
 
     void string(QStringView value) override

@@ -29,7 +29,7 @@ public:
     virtual void number(const char *name, double value) = 0;
     virtual void boolean(const char *name, bool value) = 0;
     /// A lone surrogate, which UTF-8 cannot hold, is written as U+FFFD.
-    virtual void string(const char *name, QStringView value) = 0;
+    virtual void string(const char *name, QAnyStringView value) = 0;
     /// An element of the array that is open.
     virtual void string(QStringView value) = 0;
     virtual void integers(const char *name, const QList<qint64> &values) = 0;
@@ -43,8 +43,8 @@ protected:
 /// The UTF-8 text of what `write` writes. Passes on what it throws.
 [[nodiscard]] QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &write);
 
-/// A hash of what `write` writes: equal for equal texts, without making the text. Of this process only, not
-/// to be stored. Passes on what `write` throws.
+/// A hash of what `write` writes: equal for equal texts, without making the text, if strings of one key come
+/// in one encoding. Of this process only, not to be stored. Passes on what `write` throws.
 [[nodiscard]] std::size_t hashOf(const std::function<void(DocumentWriter &)> &write);
 
 } // namespace vantle::document

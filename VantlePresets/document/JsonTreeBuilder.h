@@ -15,7 +15,8 @@ namespace vantle::document {
 class JsonTreeBuilder
 {
 public:
-    explicit JsonTreeBuilder(rapidjson::Document &tree) : m_tree(tree) {}
+    /// Without escapes in the text, which is valid UTF-8, no string can hold a surrogate.
+    JsonTreeBuilder(rapidjson::Document &tree, bool hasEscapes) : m_tree(tree), m_hasEscapes(hasEscapes) {}
 
     /// Why an event was refused, "" when none was.
     [[nodiscard]] const QString &refusal() const { return m_refusal; }
@@ -30,7 +31,7 @@ public:
     bool RawNumber(const char *text, rapidjson::SizeType length, bool copy);
     bool String(const char *text, rapidjson::SizeType length, bool copy)
     {
-        return isUnicode(text, length) && m_tree.String(text, length, copy);
+        return (!m_hasEscapes || isUnicode(text, length)) && m_tree.String(text, length, copy);
     }
     bool StartObject() { return m_tree.StartObject(); }
     bool Key(const char *text, rapidjson::SizeType length, bool copy) { return String(text, length, copy); }
@@ -42,6 +43,7 @@ private:
     bool isUnicode(const char *text, rapidjson::SizeType length);
 
     rapidjson::Document &m_tree;
+    const bool m_hasEscapes;
     QString m_refusal;
 };
 

@@ -20,7 +20,7 @@ std::shared_ptr<HLSVantlePreset> HLSVantlePreset::decode(const document::ObjectR
 {
     auto preset = std::make_shared<HLSVantlePreset>(Key{});
     preset->decodeBase(root);
-    preset->decodeTracksAgain(root);
+    preset->separateDefaultTrack();
     return preset;
 }
 

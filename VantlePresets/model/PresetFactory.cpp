@@ -33,7 +33,7 @@ std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
     const document::ObjectReader root = json.root();
     // The kind alone decides the class. The class reads the shared keys first, in the same order as a
     // reading of these keys alone would, so that the first error of a document is the same.
-    switch (streamingTypes().fromText(root.string("type")).value_or(StreamingType::hls)) {
+    switch (streamingTypes().fromText(root.text("type")).value_or(StreamingType::hls)) {
     case StreamingType::hls:
         return HLSVantlePreset::decode(root);
     case StreamingType::youTube:

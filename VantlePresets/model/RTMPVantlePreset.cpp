@@ -87,7 +87,7 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::decode(const document::Objec
     auto preset = std::make_shared<RTMPVantlePreset>(Key{});
     preset->decodeBase(root);
     preset->decodeConnection(root);
-    preset->decodeTracksAgain(root);
+    preset->separateDefaultTrack();
     return preset;
 }
 
@@ -100,7 +100,7 @@ void RTMPVantlePreset::decodeConnection(const document::ObjectReader &root)
 {
     m_streamingURL = root.string("streamingURL");
     m_streamingProtocol =
-        kProtocols.fromText(root.string("streamingProtocol")).value_or(StreamingProtocol::rtmp);
+        kProtocols.fromText(root.text("streamingProtocol")).value_or(StreamingProtocol::rtmp);
     m_portNumber = root.integer("portNumber");
     m_authenticate = root.boolean("authenticate");
     if (m_authenticate) {
@@ -116,9 +116,9 @@ void RTMPVantlePreset::decodeConnection(const document::ObjectReader &root)
 
 void RTMPVantlePreset::encode(document::DocumentWriter &writer) const
 {
-    writer.string("type", vantle::displayName(type()));
+    writer.string("type", streamingTypes().text(type()));
     writer.string("streamingURL", m_streamingURL);
-    writer.string("streamingProtocol", vantle::displayName(m_streamingProtocol));
+    writer.string("streamingProtocol", kProtocols.text(m_streamingProtocol));
     writer.integer("portNumber", m_portNumber);
     writer.boolean("authenticate", m_authenticate);
     if (m_authenticate) {

@@ -59,13 +59,13 @@ std::shared_ptr<SRTVantlePreset> SRTVantlePreset::decode(const document::ObjectR
     preset->m_streamingURL = root.string("streamingURL");
     preset->m_portNumber = root.integer("portNumber");
     preset->m_authenticate = root.boolean("authenticate");
-    preset->decodeTracksAgain(root);
+    preset->separateDefaultTrack();
     return preset;
 }
 
 void SRTVantlePreset::encode(document::DocumentWriter &writer) const
 {
-    writer.string("type", vantle::displayName(type()));
+    writer.string("type", streamingTypes().text(type()));
     writer.string("streamingURL", m_streamingURL);
     writer.integer("portNumber", m_portNumber);
     writer.boolean("authenticate", m_authenticate);

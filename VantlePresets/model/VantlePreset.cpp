@@ -58,7 +58,7 @@ std::shared_ptr<VantlePreset> VantlePreset::decode(const document::ObjectReader 
 
 void VantlePreset::encode(document::DocumentWriter &writer) const
 {
-    writer.string("type", displayName(m_type));
+    writer.string("type", streamingTypes().text(m_type));
     encodeLists(writer);
     writer.string("id", m_uuid.toString(QUuid::WithoutBraces));
 }
@@ -193,7 +193,7 @@ void VantlePreset::makeDefaults(StreamingType type, const QString &name)
 void VantlePreset::decodeBase(const document::ObjectReader &root)
 {
     // An unknown kind does not make a file unreadable.
-    m_type = streamingTypes().fromText(root.string("type")).value_or(StreamingType::hls);
+    m_type = streamingTypes().fromText(root.text("type")).value_or(StreamingType::hls);
     m_videoSettings = decodeList<VideoSettings>(root, "videoSettings");
     m_audioSettings = decodeList<AudioSettings>(root, "audioSettings");
     const auto uuid = uuidFromText(root.stringIfAny("id").value_or(QString()));
@@ -205,9 +205,14 @@ void VantlePreset::decodeBase(const document::ObjectReader &root)
     }
 }
 
-void VantlePreset::decodeTracksAgain(const document::ObjectReader &root)
+void VantlePreset::separateDefaultTrack()
 {
-    m_audioSettings = decodeList<AudioSettings>(root, "audioSettings");
+    for (const auto &track : std::as_const(m_audioSettings))
+        track->setDelegate({});
+    if (!m_defaultAudioSettings)
+        return;
+    m_defaultAudioSettings = m_defaultAudioSettings->copy();
+    m_defaultAudioSettings->setDelegate(weak_from_this());
 }
 
 bool VantlePreset::readBaseFromFile(const QString &path)

@@ -145,10 +145,9 @@ protected:
     /// Reads the shared keys: the first step of every class.
     void decodeBase(const document::ObjectReader &root);
 
-    /// Reads the tracks once more and keeps these: the last step of every derived class. They have no
-    /// delegate, and defaultAudioSettings() stays the track of the first reading. Nothing tells a second
-    /// reading of the renditions from the first, so that there is none.
-    void decodeTracksAgain(const document::ObjectReader &root);
+    /// The last step of decode() in every derived class: afterwards the listed tracks have no delegate, and
+    /// defaultAudioSettings() is a track of its own, with a delegate, that equals the one in the list.
+    void separateDefaultTrack();
 
     /// Fills the shared keys and the name from a file; false, silently, when that fails.
     bool readBaseFromFile(const QString &path);

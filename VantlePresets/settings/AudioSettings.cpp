@@ -41,11 +41,11 @@ std::shared_ptr<AudioSettings> AudioSettings::create()
 std::shared_ptr<AudioSettings> AudioSettings::decode(const document::ObjectReader &object)
 {
     auto track = create();
-    const QString codec = object.string("codec");
+    const QUtf8StringView codec = object.text("codec");
     if (const auto known = kCodecs.fromText(codec))
         track->m_codec = *known;
     else
-        object.fail("codec", "Invalid AudioCodec display string: "_L1 + codec);
+        object.fail("codec", "Invalid AudioCodec display string: "_L1 + codec.toString());
     const document::ArrayReader channels = object.array("inputChannels");
     track->m_inputChannels.clear();
     track->m_inputChannels.reserve(channels.size());
@@ -61,10 +61,25 @@ std::shared_ptr<AudioSettings> AudioSettings::decode(const document::ObjectReade
     return track;
 }
 
+std::shared_ptr<AudioSettings> AudioSettings::copy() const
+{
+    auto track = create();
+    track->m_bitRate = m_bitRate;
+    track->m_bitsPerSample = m_bitsPerSample;
+    track->m_sampleRate = m_sampleRate;
+    track->m_inputChannels = m_inputChannels;
+    track->m_codec = m_codec;
+    track->m_language = m_language;
+    track->m_trackName = m_trackName;
+    track->m_isDefault = m_isDefault;
+    track->m_pid = m_pid;
+    return track;
+}
+
 void AudioSettings::encode(document::DocumentWriter &writer) const
 {
     writer.beginObject();
-    writer.string("codec", displayValue(m_codec));
+    writer.string("codec", kCodecs.text(m_codec));
     writer.integer("audioCodecFormatID", audioCodecFormatID());
     writer.integer("bitRate", m_bitRate);
     writer.string("language", m_language);

@@ -82,6 +82,9 @@ public:
     /// Reads one element of "audioSettings"; throws DecodingError. The track has no delegate.
     [[nodiscard]] static std::shared_ptr<AudioSettings> decode(const document::ObjectReader &object);
 
+    /// A track of its own with these values and no delegate.
+    [[nodiscard]] std::shared_ptr<AudioSettings> copy() const;
+
     /// Writes one element of "audioSettings".
     void encode(document::DocumentWriter &writer) const;
 

@@ -60,16 +60,16 @@ std::shared_ptr<VideoSettings> VideoSettings::create()
 std::shared_ptr<VideoSettings> VideoSettings::decode(const document::ObjectReader &object)
 {
     auto settings = create();
-    const QString codec = object.string("codec");
+    const QUtf8StringView codec = object.text("codec");
     if (const auto known = videoCodecs().fromText(codec))
         settings->m_codec = *known;
     else
-        object.fail("codec", "Invalid VideoCodec display string: "_L1 + codec);
-    const QString resolution = object.string("resolution");
+        object.fail("codec", "Invalid VideoCodec display string: "_L1 + codec.toString());
+    const QUtf8StringView resolution = object.text("resolution");
     if (const auto known = videoResolutions().fromText(resolution))
         settings->m_resolution = *known;
     else
-        object.fail("resolution", "Invalid Resolution display string: "_L1 + resolution);
+        object.fail("resolution", "Invalid Resolution display string: "_L1 + resolution.toString());
     settings->m_customWidth = object.integer("customWidth");
     settings->m_customHeight = object.integer("customHeight");
     settings->m_frameRate = object.number("frameRate");
@@ -82,8 +82,8 @@ std::shared_ptr<VideoSettings> VideoSettings::decode(const document::ObjectReade
 void VideoSettings::encode(document::DocumentWriter &writer) const
 {
     writer.beginObject();
-    writer.string("codec", vantle::displayName(m_codec));
-    writer.string("resolution", displayValue(m_resolution));
+    writer.string("codec", videoCodecs().text(m_codec));
+    writer.string("resolution", videoResolutions().text(m_resolution));
     writer.integer("customWidth", m_customWidth);
     writer.integer("customHeight", m_customHeight);
     writer.number("frameRate", m_frameRate);
