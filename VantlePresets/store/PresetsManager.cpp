@@ -279,6 +279,8 @@ bool PresetsManager::hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset
     const auto entry = d->index.find(preset.get());
     if (!entry || !entry->documentHash)
         return true;
+    if (entry->isRenameDue && entry->savesInFlight == 0) // it has failed
+        return true;
     const auto hash = documentHash(*preset);
     return hash && hash != entry->documentHash;
 }

@@ -92,7 +92,8 @@ public:
     /// Deletes a file of the folder in the background; a listed preset stays listed.
     void deletePresetFile(const QString &name);
 
-    /// Whether the preset's document differs from the one that was last loaded or saved.
+    /// Whether the preset's document differs from the one that was last loaded or saved, or its file still
+    /// has an earlier name because renaming failed. save() sets both right.
     [[nodiscard]] bool hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset) const;
 
     /// Tells the store that a view writes the preset's name while the user types. Until the edit ends,

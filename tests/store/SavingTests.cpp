@@ -198,6 +198,7 @@ TEST(Saving, ARefusedWriteLeavesTheOldFile)
         if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, c.fill ? c.options : nullptr) != 0)
             GTEST_SKIP() << "mounting is refused: " << std::strerror(errno);
         store.writePreset(u"A"_s);
+        store.writePreset(u"C"_s);
         if (c.fill)
             store.runElsewhere(u"cat /dev/zero > filler 2>/dev/null || true"_s);
         else
@@ -211,14 +212,19 @@ TEST(Saving, ARefusedWriteLeavesTheOldFile)
             EXPECT_EQ(store.logOf("Error"_L1), QStringList{u"Error writing preset A: "_s + c.reason});
             EXPECT_EQ(store.onDisk("A")->videoSettings().first()->bitRate(), 4500);
             EXPECT_TRUE(waitFor([&] { return manager->hasUnsavedEdits(a); }));
-            if (c.fill) { // a rename that had to wait takes the old file away when it gets through
+            if (c.fill) { // renames that had to wait take the old files away when they get through
+                const auto unedited = manager->presetWithName(u"C"_s);
                 EXPECT_TRUE(manager->rename(a, u"A"_s, u"B"_s));
+                EXPECT_TRUE(manager->rename(unedited, u"C"_s, u"D"_s));
                 EXPECT_TRUE(waitFor([&] { return !manager->hasPendingSaves(); }));
-                EXPECT_TRUE(store.onDisk("A"));
+                EXPECT_EQ(store.fileNames(), (QStringList{u"A.json"_s, u"C.json"_s, u"filler"_s}));
                 ASSERT_TRUE(store.runElsewhere(u"rm filler"_s));
-                manager->save(a);
+                for (const auto &preset : {a, unedited}) {
+                    EXPECT_TRUE(manager->hasUnsavedEdits(preset));
+                    manager->save(preset);
+                }
                 manager->waitForFileTasks();
-                EXPECT_EQ(store.fileNames(), QStringList{u"B.json"_s});
+                EXPECT_EQ(store.fileNames(), (QStringList{u"B.json"_s, u"D.json"_s}));
             }
         }
         EXPECT_EQ(::umount(folder.c_str()), 0);
