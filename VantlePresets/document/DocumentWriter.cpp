@@ -60,9 +60,9 @@ public:
         key(name);
         value.visit([this](auto view) {
             if constexpr (std::is_same_v<decltype(view), QStringView>)
-                string(view);
+                this->string(view);
             else
-                string(view.toString());
+                this->string(view.toString());
         });
     }
 
@@ -125,9 +125,9 @@ public:
         key(name);
         value.visit([this](auto view) {
             if constexpr (std::is_same_v<decltype(view), QStringView>)
-                string(view);
+                this->string(view);
             else
-                addBytes('8', view.data(), static_cast<std::size_t>(view.size()));
+                this->addBytes('8', view.data(), static_cast<std::size_t>(view.size()));
         });
     }
 
