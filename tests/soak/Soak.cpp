@@ -239,6 +239,11 @@ private:
                 m_lists[i] = listOf(*m_managers[i]);
             m_fresh = freshList();
         } while ((m_lists[0] != m_fresh || m_lists[1] != m_fresh) && !deadline.hasExpired());
+        for (const auto &entry : fs::directory_iterator(folder())) { // nobody writes any more
+            const std::string name = entry.path().filename().string();
+            if (name.starts_with(".vantle-"))
+                m_failure = "a temporary file is left: " + QByteArray::fromStdString(name);
+        }
         const qsizetype kept = noteKept();
         std::printf("%d: %lld presets, %lld kept%s%s\n", number, static_cast<long long>(m_fresh.size()),
                     static_cast<long long>(kept), *event ? ", " : "", event);
@@ -250,9 +255,8 @@ private:
     void tidyUp()
     {
         for (const auto &entry : fs::directory_iterator(folder())) {
-            const std::string name = entry.path().filename().string();
-            if (name.starts_with(".vantle-"))
-                m_failure = "a temporary file is left: " + QByteArray::fromStdString(name);
+            if (entry.path().filename().string().starts_with('.')) // being written
+                continue;
             try {
                 static_cast<void>(readPresetFile(entry.path()));
             } catch (const std::exception &) {
