@@ -79,9 +79,13 @@ void PresetFiles::remove(const std::shared_ptr<PresetFile> &file)
     });
 }
 
-void PresetFiles::remove(const QString &name)
+void PresetFiles::remove(const QString &name, const std::shared_ptr<PresetFile> &file)
 {
-    start([this, name] { removeNow(name); });
+    start([this, name, file] {
+        removeNow(name);
+        if (file && file->name() == name)
+            file->clear();
+    });
 }
 
 void PresetFiles::removeLeftovers()

@@ -29,6 +29,12 @@ public:
         m_name = name;
         m_stamp = stamp;
     }
+    void clear()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_name.clear();
+        m_stamp.reset();
+    }
     /// "" for none.
     [[nodiscard]] QString name() const
     {
@@ -92,8 +98,8 @@ public:
     void rename(const Save &save, const Done &done);
     /// Deletes the preset's file, if it has one.
     void remove(const std::shared_ptr<PresetFile> &file);
-    /// Deletes the file of this name, whosever it is.
-    void remove(const QString &name);
+    /// Deletes the file of this name, whosever it is. The preset, if one is given, stands for it no longer.
+    void remove(const QString &name, const std::shared_ptr<PresetFile> &file);
     /// Deletes what killed processes left behind.
     void removeLeftovers();
     /// Runs a task after those that were started before.

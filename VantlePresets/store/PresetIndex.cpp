@@ -55,6 +55,15 @@ std::shared_ptr<ListedPreset> PresetIndex::findNamed(const QString &name) const
     return first;
 }
 
+std::shared_ptr<ListedPreset> PresetIndex::findFile(const QString &name) const
+{
+    const auto alike = sortedLike(canonicalName(name));
+    const auto found = std::find_if(alike.begin(), alike.end(), [&](const auto &entry) {
+        return entry->name == name && entry->file->name() == name;
+    });
+    return found != alike.end() ? *found : findNamed(name);
+}
+
 bool PresetIndex::isTaken(const QString &name, const VantlePreset *except) const
 {
     const QString canonical = canonicalName(name);

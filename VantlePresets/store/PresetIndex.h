@@ -57,6 +57,8 @@ public:
     [[nodiscard]] std::shared_ptr<ListedPreset> find(const VantlePreset *preset) const;
     /// Under canonical equivalence; of several an entry with these code units, else the first of the list.
     [[nodiscard]] std::shared_ptr<ListedPreset> findNamed(const QString &name) const;
+    /// The entry of this name that stands for the file of this name; without one as findNamed().
+    [[nodiscard]] std::shared_ptr<ListedPreset> findFile(const QString &name) const;
     /// Whether an entry other than the given one has the name.
     [[nodiscard]] bool isTaken(const QString &name, const VantlePreset *except = nullptr) const;
 

@@ -269,8 +269,10 @@ void PresetsManager::saveSelectedPreset()
 void PresetsManager::deletePresetFile(const QString &name)
 {
     requireMainThread(*this);
-    if (d->files)
-        d->files->remove(name);
+    if (!d->files)
+        return;
+    const auto entry = d->index.findFile(name);
+    d->files->remove(name, entry ? entry->file : nullptr);
 }
 
 bool PresetsManager::hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset) const

@@ -174,8 +174,13 @@ void PresetsManager::Private::giveFreeName(const Entry &entry)
 /// Lets the file itself say what has become of it.
 void PresetsManager::Private::lookAgain(const ListedPreset &entry)
 {
-    const QString path = folder + u'/' + entry.name + ".json"_L1;
-    files->start([reconciler = reconciler, path = path.toStdString()] { reconciler->reread(path); });
+    files->start(
+        [reconciler = reconciler, path = pathOf(entry.name).toStdString()] { reconciler->reread(path); });
+}
+
+QString PresetsManager::Private::pathOf(const QString &name) const
+{
+    return folder + u'/' + name + ".json"_L1;
 }
 
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
@@ -201,7 +206,7 @@ PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
 {
     PresetIndex::Entries entries = loaded.takeEntries();
     std::erase_if(entries, [this](const Entry &entry) {
-        const auto known = index.findNamed(entry->name);
+        const auto known = index.findFile(entry->name);
         return known && known->file->name() == entry->name;
     });
     PresetIndex rest;
@@ -211,14 +216,18 @@ PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
 
 void PresetsManager::Private::presetAdded(const Entry &added)
 {
-    const auto known = index.findNamed(added->name);
-    if (known && known->savesInFlight > 0 && known->file->name() == added->name) {
-        known->wasChangedMeanwhile = true; // removed and made again
+    // Not all reports come from one thread: that it is gone may have been reported before.
+    const QString path = pathOf(added->name);
+    if (!watcher->hasItemAtPath(path) && !stampOf(fileSystemPath(path)))
+        return;
+    const auto known = index.findFile(added->name);
+    const auto stamp = added->file->stampAt(added->name);
+    if (known && stamp && known->file->name() == added->name) {
+        // It was away for a moment, or its removal was reported while a save was under way.
+        if (known->file->stampAt(added->name) != stamp)
+            presetUpdated(added->name, added->preset, *stamp);
         return;
     }
-    const auto stamp = added->file->stampAt(added->name);
-    if (known && stamp && known->file->stampAt(added->name) == stamp)
-        return; // this very file is listed: it was away for a moment
     insert(added);
     announceList();
 }
@@ -228,12 +237,12 @@ void PresetsManager::Private::presetAdded(const Entry &added)
 bool PresetsManager::Private::isAsSaved(const ListedPreset &entry, const QString &name) const
 {
     const auto own = entry.file->stampAt(name);
-    return own && own == stampOf(fileSystemPath(folder + u'/' + name + ".json"_L1));
+    return own && own == stampOf(fileSystemPath(pathOf(name)));
 }
 
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
-    const auto entry = index.findNamed(name);
+    const auto entry = index.findFile(name);
     if (!entry || isAsSaved(*entry, name))
         return;
     if (entry->savesInFlight > 0) {
@@ -247,7 +256,7 @@ void PresetsManager::Private::presetRemoved(const QString &name)
 void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
                                             const FileStamp &stamp)
 {
-    const auto entry = index.findNamed(name);
+    const auto entry = index.findFile(name);
     if (!entry || !source)
         return;
     if (entry->savesInFlight > 0) {

@@ -34,6 +34,7 @@ public:
     void giveFreeName(const Entry &entry);
     void lookAgain(const ListedPreset &entry);
     [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
+    [[nodiscard]] QString pathOf(const QString &name) const;
 
     void presetsLoaded(PresetIndex loaded) override;
     void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }

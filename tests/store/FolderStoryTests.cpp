@@ -221,6 +221,14 @@ TEST_F(OpenList, ABrokenForeignEditSurvivesASelection)
     EXPECT_TRUE(m_store.onDisk("B"));
 }
 
+TEST_F(OpenList, AForeignFileWithAListedNameIsAnotherPreset)
+{
+    m_manager->deletePresetFile(u"B"_s);
+    m_manager->waitForFileTasks();
+    ASSERT_TRUE(elsewhere(u"cp A.json B.json"_s));
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"A"_s, u"B"_s, u"B"_s, u"C"_s}));
+}
+
 TEST_F(OpenList, ObserversMayRemoveWhatIsBeingSelected)
 {
     const auto b = m_manager->presetWithName(u"B"_s);
