@@ -3,6 +3,8 @@
 
 #include "watchfolder/NativePath.h"
 
+#include <fcntl.h>
+
 namespace vantle {
 
 std::optional<Inventory::Record> FolderInventory::find(std::string_view path) const
@@ -44,8 +46,9 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     if (!state) {
         if (record == nullptr || !saysMissing(error))
             return {};
-        // With the whole folder gone, nobody can say that it was this process who removed the item.
-        if (mayBeOwnRemoval && readState({}, error)) {
+        // With the whole folder gone or replaced, nobody can say that it was this process who removed the
+        // item.
+        if (mayBeOwnRemoval && isNotedFolder()) {
             removeWithDescendants(changed.path);
             return {};
         }
@@ -107,8 +110,23 @@ void FolderInventory::takeOver(std::string_view path)
     std::error_code error;
     if (const auto state = readState(path, error))
         m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true});
-    else if (saysMissing(error))
+    else if (saysMissing(error) && isNotedFolder())
         removeWithDescendants(path);
+}
+
+void FolderInventory::noteFolder()
+{
+    const std::lock_guard lock(m_mutex);
+    std::error_code error;
+    m_notedFolder = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
+}
+
+bool FolderInventory::isNotedFolder() const
+{
+    std::error_code error;
+    const auto present = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
+    return present && m_notedFolder && present->inode == m_notedFolder->inode &&
+           present->device == m_notedFolder->device;
 }
 
 std::uint32_t FolderInventory::beginWalk()

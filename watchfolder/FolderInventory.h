@@ -60,6 +60,9 @@ public:
     /// Runs a change that this process makes to a path and records its outcome, under the lock.
     void performOwnChange(std::string_view path, const std::function<void()> &change);
 
+    /// Before the whole folder is walked: notes which folder stands at the path. What is missing in another
+    /// one has not been removed by this process.
+    void noteFolder();
     /// A walk: begin, meet every entry, then ask for what was not met.
     std::uint32_t beginWalk();
     /// True when the entry is as recorded; otherwise it has to be compared.
@@ -72,6 +75,7 @@ public:
     void clear();
 
 private:
+    bool isNotedFolder() const;
     void takeOver(std::string_view path);
     void removeWithDescendants(std::string_view path);
     std::optional<FileState> readState(std::string_view path, std::error_code &error) const;
@@ -80,6 +84,7 @@ private:
     mutable std::mutex m_mutex;
     Inventory m_inventory;
     std::set<std::string, std::less<>> m_ownDuringReplacement;
+    std::optional<FileState> m_notedFolder;
     std::uint32_t m_walk = 0;
     bool m_replacing = false;
     bool m_ownEventsAreTold = false;

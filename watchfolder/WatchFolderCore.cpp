@@ -308,6 +308,7 @@ void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
     if (!current)
         return;
     ChangeReport report = makeReport(cancelled);
+    inventory.noteFolder();
     inventory.beginReplacement();
     FirstEnumeration enumeration(*this, current.get(), report);
     walkFolder(folder, {}, enumerationOptions(), enumeration);
@@ -338,6 +339,8 @@ void WatchFolderCore::enumeratePendingDirectories(const Cancelled &cancelled)
 void WatchFolderCore::enumerateAndPerformChangesAtPath(const std::string &directory, ChangeReport &report)
 {
     const auto current = stream();
+    if (directory.empty())
+        inventory.noteFolder();
     ReInventory found(*this, current.get(), report);
     if (deepWatch || directory.empty())
         walkFolder(folder, directory, enumerationOptions(), found);

@@ -132,6 +132,20 @@ TEST_F(WatcherOnFakeStream, ForeignChangeBehindAnOwnOneIsReported)
     EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("updated a"));
 }
 
+TEST_F(WatcherOnFakeStream, WhatThisProcessChangedIsMissedInAnotherFolder)
+{
+    runScript(folder.path(), "mkdir w; echo 1 > w/a; echo 1 > w/b");
+    Watching watching(folder.path("w"), options);
+    watching.watcher->performOwnChange(folder.pathText("w/b"), [this] {
+        runScript(folder.path(), "echo 2 > w/b; mv w away; mkdir w"); // the folder goes behind the change
+    });
+    stream->deliver("a", ItemIsFile | ItemRenamed | ItemRemoved | ItemCreated | OwnEvent);
+    ASSERT_TRUE(flushed(*watching.watcher));
+    stream->deliver("", RootChanged);
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), testing::UnorderedElementsAre("removed a", "removed b"));
+}
+
 TEST_F(WatcherOnFakeStream, LooksAgainWhereItIsAskedTo)
 {
     Watching watching(folder.path(), options);
