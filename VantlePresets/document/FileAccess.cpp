@@ -291,14 +291,21 @@ void StagedFile::commit(Target target)
     const char *const to = m_targetName.c_str();
     if (target == Target::replace) {
         checked([&] { return ::renameat(m_folder, from, m_folder, to); });
-    } else if (::renameat2(m_folder, from, m_folder, to, RENAME_NOREPLACE) != 0) {
-        if (errno != EINVAL && errno != ENOSYS)
-            throwLastError();
-        // A file system without that kind of renaming: a second name fails in the same way.
-        checked([&] { return ::linkat(m_folder, from, m_folder, to, 0); });
-        ::unlinkat(m_folder, from, 0);
+    } else {
+        renameToFreeName(m_folder, from, to);
     }
     m_temporaryName.clear();
+}
+
+void renameToFreeName(int folder, const char *from, const char *to)
+{
+    if (::renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0)
+        return;
+    if (errno != EINVAL && errno != ENOSYS)
+        throwLastError();
+    // A file system without that kind of renaming: a second name fails in the same way.
+    checked([&] { return ::linkat(folder, from, folder, to, 0); });
+    ::unlinkat(folder, from, 0);
 }
 
 FileStamp StagedFile::stamp() const

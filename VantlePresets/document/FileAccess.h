@@ -78,6 +78,10 @@ private:
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.
 void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content);
 
+/// Renames within a folder, an open one or AT_FDCWD, unless something of the new name is there; on a file
+/// system that can't do that in one step the file has both names for a moment. Throws std::system_error.
+void renameToFreeName(int folder, const char *from, const char *to);
+
 /// A file's new content, complete and on disk, but not yet in its place.
 ///
 /// The constructor writes a hidden temporary file (".vantle-" and eight letters, locked with flock where the

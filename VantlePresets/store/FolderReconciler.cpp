@@ -96,8 +96,12 @@ void FolderReconciler::watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFold
     std::vector<PresetIndex::Entries> parts(std::max<std::size_t>(wanted, 1));
     {
         std::vector<std::jthread> helpers;
-        for (std::size_t i = 1; i < parts.size(); ++i)
-            helpers.emplace_back(loadSome, std::ref(parts[i]));
+        try {
+            for (std::size_t i = 1; i < parts.size(); ++i)
+                helpers.emplace_back(loadSome, std::ref(parts[i]));
+        } catch (const std::system_error &) {
+            // No more threads: fewer do it all.
+        }
         loadSome(parts.front());
     }
     if (m_isCancelled)

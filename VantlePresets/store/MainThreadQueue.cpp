@@ -25,6 +25,21 @@ void MainThreadQueue::post(Task task)
     QMetaObject::invokeMethod(this, &MainThreadQueue::runSlice, Qt::QueuedConnection);
 }
 
+void MainThreadQueue::runAll()
+{
+    for (;;) {
+        Task task;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_tasks.empty())
+                return;
+            task = std::move(m_tasks.front());
+            m_tasks.pop_front();
+        }
+        task();
+    }
+}
+
 void MainThreadQueue::runSlice()
 {
     const QPointer<MainThreadQueue> self(this); // a task may end in the destruction of the queue's owner

@@ -21,6 +21,8 @@ public:
 
     /// Callable from any thread.
     void post(Task task);
+    /// Runs what has been posted, at once. To be called on the queue's thread.
+    void runAll();
 
 private:
     void runSlice();

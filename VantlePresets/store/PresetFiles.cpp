@@ -167,9 +167,8 @@ bool PresetFiles::moveChangedFile(const Save &save, const QString &oldName) cons
         const auto present = stampOf(from);
         if (!known || !present || present == known || stampOf(to))
             return false;
-        m_watcher->performOwnChange(QString::fromStdString(to), [&] {
-            requireSuccess(::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
-        });
+        m_watcher->performOwnChange(QString::fromStdString(to),
+                                    [&] { renameToFreeName(AT_FDCWD, from.c_str(), to.c_str()); });
         takeAway(from, [] {});             // the removal was ours as well
         save.file->set(save.name, *known); // the change itself has yet to be read
         return true;

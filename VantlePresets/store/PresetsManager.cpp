@@ -74,7 +74,8 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
     if (application) {
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
             d->isQuitting = true; // what others save from now on is waited for in save()
-            waitForFileTasks();
+            if (d->files)
+                d->finishFileTasks();
         });
     }
 }
@@ -250,7 +251,7 @@ void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
     if (isRenamed)
         d->announceList();
     if (d->isQuitting)
-        waitForFileTasks();
+        d->finishFileTasks();
 }
 
 bool PresetsManager::hasPendingSaves() const

@@ -49,9 +49,18 @@ void PresetsManager::Private::stop()
 {
     if (!watcher)
         return;
-    files->wait(); // first, while the watcher still knows which changes are the store's own
+    q.blockSignals(true); // the manager is about to go
+    finishFileTasks();    // first, while the watcher still knows which changes are the store's own
     reconciler->cancel();
     watcher->stopWatching();
+}
+
+void PresetsManager::Private::finishFileTasks()
+{
+    do {
+        files->wait();
+        queue.runAll(); // an outcome can lead to another save, under a name that is free
+    } while (savesInFlight > 0);
 }
 
 std::shared_ptr<VantlePreset>
@@ -79,6 +88,8 @@ void PresetsManager::Private::removeEntry(const Entry &entry)
         setSelection(nullptr);
     if (index.find(entry->preset.get()) != entry) // an observer of the selection was faster
         return;
+    if (!isLoaded)
+        namesLeftEarly.insert(entry->name);
     const int row = index.rowOf(*entry);
     Q_EMIT q.rowAboutToBeRemoved(row);
     index.remove(row);
@@ -87,6 +98,8 @@ void PresetsManager::Private::removeEntry(const Entry &entry)
 
 void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
 {
+    if (!isLoaded)
+        namesLeftEarly.insert(entry->name);
     ListedPreset moved = *entry;
     moved.setName(name);
     const int from = index.rowOf(*entry);
@@ -109,6 +122,7 @@ void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &
 
 void PresetsManager::Private::startSave(const Entry &entry, Way way)
 {
+    entry->isRenameDue = entry->isRenameDue || way == Way::rename;
     const auto hash = documentHash(*entry->preset);
     if (!files || !hash)
         return;
@@ -126,7 +140,6 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
                 finishSave(saved, hasEdits, outcome);
         });
     };
-    entry->isRenameDue = entry->isRenameDue || way == Way::rename;
     if (entry->isRenameDue)
         files->rename(save, done);
     else
@@ -143,13 +156,14 @@ void PresetsManager::Private::finishSave(const Entry &entry, bool hadEdits, Pres
         entry->documentHash.reset(); // the next save is one with edits
     if (isOnDisk && entry->savesInFlight == 0)
         entry->isRenameDue = false;
+    if (outcome == PresetFiles::Outcome::outdated || outcome == PresetFiles::Outcome::overtaken)
+        entry->wasChangedMeanwhile = true;
     if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
         return;
     if (outcome == PresetFiles::Outcome::refused)
         giveFreeName(entry);
-    else if (std::exchange(entry->wasChangedMeanwhile, false) || outcome == PresetFiles::Outcome::outdated ||
-             outcome == PresetFiles::Outcome::overtaken)
-        lookAgain(*entry);
+    else if (std::exchange(entry->wasChangedMeanwhile, false))
+        lookAgain(entry->name);
 }
 
 /// Another process had the idea of the same name first: both presets stay.
@@ -172,10 +186,9 @@ void PresetsManager::Private::giveFreeName(const Entry &entry)
 }
 
 /// Lets the file itself say what has become of it.
-void PresetsManager::Private::lookAgain(const ListedPreset &entry)
+void PresetsManager::Private::lookAgain(const QString &name)
 {
-    files->start(
-        [reconciler = reconciler, path = pathOf(entry.name).toStdString()] { reconciler->reread(path); });
+    files->start([reconciler = reconciler, path = pathOf(name).toStdString()] { reconciler->reread(path); });
 }
 
 QString PresetsManager::Private::pathOf(const QString &name) const
@@ -197,6 +210,8 @@ void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
         index.merge(loaded.takeEntries());
     Q_EMIT q.rowsReset();
     announceList();
+    for (const QString &name : std::exchange(namesLeftEarly, {}))
+        lookAgain(name); // what was read may be a file that this store was about to delete
     if (isFirst)
         Q_EMIT q.didLoad();
 }
@@ -240,9 +255,18 @@ bool PresetsManager::Private::isAsSaved(const ListedPreset &entry, const QString
     return own && own == stampOf(fileSystemPath(pathOf(name)));
 }
 
+/// The listed preset that a report about a file of this name means.
+PresetsManager::Private::Entry PresetsManager::Private::entryOfFile(const QString &name) const
+{
+    auto entry = index.findFile(name);
+    if (entry && entry->name != name && isAsSaved(*entry, entry->name))
+        return nullptr; // that is the file of another spelling: the preset's own is there
+    return entry;
+}
+
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
-    const auto entry = index.findFile(name);
+    const auto entry = entryOfFile(name);
     if (!entry || isAsSaved(*entry, name))
         return;
     if (entry->savesInFlight > 0) {
@@ -256,7 +280,7 @@ void PresetsManager::Private::presetRemoved(const QString &name)
 void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
                                             const FileStamp &stamp)
 {
-    const auto entry = index.findFile(name);
+    const auto entry = entryOfFile(name);
     if (!entry || !source)
         return;
     if (entry->savesInFlight > 0) {

@@ -7,6 +7,8 @@
 #include "VantlePresets/store/PresetIndex.h"
 #include "VantlePresets/store/PresetsManager.h"
 
+#include <QtCore/QSet>
+
 namespace vantle {
 
 /// What the store does behind its operations: the list and its signals, the way of a save, and what the
@@ -20,6 +22,8 @@ public:
 
     void start(const QStringList &dataDirectories);
     void stop();
+    /// Waits for the files, and for the saves that follow from their outcomes.
+    void finishFileTasks();
 
     std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset);
     void insert(const Entry &entry);
@@ -32,7 +36,8 @@ public:
     void startSave(const Entry &entry, Way way);
     void finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome);
     void giveFreeName(const Entry &entry);
-    void lookAgain(const ListedPreset &entry);
+    void lookAgain(const QString &name);
+    [[nodiscard]] Entry entryOfFile(const QString &name) const;
     [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
     [[nodiscard]] QString pathOf(const QString &name) const;
 
@@ -50,6 +55,7 @@ public:
     std::shared_ptr<VantlePreset> nameEdit;
     QString folder; // "" without one
     bool isLoaded = false;
+    QSet<QString> namesLeftEarly; // by presets that were renamed or removed before the folder had been read
     bool isQuitting = false;
     int savesInFlight = 0;
 

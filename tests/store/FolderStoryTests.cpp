@@ -221,6 +221,31 @@ TEST_F(OpenList, ABrokenForeignEditSurvivesASelection)
     EXPECT_TRUE(m_store.onDisk("B"));
 }
 
+TEST_F(OpenList, AFileOfAnotherSpellingIsNotThePresets)
+{
+    const QString composed = u"Caf\u00E9"_s;
+    const QString decomposed = u"Cafe\u0301"_s;
+    ASSERT_TRUE(
+        elsewhere(u"cp A.json '"_s + composed + u".json'; echo broken > '"_s + decomposed + u".json'"_s));
+    const auto cafe = m_manager->presetWithName(composed);
+    ASSERT_TRUE(cafe);
+    ASSERT_TRUE(elsewhere(u"echo worse > '"_s + decomposed + u".json'"_s));
+    ASSERT_TRUE(elsewhere(u"rm '"_s + decomposed + u".json'"_s));
+    EXPECT_EQ(m_manager->presetWithName(composed), cafe);
+    ASSERT_TRUE(elsewhere(u"rm '"_s + composed + u".json'"_s));
+    EXPECT_FALSE(m_manager->presetWithName(composed));
+}
+
+TEST_F(OpenList, EditsAreSavedAtTheEndWhenTheirNameTurnsOutToBeTaken)
+{
+    ASSERT_TRUE(elsewhere(u"echo broken > X.json"_s));
+    m_a->videoSettings().first()->setBitRate(777);
+    ASSERT_TRUE(m_manager->rename(m_a, u"A"_s, u"X"_s));
+    m_manager.reset();
+    EXPECT_EQ(m_store.fileNames(), (QStringList{u"B.json"_s, u"C.json"_s, u"X 2.json"_s, u"X.json"_s}));
+    EXPECT_EQ(m_store.onDisk("X 2")->videoSettings().first()->bitRate(), 777);
+}
+
 TEST_F(OpenList, AForeignFileWithAListedNameIsAnotherPreset)
 {
     m_manager->deletePresetFile(u"B"_s);
