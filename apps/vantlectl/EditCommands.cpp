@@ -23,6 +23,7 @@ ExitCode add(const Options &options, Output &out)
 {
     StoreSession session(options);
     PresetsManager &manager = session.manager();
+    std::optional<QString> wanted;
     const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
     std::shared_ptr<VantlePreset> preset;
     if (!options.newName) {
@@ -31,13 +32,14 @@ ExitCode add(const Options &options, Output &out)
         const QString name = trimmedName(QString::fromStdString(*options.newName));
         if (name.isEmpty() || name.contains(u'/') || manager.presetWithName(name))
             throw Refusal(u"This name is invalid or already taken."_s);
+        wanted = name;
         preset = makePreset(type, name);
         manager.setPresets(manager.presets() + PresetsList{preset});
         manager.save(preset);
     }
     const ExitCode code = session.finish();
     printPreset(out, *preset, options.json);
-    return code;
+    return wanted && preset->name() != *wanted ? ExitCode::failed : code;
 }
 
 ExitCode duplicate(const Options &options, Output &out)
@@ -55,9 +57,10 @@ ExitCode rename(const Options &options, Output &out)
     const auto preset = session.preset(options.name);
     if (!session.manager().rename(preset, preset->name(), QString::fromStdString(*options.newName)))
         throw Refusal(u"This name is invalid or already taken."_s);
+    const QString wanted = preset->name();
     const ExitCode code = session.finish();
     printPreset(out, *preset, options.json);
-    return code;
+    return preset->name() != wanted ? ExitCode::failed : code; // another process was faster
 }
 
 ExitCode remove(const Options &options, Output &out)

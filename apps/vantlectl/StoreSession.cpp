@@ -8,6 +8,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 
+#include <algorithm>
 #include <atomic>
 
 namespace vantle::ctl {
@@ -17,15 +18,15 @@ using namespace Qt::StringLiterals;
 struct StoreSession::Log
 {
     std::atomic<bool> hasStartFailed = false;
-    std::atomic<bool> hasFileFailed = false;
+    std::atomic<bool> hasDeletionFailed = false;
 
     void take(const QString &line)
     {
         complain(line);
         if (line.startsWith("Error to create directory"_L1))
             hasStartFailed = true;
-        if (line.startsWith("Error writing"_L1) || line.startsWith("Error deleting"_L1))
-            hasFileFailed = true;
+        if (line.startsWith("Error deleting"_L1))
+            hasDeletionFailed = true;
     }
 };
 
@@ -75,7 +76,12 @@ ExitCode StoreSession::finish()
         m_manager->waitForFileTasks();
         QCoreApplication::processEvents();
     } while (m_manager->hasPendingSaves());
-    return m_log->hasFileFailed ? ExitCode::failed : ExitCode::good;
+    // A write that failed because another process took the name has been made good under the next one.
+    const PresetsList &presets = m_manager->presets();
+    const bool isAllSaved = std::none_of(presets.begin(), presets.end(), [this](const auto &preset) {
+        return m_manager->hasUnsavedEdits(preset);
+    });
+    return isAllSaved && !m_log->hasDeletionFailed ? ExitCode::good : ExitCode::failed;
 }
 
 ExitCode guarded(const std::function<ExitCode()> &work)

@@ -44,7 +44,7 @@ public:
     /// Throws Refusal when no preset has the name.
     [[nodiscard]] std::shared_ptr<VantlePreset> preset(const std::string &name) const;
 
-    /// Waits for the files; failed when one could not be written or deleted.
+    /// Waits for the files; failed when a preset is not on disk or a file could not be deleted.
     [[nodiscard]] ExitCode finish();
 
 private:

@@ -8,6 +8,9 @@
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
+#include "VantlePresets/store/NameRules.h"
+
+#include <QtCore/QSet>
 
 namespace vantle::ctl {
 namespace {
@@ -27,32 +30,36 @@ struct ExportOptions : StoreOptions
     bool withSecrets = false;
 };
 
-/// Lists and saves a preset of a file's content under the file's name, unless that name is taken.
-void importFile(PresetsManager &manager, const fs::path &file, const ImportOptions &options, Output &out)
-{
-    const auto preset = readPresetFile(file);
-    if (manager.presetWithName(preset->name()))
-        throw std::runtime_error("a preset of this name exists");
-    manager.setPresets(manager.presets() + PresetsList{preset});
-    manager.save(preset);
-    printPreset(out, *preset, options.json);
-}
-
 ExitCode import(const ImportOptions &options, Output &out)
 {
     StoreSession session(options);
+    PresetsManager &manager = session.manager();
     bool isComplete = true;
+    PresetsList imported;
+    QSet<QString> names;
     for (const fs::path file : options.files) {
         try {
-            importFile(session.manager(), file, options, out);
-        } catch (const OutputError &) {
-            throw;
+            const auto preset = readPresetFile(file);
+            if (manager.presetWithName(preset->name()) || names.contains(canonicalName(preset->name())))
+                throw std::runtime_error("a preset of this name exists");
+            names.insert(canonicalName(preset->name()));
+            imported.append(preset);
         } catch (const std::exception &error) {
             complain(shown(file) + ": "_L1 + Failure(error).message());
             isComplete = false;
         }
     }
+    manager.setPresets(manager.presets() + imported);
+    QStringList wanted;
+    for (const auto &preset : std::as_const(imported)) {
+        wanted.append(preset->name());
+        manager.save(preset);
+    }
     const ExitCode code = session.finish();
+    for (qsizetype i = 0; i < imported.size(); ++i) {
+        printPreset(out, *imported[i], options.json);
+        isComplete = isComplete && imported[i]->name() == wanted[i];
+    }
     return isComplete ? code : ExitCode::failed;
 }
 

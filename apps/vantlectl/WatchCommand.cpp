@@ -5,6 +5,8 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
 
+#include <optional>
+
 namespace vantle::ctl {
 namespace {
 
@@ -56,12 +58,24 @@ private:
 
 ExitCode watch(const StoreOptions &options, Output &out)
 {
-    const StopOnSignal stop; // before the store starts its threads
-    StoreSession session(options);
-    const ChangePrinter printer(session.manager(), options.json, out);
+    bool isStopped = false;
+    const StopOnSignal stop([&isStopped] { // before the store starts its threads
+        isStopped = true;
+        QCoreApplication::exit(); // quit() would not end the loop in which the store is waited for
+    });
+    std::optional<StoreSession> session;
+    try {
+        session.emplace(options);
+    } catch (const Refusal &) {
+        if (isStopped)
+            return ExitCode::good;
+        throw;
+    }
+    const ChangePrinter printer(session->manager(), options.json, out);
     out.line(options.json ? u"{\"event\":\"watching\"}"_s : u"watching"_s);
     out.flush();
-    QCoreApplication::exec();
+    if (!isStopped)
+        QCoreApplication::exec();
     if (printer.failure())
         std::rethrow_exception(printer.failure());
     return ExitCode::good;

@@ -203,6 +203,30 @@ TEST_F(StoreCommands, ARefusedRemovalIsToldWithItsReason)
     EXPECT_TRUE(std::filesystem::exists(file("A")));
 }
 
+TEST_F(StoreCommands, ANameThatAFileHasTurnsIntoTheNextOne)
+{
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "A"}).exitCode, 0);
+    for (const char *name : {"X", "SRT Preset"})
+        m_data.write("Orvalle/Streaming Presets/" + std::string(name) + ".json", "broken");
+    m_data.write("X.json", readPresetFile(file("A"))->encoded(document::Format::compact));
+    struct Row
+    {
+        std::vector<std::string> arguments;
+        int exitCode; // a failure if another name was asked for
+        const char *output;
+    };
+    for (const Row &row : std::initializer_list<Row>{{{"add", "SRT"}, 0, "SRT Preset 2\n"},
+                                                     {{"add", "SRT", "--name", "X"}, 1, "X 2\n"},
+                                                     {{"rename", "A", "X"}, 1, "X 3\n"},
+                                                     {{"import", m_data.path("X.json")}, 1, "X 4\n"}}) {
+        const Finished done = ctl(row.arguments);
+        EXPECT_EQ(done.exitCode, row.exitCode) << row.output;
+        EXPECT_EQ(done.output, row.output);
+    }
+    EXPECT_TRUE(std::filesystem::exists(file("X 4")));
+    EXPECT_FALSE(std::filesystem::exists(file("A")));
+}
+
 TEST_F(StoreCommands, WatchPrintsEveryChangeAndStopsCleanly)
 {
     ASSERT_EQ(ctl({"add", "HLS", "--name", "A"}).exitCode, 0);
