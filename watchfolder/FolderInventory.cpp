@@ -3,6 +3,8 @@
 
 #include "watchfolder/NativePath.h"
 
+#include <utility>
+
 #include <fcntl.h>
 
 namespace vantle {
@@ -58,7 +60,10 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         // Somebody else has made it anew since; the event of that is on its way.
         if (changed.cause == ChangedPath::OwnRemoval)
             return {};
-        m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .own = isOwn});
+        m_inventory.put(changed.path, {.state = *state,
+                                       .walk = m_walk,
+                                       .own = isOwn,
+                                       .isDoubtful = changed.cause == ChangedPath::OwnReplacement});
         return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
     }
 
@@ -69,7 +74,11 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     if (record->own && !changed.existenceOnly)
         differs = differs || hidesForeign || state->inode != record->state.inode ||
                   state->size != record->state.size;
-    const Finding finding{.difference = differs && !isOwn ? Finding::Updated : Finding::None,
+    const bool isNews = differs && !isOwn;
+    const bool isNew = isNews && std::exchange(record->isDoubtful, false);
+    const Finding finding{.difference = isNew    ? Finding::Added
+                                        : isNews ? Finding::Updated
+                                                 : Finding::None,
                           .isDirectory = state->isDirectory,
                           .wasDirectory = record->state.isDirectory};
     record->state = *state;
@@ -110,7 +119,7 @@ void FolderInventory::takeOver(std::string_view path)
     std::error_code error;
     if (const auto state = readState(path, error))
         m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true});
-    else if (saysMissing(error) && isNotedFolder())
+    else if (saysMissing(error))
         removeWithDescendants(path);
 }
 

@@ -172,14 +172,14 @@ void VRXWatchFolder::forceChangesCheckingAtPath(const QString &path)
     m_core->forceChangesChecking(nativePath(path));
 }
 
-void VRXWatchFolder::checkChangesAtPaths(const QSet<QString> &paths)
+void VRXWatchFolder::checkChangesAtPaths(const QSet<QString> &paths, std::function<void()> done)
 {
     std::vector<ChangedPath> changed;
     for (const QString &path : paths) {
         if (auto relative = m_core->relativePath(nativePath(path)))
             changed.push_back({.path = std::move(*relative)});
     }
-    m_core->checkChangesAtPaths(std::move(changed));
+    m_core->checkChangesAtPaths(std::move(changed), std::move(done));
 }
 
 std::optional<VRXWatchFolderItem> VRXWatchFolder::itemAtPath(const QString &path) const

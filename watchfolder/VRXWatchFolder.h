@@ -112,7 +112,9 @@ public:
     /// Compares a directory at or below the folder with the inventory, in the background.
     void forceChangesCheckingAtPath(const QString &path);
     /// Compares the items at absolute paths with the inventory, and not what is in them, in the background.
-    void checkChangesAtPaths(const QSet<QString> &paths);
+    /// Then calls done, if given, on the working queue: what is reported afterwards is newer. Never when not
+    /// watching, nor when pending work is dropped meanwhile.
+    void checkChangesAtPaths(const QSet<QString> &paths, std::function<void()> done = {});
 
     /// What the inventory knows about an absolute path.
     std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;

@@ -273,13 +273,16 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
     changed.push_back(std::move(change));
 }
 
-void WatchFolderCore::checkChangesAtPaths(std::vector<ChangedPath> paths)
+void WatchFolderCore::checkChangesAtPaths(std::vector<ChangedPath> paths, std::function<void()> done)
 {
-    if (paths.empty())
+    if (paths.empty() && !done)
         return;
-    enqueue([paths = std::move(paths)](WatchFolderCore &core, const Cancelled &cancelled) {
+    enqueue([paths = std::move(paths), done = std::move(done)](WatchFolderCore &core,
+                                                               const Cancelled &cancelled) {
         ChangeReport report = core.makeReport(cancelled);
         core.performChanges(paths, report);
+        if (done && !cancelled)
+            done();
     });
 }
 

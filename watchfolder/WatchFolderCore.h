@@ -28,7 +28,7 @@ public:
     void cancel();
     void flush(std::function<void()> done);
     void forceChangesChecking(const std::string &path);
-    void checkChangesAtPaths(std::vector<ChangedPath> paths);
+    void checkChangesAtPaths(std::vector<ChangedPath> paths, std::function<void()> done = {});
 
     std::shared_ptr<FileSystemEventStream> stream() const;
     std::shared_ptr<VRXWatchFolderDelegate> delegate() const;

@@ -38,8 +38,12 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     reconciler = std::make_shared<FolderReconciler>(queue, *this);
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     files = std::make_unique<PresetFiles>(
-        folder.toStdString(), watcher,
-        [reconciler = reconciler](const std::string &path) { reconciler->add(path); });
+        folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
+            watcher->checkChangesAtPaths({QString::fromStdString(path)}, [reconciler, path] {
+                if (stampOf(path))
+                    reconciler->add(path);
+            });
+        });
     WatchFolderError error;
     if (!watcher->startWatching(&error))
         logLine(kStartError + error.description);
@@ -185,10 +189,14 @@ void PresetsManager::Private::giveFreeName(const Entry &entry)
     announceList();
 }
 
-/// Lets the file itself say what has become of it.
+/// Lets the file itself say what has become of it, after the file tasks that have been started. On the
+/// watcher's queue, in the order of its reports: the watcher knows of the file that is read.
 void PresetsManager::Private::lookAgain(const QString &name)
 {
-    files->start([reconciler = reconciler, path = pathOf(name).toStdString()] { reconciler->reread(path); });
+    files->start([watcher = watcher, reconciler = reconciler, path = pathOf(name)] {
+        watcher->checkChangesAtPaths({path},
+                                     [reconciler, path = path.toStdString()] { reconciler->reread(path); });
+    });
 }
 
 QString PresetsManager::Private::pathOf(const QString &name) const
@@ -231,10 +239,6 @@ PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
 
 void PresetsManager::Private::presetAdded(const Entry &added)
 {
-    // Not all reports come from one thread: that it is gone may have been reported before.
-    const QString path = pathOf(added->name);
-    if (!watcher->hasItemAtPath(path) && !stampOf(fileSystemPath(path)))
-        return;
     const auto known = index.findFile(added->name);
     const auto stamp = added->file->stampAt(added->name);
     if (known && stamp && known->file->name() == added->name) {
@@ -267,10 +271,15 @@ PresetsManager::Private::Entry PresetsManager::Private::entryOfFile(const QStrin
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
     const auto entry = entryOfFile(name);
-    if (!entry || isAsSaved(*entry, name))
+    if (!entry)
         return;
     if (entry->savesInFlight > 0) {
         entry->wasChangedMeanwhile = true;
+        return;
+    }
+    if (stampOf(fileSystemPath(pathOf(name)))) { // it has been made again since
+        if (!isAsSaved(*entry, name))
+            lookAgain(name);
         return;
     }
     removeEntry(entry);
