@@ -24,7 +24,7 @@ QColor trashTint()
 
 QColor mixed(const QColor &from, const QColor &to, double share)
 {
-    const auto channel = [share](int a, int b) { return static_cast<int>(a + (b - a) * share + 0.5); };
+    const auto channel = [share](int a, int b) { return qRound(a + (b - a) * share); };
     return {channel(from.red(), to.red()), channel(from.green(), to.green()),
             channel(from.blue(), to.blue())};
 }

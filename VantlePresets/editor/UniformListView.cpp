@@ -60,7 +60,8 @@ void UniformListView::scrollTo(const QModelIndex &index, ScrollHint hint)
 void UniformListView::doItemsLayout()
 {
     m_rowHeight = 0; // asked for by a change of the font or the delegate, among others
-    QAbstractItemView::doItemsLayout();
+    // Not QListView's, which looks at every row.
+    QAbstractItemView::doItemsLayout(); // NOLINT(bugprone-parent-virtual-call)
 }
 
 QModelIndex UniformListView::moveCursor(CursorAction action, Qt::KeyboardModifiers)
@@ -120,7 +121,7 @@ void UniformListView::updateGeometries()
     verticalScrollBar()->setSingleStep(height);
     verticalScrollBar()->setPageStep(viewport()->height());
     verticalScrollBar()->setRange(0, std::max(0, rowCount() * height - viewport()->height()));
-    QAbstractItemView::updateGeometries();
+    QAbstractItemView::updateGeometries(); // NOLINT(bugprone-parent-virtual-call): as above
 }
 
 void UniformListView::scrollContentsBy(int dx, int dy)

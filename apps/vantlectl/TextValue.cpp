@@ -30,7 +30,7 @@ QString textValue(const QString &value)
 {
     if (!value.startsWith(u'@'))
         return value;
-    const QString name = value.sliced(1);
+    QString name = value.sliced(1);
     if (name.startsWith(u'@'))
         return name;
     QFile file(name);

@@ -67,7 +67,7 @@ ExitCode import(const ImportOptions &options, Output &out)
 /// them.
 std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset)
 {
-    const auto copy = decodePreset(preset.encoded(document::Format::compact));
+    auto copy = decodePreset(preset.encoded(document::Format::compact));
     if (auto *const rtmp = dynamic_cast<RTMPVantlePreset *>(copy.get())) {
         rtmp->setStreamKey({});
         rtmp->setAuthenticationPassword({});

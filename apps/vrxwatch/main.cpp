@@ -136,7 +136,7 @@ int watch(const Options &options)
 } // namespace
 
 int main(int argc, char **argv)
-{
+try {
     Options options;
     CLI::App commandLine("Prints what appears, changes and disappears in a folder.", "vrxwatch");
     commandLine.add_option("DIR", options.folder, "The folder to watch")->required();
@@ -158,11 +158,9 @@ int main(int argc, char **argv)
     CLI11_PARSE(commandLine, argc, argv);
 
     const QCoreApplication application(argc, argv);
-    try {
-        const StopOnSignal stopOnSignal;
-        return watch(options);
-    } catch (const std::system_error &error) {
-        std::fprintf(stderr, "vrxwatch: %s\n", error.what());
-        return 1;
-    }
+    const StopOnSignal stopOnSignal;
+    return watch(options);
+} catch (const std::exception &error) {
+    std::fprintf(stderr, "vrxwatch: %s\n", error.what());
+    return 1;
 }

@@ -48,7 +48,7 @@ const ChannelLayout *layoutOf(const AudioSettings &track)
 QString languageCode(const QString &language)
 {
     static const QRegularExpression form(u"\\A([A-Za-z]{2,3})(?:[-_].*)?\\z"_s);
-    const QString code = form.match(language).captured(1).toLower();
+    QString code = form.match(language).captured(1).toLower();
     if (code.size() == 3)
         return code;
     return QLocale::languageToCode(QLocale::codeToLanguage(code, QLocale::ISO639Part1),

@@ -28,7 +28,7 @@ QList<QByteArray> takeLines(QByteArray &buffer)
     const qsizetype end = buffer.lastIndexOf('\n');
     if (end < 0)
         return {};
-    const QList<QByteArray> lines = buffer.first(end).split('\n');
+    QList<QByteArray> lines = buffer.first(end).split('\n');
     buffer.remove(0, end + 1);
     return lines;
 }

@@ -144,7 +144,7 @@ std::optional<NamedProfile> checkedProfile(PlanDraft &draft, qsizetype index, co
     if (draft.container && !draft.container->carriesHEVC && video.codec() == VideoCodec::hevc)
         draft.problem(fieldPath(kList, index, "codec"_L1), draft.container->name + " carries no HEVC"_L1);
     checkRates(draft, index, video);
-    const auto profile = profileOf(video);
+    auto profile = profileOf(video);
     const QString profilePath = fieldPath(kList, index, "profile"_L1);
     if (!profile)
         draft.problem(profilePath, displayName(video.codec()) + " has no profile of this name"_L1);
