@@ -181,8 +181,10 @@ private:
         if (m_isDiskFull)
             return askShell("true");
         const std::string script = kScripts[below(std::size(kScripts))];
-        askShell("cd '" + folder().string() + "' && R=" + std::to_string(below(20)) +
-                 " N=" + std::to_string(m_random()) + " && { " + script + "\n } 2>/dev/null >/dev/null");
+        // Through a link that a store has renamed, the shell would change what all links show.
+        askShell("cd '" + folder().string() + "' && R=" + std::to_string(below(20)) + " N=" +
+                 std::to_string(m_random()) + " && { [ ! -L \"Other $R.json\" ] || rm \"Other $R.json\"; " +
+                 script + "\n } 2>/dev/null >/dev/null");
     }
 
     const char *disturb(unsigned kind)
