@@ -153,6 +153,22 @@ TEST_F(VideoForm, RemovesTheVeryRenditionAmongEqualOnes)
     EXPECT_FALSE(control<QComboBox>("codec", 1)) << "only the track's form is left";
 }
 
+TEST_F(VideoForm, AFormThatIsUsedAgainHasRoomForItsNewTexts)
+{
+    openForm(T::hls);
+    m_settings->setProfile(u"none of these"_s);
+    turn();
+    EXPECT_TRUE(shows(u"Maximum  0"_s));
+    click(control<QToolButton>("videoSettings"));
+    click(control<QPushButton>("videoSettings"));
+    const QList<QLabel *> labels = form()->findChildren<QLabel *>();
+    const auto maximum = std::find_if(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->isVisible() && label->text() == u"Maximum  240000"_s;
+    });
+    ASSERT_NE(maximum, labels.end());
+    EXPECT_GE((*maximum)->width(), (*maximum)->sizeHint().width());
+}
+
 TEST_F(VideoForm, TheWheelScrollsTheFormAndChangesNoValue)
 {
     openForm(T::hls);
