@@ -9,6 +9,7 @@
 
 #include <QtCore/QScopedValueRollback>
 #include <QtGui/QContextMenuEvent>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
@@ -227,7 +228,9 @@ void PresetsListView::hideEvent(QHideEvent *event)
 bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
 {
     const bool isShortcut = event.modifiers().testFlag(Qt::ControlModifier) && event.key() == Qt::Key_D;
-    if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset())
+    // An open dialog asks about what the user sees behind it.
+    if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset() ||
+        QApplication::activeModalWidget())
         return false;
     duplicate(m_manager->selectedPreset());
     takeFocusSoon();
@@ -246,7 +249,6 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
 {
     if (!preset)
         return;
-    m_presetToDelete = preset;
     auto *dialog = new QMessageBox(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setText(tr("Are you sure you want to delete this preset?\nThis operation cannot be undone."));
@@ -254,19 +256,16 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
     QPushButton *cancel = dialog->addButton(tr("Cancel"), QMessageBox::RejectRole);
     dialog->setDefaultButton(cancel);
     dialog->setEscapeButton(cancel);
-    connect(dialog, &QMessageBox::finished, this, [this, dialog, confirm] {
+    connect(dialog, &QMessageBox::finished, this, [this, dialog, confirm, preset] {
         if (dialog->clickedButton() == confirm)
-            deleteConfirmed();
+            deleteConfirmed(preset);
         takeFocusSoon();
     });
     dialog->open();
 }
 
-void PresetsListView::deleteConfirmed()
+void PresetsListView::deleteConfirmed(const std::shared_ptr<VantlePreset> &preset)
 {
-    const auto preset = std::exchange(m_presetToDelete, nullptr);
-    if (!preset)
-        return;
     const int row = m_manager->rowOf(preset);
     if (preset != m_manager->selectedPreset())
         saveBeforeLeaving(*m_manager);

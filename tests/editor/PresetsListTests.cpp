@@ -132,6 +132,17 @@ TEST_F(ListOfPresets, ThePresetOfAnOpenConfirmationMayGoElsewhere)
     EXPECT_EQ(selectedName(), u"Alpha"_s);
 }
 
+TEST_F(ListOfPresets, AConfirmationDeletesThePresetThatItWasOpenedFor)
+{
+    clickRow(u"Bravo"_s);
+    press(Qt::Key_Delete);
+    press(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(m_manager->presets().size(), 4) << "the dialog has the keys";
+    m_manager->setSelectedPreset(m_manager->presetWithName(u"Delta"_s)); // the host's doing
+    clickInDialog(u"Delete"_s);
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"Alpha"_s, u"Beta"_s, u"Delta"_s}));
+}
+
 TEST_F(ListOfPresets, HasAContextMenu)
 {
     clickRow(u"Alpha"_s);
