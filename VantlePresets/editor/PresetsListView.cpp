@@ -10,6 +10,7 @@
 #include <QtCore/QScopedValueRollback>
 #include <QtGui/QContextMenuEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
@@ -252,6 +253,9 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
     auto *dialog = new QMessageBox(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setText(tr("Are you sure you want to delete this preset?\nThis operation cannot be undone."));
+    dialog->setInformativeText(preset->name());
+    for (auto *label : dialog->findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText); // a name is no markup
     const QPushButton *confirm = dialog->addButton(tr("Delete"), QMessageBox::DestructiveRole);
     QPushButton *cancel = dialog->addButton(tr("Cancel"), QMessageBox::RejectRole);
     dialog->setDefaultButton(cancel);

@@ -78,6 +78,7 @@ TEST_F(ListOfPresets, DeletingSelectsTheRowAbove)
         ASSERT_TRUE(dialog());
         EXPECT_EQ(dialog()->text(),
                   u"Are you sure you want to delete this preset?\nThis operation cannot be undone."_s);
+        EXPECT_EQ(dialog()->informativeText(), c.deleted);
         clickInDialog(u"Delete"_s);
         EXPECT_EQ(selectedName(), c.selectedNext);
         EXPECT_EQ(highlightedName(), c.selectedNext);
