@@ -75,6 +75,12 @@ TEST_F(VideoForm, TheCodecChangesProfilesAndMaximumButNotTheModelsProfile)
     EXPECT_EQ(profile->currentText(), u"H264_High_4_1"_s);
     EXPECT_TRUE(shows(u"Not available for this codec, size and rate"_s));
     EXPECT_TRUE(shows(u"Maximum  0"_s));
+    auto *bitRate = control<QLineEdit>("bitRate");
+    enter(bitRate);
+    type(u"6000"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(m_settings->bitRate(), 4500) << "not the 0 that is the maximum";
+    EXPECT_EQ(bitRate->text(), u"4500"_s);
     choose(control<QComboBox>("profile"), u"HEVC_Main 10_AutoLevel"_s);
     EXPECT_EQ(choices(profile), m_settings->hevcProfileLevels(m_settings->resolution(), 30));
     EXPECT_TRUE(shows(u"Maximum  240000"_s));
