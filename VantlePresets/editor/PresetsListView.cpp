@@ -64,7 +64,7 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
 void PresetsListView::endNameEdit()
 {
     const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());
-    m_nameEdit->end(); // which may move the row
+    finishRename();
     if (QWidget *editor = index.isValid() ? indexWidget(index) : nullptr)
         closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
@@ -75,7 +75,16 @@ void PresetsListView::leaveNameField(bool byMouse)
     if (byMouse)
         QMetaObject::invokeMethod(this, &PresetsListView::endNameEdit, Qt::QueuedConnection);
     else
-        m_nameEdit->end();
+        finishRename();
+}
+
+/// Goes along when the row moves, unless the user has gone on to another one.
+void PresetsListView::finishRename()
+{
+    const auto preset = m_nameEdit->preset();
+    m_nameEdit->end();
+    if (preset && preset == m_manager->selectedPreset())
+        scrollTo(m_model->indexOf(preset));
 }
 
 /// A reload takes every field with it, but an edit only ends with its own preset.

@@ -47,6 +47,7 @@ private:
     void deleteConfirmed(const std::shared_ptr<VantlePreset> &preset);
     void showRenameFailed();
     void leaveNameField(bool byMouse);
+    void finishRename();
     void reopenNameField();
 
     std::shared_ptr<PresetsManager> m_manager;
