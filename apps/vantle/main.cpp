@@ -12,6 +12,7 @@
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -117,7 +118,6 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 {
-    QApplication application(argc, argv);
     vantle::Options options;
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
@@ -135,6 +135,14 @@ int main(int argc, char **argv)
         });
     app.add_option("--colors", options.colors, "Colours instead of the desktop's")
         ->check(CLI::IsMember({"light", "dark"}));
+    // Help and complaints need no display. What begins with one dash may be an option of Qt's, which takes
+    // those out when the application is made.
+    app.allow_extras(std::any_of(argv + 1, argv + argc, [](const char *argument) {
+        return argument[0] == '-' && argument[1] != '\0' && argument[1] != '-';
+    }));
+    CLI11_PARSE(app, argc, argv);
+    const QApplication application(argc, argv);
+    app.allow_extras(false);
     CLI11_PARSE(app, argc, argv);
     if (!options.colors.empty())
         vantle::setColors(options.colors);
