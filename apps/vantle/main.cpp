@@ -2,6 +2,7 @@
 
 // A small host of the presets editor: opens it on a presets folder, or takes a picture of it.
 
+#include "apps/support/StopOnSignal.h"
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
 
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <system_error>
 
 namespace vantle {
 namespace {
@@ -100,6 +102,7 @@ int run(const Options &options)
         controller->window()->resize(*size);
 
     if (options.screenshot.empty()) {
+        const StopOnSignal stopOnSignal; // quits as the last window does: what was edited is saved
         controller->showWindow();
         return QCoreApplication::exec();
     }
@@ -141,10 +144,17 @@ int main(int argc, char **argv)
         return argument[0] == '-' && argument[1] != '\0' && argument[1] != '-';
     }));
     CLI11_PARSE(app, argc, argv);
+    if (options.screenshot.empty())
+        vantle::StopOnSignal::block();
     const QApplication application(argc, argv);
     app.allow_extras(false);
     CLI11_PARSE(app, argc, argv);
     if (!options.colors.empty())
         vantle::setColors(options.colors);
-    return vantle::run(options);
+    try {
+        return vantle::run(options);
+    } catch (const std::system_error &error) {
+        std::fprintf(stderr, "vantle: %s\n", error.what());
+        return 1;
+    }
 }

@@ -33,8 +33,28 @@ TEST(Program, NeedsNoDisplayToSayHowItIsCalled)
         EXPECT_NE((c.isHelp ? finished.output : finished.errors).indexOf("--help"), -1);
     }
     // Qt's own options are still taken.
-    EXPECT_EQ(runProcess({VANTLE, "-platform", "offscreen", "--screenshot", "/dev/null/a.png"}).exitCode, 1);
-    EXPECT_GT(runProcess({VANTLE, "-platform", "offscreen", "--bogus"}).exitCode, 100);
+    EXPECT_EQ(runProcess({VANTLE, "-style", "fusion", "--data-dir", "/dev/null", "--screenshot", "/dev/null/a.png"}).exitCode, 1);
+    EXPECT_GT(runProcess({VANTLE, "-style", "fusion", "--bogus"}).exitCode, 100);
+}
+
+TEST(Program, EndsInGoodOrderOnASignal)
+{
+    const test::LiveStore store;
+    for (const int signal : {SIGTERM, SIGINT}) {
+        test::ChildProcess editor({VANTLE, "--data-dir", store.dataDirectory().toStdString()});
+        const std::string status = "/proc/" + std::to_string(editor.id()) + "/status";
+        ASSERT_TRUE(waitFor([&] {
+            QFile file(QString::fromStdString(status));
+            if (!file.open(QIODevice::ReadOnly))
+                return false;
+            const QByteArray text = file.readAll();
+            const qsizetype blocked = text.indexOf("SigBlk:\t") + 8;
+            return (text.mid(blocked, 16).toULongLong(nullptr, 16) >> (signal - 1) & 1) != 0;
+        }));
+        ::kill(editor.id(), signal);
+        ASSERT_TRUE(waitFor([&] { return editor.status().has_value(); }));
+        EXPECT_EQ(editor.status(), 0) << strsignal(signal);
+    }
 }
 
 } // namespace
