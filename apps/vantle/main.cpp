@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QtCore/QSettings>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtGui/QCursor>
 #include <QtGui/QScreen>
@@ -66,15 +68,32 @@ std::shared_ptr<VantlePreset> presetForPicture(const PresetsManager &manager, co
     return preset;
 }
 
-/// The process's exit code.
-int takePicture(PresetsManager &manager, QMainWindow &window, const Options &options)
+std::unique_ptr<PresetsWindowController> makeWindow(const std::shared_ptr<PresetsManager> &manager,
+                                                    const Options &options)
 {
+    auto controller =
+        PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
+    if (const auto size = sizeFromText(options.size))
+        controller->window()->resize(*size);
+    return controller;
+}
+
+/// The process's exit code. Neither the presets' files nor the remembered frame of the window change.
+int takePicture(const PresetsManager &store, const Options &options)
+{
+    const auto manager = std::make_shared<PresetsManager>([] { return QStringList(); }); // it has no files
+    manager->setPresets(store.presets());
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+
     const QString name = QString::fromStdString(options.select);
-    const auto preset = presetForPicture(manager, name);
+    const auto preset = presetForPicture(*manager, name);
     if (!preset && !name.isEmpty())
         return 1;
-    manager.setSelectedPreset(preset);
+    manager->setSelectedPreset(preset);
     QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight()); // no row under the pointer
+    const auto controller = makeWindow(manager, options);
+    QMainWindow &window = *controller->window();
     window.show();
     // The form follows the selection, and its scroll bars the size of the window, by posted events.
     QCoreApplication::processEvents();
@@ -96,23 +115,17 @@ int run(const Options &options)
                              : std::make_shared<PresetsManager>([&options] {
                                    return QStringList{QString::fromStdString(options.dataDirectory)};
                                });
-    const auto controller =
-        PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
-    if (const auto size = sizeFromText(options.size))
-        controller->window()->resize(*size);
-
     if (options.screenshot.empty()) {
         const StopOnSignal stopOnSignal; // quits as the last window does: what was edited is saved
+        const auto controller = makeWindow(manager, options);
         controller->showWindow();
         return QCoreApplication::exec();
     }
-    const auto takeAndQuit = [&] {
-        QCoreApplication::exit(takePicture(*manager, *controller->window(), options));
-    };
+    const auto takeAndQuit = [&] { QCoreApplication::exit(takePicture(*manager, options)); };
     if (manager->presetsFolderURL())
-        QObject::connect(manager.get(), &PresetsManager::didLoad, controller.get(), takeAndQuit);
+        QObject::connect(manager.get(), &PresetsManager::didLoad, qApp, takeAndQuit);
     else
-        QTimer::singleShot(0, controller.get(), takeAndQuit);
+        QTimer::singleShot(0, qApp, takeAndQuit);
     return QCoreApplication::exec();
 }
 

@@ -57,5 +57,21 @@ TEST(Program, EndsInGoodOrderOnASignal)
     }
 }
 
+TEST(Program, APictureChangesNothing)
+{
+    const test::LiveStore store;
+    store.writePreset(u"Alpha"_s);
+    ASSERT_TRUE(store.runElsewhere(u"echo >>Alpha.json; mkdir -p ../Orvalle; "
+                                   "echo '[General]' >../Orvalle/Vantle.conf; cp Alpha.json ../before"_s));
+    const std::string data = store.dataDirectory().toStdString();
+    const std::string picture = data + "/picture.png";
+    const auto finished =
+        runProcess({"/usr/bin/env", "XDG_CONFIG_HOME=" + data + "/Orvalle", VANTLE,
+                    "--data-dir", data, "--screenshot", picture, "--select", "Alpha", "--size", "1200x800"});
+    EXPECT_EQ(finished.exitCode, 0) << finished.errors.constData();
+    EXPECT_EQ(QImage(QString::fromStdString(picture)).size(), QSize(1200, 800));
+    EXPECT_TRUE(store.runElsewhere(u"cmp Alpha.json ../before && test \"$(cat ../Orvalle/Vantle.conf)\" = '[General]'"_s));
+}
+
 } // namespace
 } // namespace vantle
