@@ -2,6 +2,7 @@
 #include "VantlePresets/editor/VideoSettingsView.h"
 #include "tests/editor/OpenEditor.h"
 
+#include <QtGui/QTextDocument>
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QToolButton>
@@ -173,6 +174,21 @@ TEST_F(VideoForm, AFormThatIsUsedAgainHasRoomForItsNewTexts)
     });
     ASSERT_NE(maximum, labels.end());
     EXPECT_GE((*maximum)->width(), (*maximum)->sizeHint().width());
+}
+
+TEST_F(VideoForm, ToolTipsShowTextsAsTheyAre)
+{
+    openForm(T::hls);
+    for (const QString &text : {u"A & B"_s, u"a < b"_s, u"<b>Finals</b>"_s, u"&lt;b&gt;"_s, u"a\nb"_s}) {
+        m_settings->setProfile(text);
+        m_preset->setName(text);
+        const QModelIndex row = list().model()->index(0, 0);
+        for (const QString &tip : {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
+            QTextDocument shown;
+            Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
+            EXPECT_EQ(shown.toPlainText(), text);
+        }
+    }
 }
 
 TEST_F(VideoForm, TheWheelScrollsTheFormAndChangesNoValue)
