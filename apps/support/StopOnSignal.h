@@ -15,9 +15,9 @@
 
 namespace vantle {
 
-/// Ends the event loop, or does what it is told, on each SIGINT and SIGTERM. Has to be made, or block() called,
-/// before any other thread, so that all block them. Throws std::system_error when the signals can't be taken, and leaves them
-/// as they were.
+/// Ends the event loop, or does what it is told, on each SIGINT and SIGTERM. Has to be made, or block()
+/// called, before any other thread, so that all block them. Throws std::system_error when the signals can't
+/// be taken, and leaves them as they were.
 class StopOnSignal
 {
 public:

@@ -2,9 +2,9 @@
 
 // A small host of the presets editor: opens it on a presets folder, or takes a picture of it.
 
-#include "apps/support/StopOnSignal.h"
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "apps/support/StopOnSignal.h"
 
 #include <CLI/CLI.hpp>
 

@@ -183,7 +183,8 @@ TEST_F(VideoForm, ToolTipsShowTextsAsTheyAre)
         m_settings->setProfile(text);
         m_preset->setName(text);
         const QModelIndex row = list().model()->index(0, 0);
-        for (const QString &tip : {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
+        for (const QString &tip :
+             {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
             QTextDocument shown;
             Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
             EXPECT_EQ(shown.toPlainText(), text);
