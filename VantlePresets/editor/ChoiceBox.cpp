@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/editor/ChoiceBox.h"
 
+#include "VantlePresets/editor/EditorStyle.h"
+
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QStyleOption>
@@ -50,7 +52,7 @@ void ChoiceBox::showChoice(qsizetype index, const QString &otherText)
     else
         addItem(otherText);
     setCurrentIndex(other);
-    setToolTip(otherText.toHtmlEscaped());
+    setToolTip(toolTipFor(otherText));
 }
 
 void ChoiceBox::showText(const QString &text)

@@ -2,6 +2,7 @@
 #include "VantlePresets/editor/EditorStyle.h"
 
 #include <QtGui/QFontInfo>
+#include <QtGui/QTextDocument>
 
 #include <algorithm>
 
@@ -43,6 +44,11 @@ QFont fontOfSize(const QFont &hostFont, int size, bool bold)
     font.setPixelSize(std::max(pixels, kSmallest));
     font.setBold(bold);
     return font;
+}
+
+QString toolTipFor(const QString &text)
+{
+    return text.isEmpty() ? QString() : Qt::convertFromPlainText(text);
 }
 
 } // namespace vantle

@@ -28,4 +28,7 @@ inline constexpr int kSymbolSize = 16;
 /// proportion to whatever the host uses, never below 11 pixels.
 [[nodiscard]] QFont fontOfSize(const QFont &hostFont, int size, bool bold = false);
 
+/// The tool tip that shows the text as it is: Qt takes any text that looks like markup for markup.
+[[nodiscard]] QString toolTipFor(const QString &text);
+
 } // namespace vantle

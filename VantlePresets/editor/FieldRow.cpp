@@ -50,8 +50,7 @@ void FieldRow::setFieldVisible(QWidget *control, bool visible)
     field.isVisible = visible;
     field.caption->setVisible(visible);
     field.control->setVisible(visible);
-    arrange(width(), true);
-    updateGeometry();
+    arrangeAgain();
 }
 
 int FieldRow::heightForWidth(int width) const
@@ -74,11 +73,16 @@ void FieldRow::resizeEvent(QResizeEvent *)
 
 bool FieldRow::event(QEvent *event)
 {
-    if (event->type() == QEvent::LayoutRequest) {
-        arrange(width(), true);
-        updateGeometry();
-    }
+    // No request comes for a text that was changed while the row was hidden.
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show)
+        arrangeAgain();
     return QWidget::event(event);
+}
+
+void FieldRow::arrangeAgain()
+{
+    arrange(width(), true);
+    updateGeometry();
 }
 
 int FieldRow::arrange(int width, bool place) const

@@ -43,6 +43,7 @@ private:
         bool isVisible;
     };
 
+    void arrangeAgain();
     /// Places the fields when told to; the height that they take.
     int arrange(int width, bool place) const;
     void placeField(const Field &field, const QRect &cell, int captionHeight, int width) const;

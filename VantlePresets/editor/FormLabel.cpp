@@ -39,7 +39,7 @@ void FormLabel::paintEvent(QPaintEvent *)
 bool FormLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && sizeHint().width() > width() + 1) {
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), toolTipFor(text()), this);
         return true;
     }
     return QLabel::event(event);

@@ -27,9 +27,22 @@ PresetFormView::PresetFormView(Entries entries, QWidget *connectionGroup, QWidge
     if (entries == Entries::fixed)
         return;
     m_addVideo = makeAddButton(u"film"_s, filmTint(), tr("Add Video"), u"videoSettings"_s);
-    connect(m_addVideo, &QPushButton::clicked, this, [this] { m_preset->newVideoSettings(); });
+    connect(m_addVideo, &QPushButton::clicked, this, [this] {
+        m_preset->newVideoSettings();
+        keepInSight(m_addVideo);
+    });
     m_addAudio = makeAddButton(u"speaker.wave.2.fill"_s, speakerTint(), tr("Add Audio"), u"audioSettings"_s);
-    connect(m_addAudio, &QPushButton::clicked, this, [this] { m_preset->newAudioSettings(); });
+    connect(m_addAudio, &QPushButton::clicked, this, [this] {
+        m_preset->newAudioSettings();
+        keepInSight(m_addAudio);
+    });
+}
+
+/// What a button adds comes above it and pushes it down. Forms take their places when the event loop turns.
+void PresetFormView::keepInSight(QWidget *button)
+{
+    QMetaObject::invokeMethod(
+        this, [this, button] { ensureWidgetVisible(button); }, Qt::QueuedConnection);
 }
 
 QPushButton *PresetFormView::makeAddButton(const QString &symbol, const QColor &tint, const QString &text,

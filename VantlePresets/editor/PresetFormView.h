@@ -33,6 +33,7 @@ protected:
 private:
     QPushButton *makeAddButton(const QString &symbol, const QColor &tint, const QString &text,
                                const QString &list);
+    void keepInSight(QWidget *button);
     void showLists();
 
     std::shared_ptr<VantlePreset> m_preset;

@@ -38,22 +38,27 @@ RowParts partsOf(const QRect &wholeRow, Qt::LayoutDirection direction)
             visual({buttonLeft, y, kSymbolSize, kSymbolSize})};
 }
 
+QTextLine layOut(QTextLayout &layout)
+{
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    return line;
+}
+
 /// Elides the name only when it is too wide: finding out shapes the text, and drawing the shaped text costs
 /// half of shaping it twice.
-void drawName(QPainter *painter, const QStyleOptionViewItem &option, const QRect &rect, const QString &name)
+void drawName(QPainter *painter, const QStyleOptionViewItem &option, const QRect &rect, QString name)
 {
+    name.replace(u'\n', u' '); // which a layout would leave out
     QTextLayout layout(name, option.font);
     QTextOption singleLine;
     singleLine.setWrapMode(QTextOption::NoWrap);
     layout.setTextOption(singleLine);
-    layout.beginLayout();
-    const QTextLine line = layout.createLine();
-    layout.endLayout();
+    QTextLine line = layOut(layout);
     if (line.naturalTextWidth() > rect.width()) {
-        painter->setFont(option.font);
-        painter->drawText(rect, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(name, Qt::ElideRight, rect.width()));
-        return;
+        layout.setText(option.fontMetrics.elidedText(name, Qt::ElideRight, rect.width()));
+        line = layOut(layout);
     }
     const bool isRightToLeft = option.direction == Qt::RightToLeft;
     const double x = isRightToLeft ? rect.right() + 1 - line.naturalTextWidth() : rect.left();

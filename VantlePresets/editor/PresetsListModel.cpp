@@ -2,6 +2,7 @@
 #include "VantlePresets/editor/PresetsListModel.h"
 
 #include "VantlePresets/editor/BundleIcon.h"
+#include "VantlePresets/editor/EditorStyle.h"
 
 namespace vantle {
 namespace {
@@ -68,9 +69,10 @@ QVariant PresetsListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-    case Qt::ToolTipRole:
         followName(preset);
         return preset->name();
+    case Qt::ToolTipRole:
+        return toolTipFor(preset->name());
     case Qt::DecorationRole:
         return kindIcon(preset->type());
     case Qt::AccessibleDescriptionRole:

@@ -9,6 +9,8 @@
 
 #include <QtCore/QScopedValueRollback>
 #include <QtGui/QContextMenuEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
@@ -62,7 +64,7 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
 void PresetsListView::endNameEdit()
 {
     const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());
-    m_nameEdit->end(); // which may move the row
+    finishRename();
     if (QWidget *editor = index.isValid() ? indexWidget(index) : nullptr)
         closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
@@ -73,7 +75,16 @@ void PresetsListView::leaveNameField(bool byMouse)
     if (byMouse)
         QMetaObject::invokeMethod(this, &PresetsListView::endNameEdit, Qt::QueuedConnection);
     else
-        m_nameEdit->end();
+        finishRename();
+}
+
+/// Goes along when the row moves, unless the user has gone on to another one.
+void PresetsListView::finishRename()
+{
+    const auto preset = m_nameEdit->preset();
+    m_nameEdit->end();
+    if (preset && preset == m_manager->selectedPreset())
+        scrollTo(m_model->indexOf(preset));
 }
 
 /// A reload takes every field with it, but an edit only ends with its own preset.
@@ -227,7 +238,9 @@ void PresetsListView::hideEvent(QHideEvent *event)
 bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
 {
     const bool isShortcut = event.modifiers().testFlag(Qt::ControlModifier) && event.key() == Qt::Key_D;
-    if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset())
+    // An open dialog asks about what the user sees behind it.
+    if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset() ||
+        QApplication::activeModalWidget())
         return false;
     duplicate(m_manager->selectedPreset());
     takeFocusSoon();
@@ -246,27 +259,26 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
 {
     if (!preset)
         return;
-    m_presetToDelete = preset;
     auto *dialog = new QMessageBox(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setText(tr("Are you sure you want to delete this preset?\nThis operation cannot be undone."));
+    dialog->setInformativeText(preset->name());
+    for (auto *label : dialog->findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText); // a name is no markup
     const QPushButton *confirm = dialog->addButton(tr("Delete"), QMessageBox::DestructiveRole);
     QPushButton *cancel = dialog->addButton(tr("Cancel"), QMessageBox::RejectRole);
     dialog->setDefaultButton(cancel);
     dialog->setEscapeButton(cancel);
-    connect(dialog, &QMessageBox::finished, this, [this, dialog, confirm] {
+    connect(dialog, &QMessageBox::finished, this, [this, dialog, confirm, preset] {
         if (dialog->clickedButton() == confirm)
-            deleteConfirmed();
+            deleteConfirmed(preset);
         takeFocusSoon();
     });
     dialog->open();
 }
 
-void PresetsListView::deleteConfirmed()
+void PresetsListView::deleteConfirmed(const std::shared_ptr<VantlePreset> &preset)
 {
-    const auto preset = std::exchange(m_presetToDelete, nullptr);
-    if (!preset)
-        return;
     const int row = m_manager->rowOf(preset);
     if (preset != m_manager->selectedPreset())
         saveBeforeLeaving(*m_manager);

@@ -44,15 +44,15 @@ private:
     void duplicate(const std::shared_ptr<VantlePreset> &preset);
     bool duplicateByShortcut(const QKeyEvent &event);
     void confirmDelete(const std::shared_ptr<VantlePreset> &preset);
-    void deleteConfirmed();
+    void deleteConfirmed(const std::shared_ptr<VantlePreset> &preset);
     void showRenameFailed();
     void leaveNameField(bool byMouse);
+    void finishRename();
     void reopenNameField();
 
     std::shared_ptr<PresetsManager> m_manager;
     NameEdit *m_nameEdit; // hears of rows that go before the model tells the view
     PresetsListModel *m_model;
-    std::shared_ptr<VantlePreset> m_presetToDelete;
     std::unique_ptr<LocalKeyMonitor> m_keyMonitor; ///< while the list is shown
     QPersistentModelIndex m_pressedDeleteButton;
     bool m_isShowingSelection = false;

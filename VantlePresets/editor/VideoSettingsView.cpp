@@ -118,8 +118,11 @@ void VideoSettingsView::makeFields()
             [this](int index) { m_settings->setFrameRate(VideoSettings::availableFrameRates().at(index)); });
     connect(m_profile, &ChoiceBox::chosen, this,
             [this](int index) { m_settings->setProfile(m_profile->itemText(index)); });
-    connect(m_bitRate, &IntegerField::valueEdited, this,
-            [this](qint64 bitRate) { m_settings->setBitRate(bitRate); });
+    connect(m_bitRate, &IntegerField::valueEdited, this, [this](qint64 bitRate) {
+        // Without a profile that fits there is no limit to keep to: the settings would take any rate for 0.
+        if (m_maxBitrate > 0)
+            m_settings->setBitRate(bitRate);
+    });
 }
 
 void VideoSettingsView::observe()

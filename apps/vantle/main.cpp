@@ -4,16 +4,21 @@
 
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "apps/support/StopOnSignal.h"
 
 #include <CLI/CLI.hpp>
 
+#include <QtCore/QSettings>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtGui/QCursor>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <system_error>
 
 namespace vantle {
 namespace {
@@ -63,15 +68,32 @@ std::shared_ptr<VantlePreset> presetForPicture(const PresetsManager &manager, co
     return preset;
 }
 
-/// The process's exit code.
-int takePicture(PresetsManager &manager, QMainWindow &window, const Options &options)
+std::unique_ptr<PresetsWindowController> makeWindow(const std::shared_ptr<PresetsManager> &manager,
+                                                    const Options &options)
 {
+    auto controller =
+        PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
+    if (const auto size = sizeFromText(options.size))
+        controller->window()->resize(*size);
+    return controller;
+}
+
+/// The process's exit code. Neither the presets' files nor the remembered frame of the window change.
+int takePicture(const PresetsManager &store, const Options &options)
+{
+    const auto manager = std::make_shared<PresetsManager>([] { return QStringList(); }); // it has no files
+    manager->setPresets(store.presets());
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+
     const QString name = QString::fromStdString(options.select);
-    const auto preset = presetForPicture(manager, name);
+    const auto preset = presetForPicture(*manager, name);
     if (!preset && !name.isEmpty())
         return 1;
-    manager.setSelectedPreset(preset);
+    manager->setSelectedPreset(preset);
     QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight()); // no row under the pointer
+    const auto controller = makeWindow(manager, options);
+    QMainWindow &window = *controller->window();
     window.show();
     // The form follows the selection, and its scroll bars the size of the window, by posted events.
     QCoreApplication::processEvents();
@@ -93,22 +115,17 @@ int run(const Options &options)
                              : std::make_shared<PresetsManager>([&options] {
                                    return QStringList{QString::fromStdString(options.dataDirectory)};
                                });
-    const auto controller =
-        PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
-    if (const auto size = sizeFromText(options.size))
-        controller->window()->resize(*size);
-
     if (options.screenshot.empty()) {
+        const StopOnSignal stopOnSignal; // quits as the last window does: what was edited is saved
+        const auto controller = makeWindow(manager, options);
         controller->showWindow();
         return QCoreApplication::exec();
     }
-    const auto takeAndQuit = [&] {
-        QCoreApplication::exit(takePicture(*manager, *controller->window(), options));
-    };
+    const auto takeAndQuit = [&] { QCoreApplication::exit(takePicture(*manager, options)); };
     if (manager->presetsFolderURL())
-        QObject::connect(manager.get(), &PresetsManager::didLoad, controller.get(), takeAndQuit);
+        QObject::connect(manager.get(), &PresetsManager::didLoad, qApp, takeAndQuit);
     else
-        QTimer::singleShot(0, controller.get(), takeAndQuit);
+        QTimer::singleShot(0, qApp, takeAndQuit);
     return QCoreApplication::exec();
 }
 
@@ -117,7 +134,6 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 {
-    QApplication application(argc, argv);
     vantle::Options options;
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
@@ -135,8 +151,23 @@ int main(int argc, char **argv)
         });
     app.add_option("--colors", options.colors, "Colours instead of the desktop's")
         ->check(CLI::IsMember({"light", "dark"}));
+    // Help and complaints need no display. What begins with one dash may be an option of Qt's, which takes
+    // those out when the application is made.
+    app.allow_extras(std::any_of(argv + 1, argv + argc, [](const char *argument) {
+        return argument[0] == '-' && argument[1] != '\0' && argument[1] != '-';
+    }));
+    CLI11_PARSE(app, argc, argv);
+    if (options.screenshot.empty())
+        vantle::StopOnSignal::block();
+    const QApplication application(argc, argv);
+    app.allow_extras(false);
     CLI11_PARSE(app, argc, argv);
     if (!options.colors.empty())
         vantle::setColors(options.colors);
-    return vantle::run(options);
+    try {
+        return vantle::run(options);
+    } catch (const std::system_error &error) {
+        std::fprintf(stderr, "vantle: %s\n", error.what());
+        return 1;
+    }
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <QtCore/QFile>
-#include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QApplication>
 
@@ -20,7 +19,7 @@ int main(int argc, char **argv)
     screens.close();
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toUtf8());
     qputenv("QT_QPA_PLATFORMTHEME", "");
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8()); // the programs that tests start have it too
     QCoreApplication::setOrganizationName(QStringLiteral("VantleTests"));
     QCoreApplication::setApplicationName(QStringLiteral("editor"));
     const QApplication application(argc, argv);

@@ -105,6 +105,21 @@ TEST_F(PresetForm, EntriesAreAddedLast)
     EXPECT_EQ(controls<QLineEdit>("trackName").size(), 3);
 }
 
+TEST_F(PresetForm, AnAddButtonStaysInSight)
+{
+    const auto preset = openWithNew(T::srt);
+    for (const char *list : {"videoSettings", "audioSettings"}) {
+        auto *button = control<QPushButton>(list);
+        button->setFocus();
+        for (int i = 0; i < 12; ++i) {
+            press(Qt::Key_Space);
+            const QRect rect(button->mapTo(form()->viewport(), QPoint()), button->size());
+            EXPECT_TRUE(form()->viewport()->rect().contains(rect)) << list << ' ' << i;
+        }
+    }
+    EXPECT_EQ(preset->videoSettings().size() + preset->audioSettings().size(), 2 + 24);
+}
+
 TEST_F(PresetForm, AnEmptyPresetHasNothingButItsButtons)
 {
     const auto preset = openWithNew(T::srt);

@@ -78,6 +78,7 @@ TEST_F(ListOfPresets, DeletingSelectsTheRowAbove)
         ASSERT_TRUE(dialog());
         EXPECT_EQ(dialog()->text(),
                   u"Are you sure you want to delete this preset?\nThis operation cannot be undone."_s);
+        EXPECT_EQ(dialog()->informativeText(), c.deleted);
         clickInDialog(u"Delete"_s);
         EXPECT_EQ(selectedName(), c.selectedNext);
         EXPECT_EQ(highlightedName(), c.selectedNext);
@@ -130,6 +131,17 @@ TEST_F(ListOfPresets, ThePresetOfAnOpenConfirmationMayGoElsewhere)
     clickInDialog(u"Delete"_s);
     EXPECT_EQ(namesOf(*m_manager), (QStringList{u"Alpha"_s, u"Beta"_s, u"Delta"_s}));
     EXPECT_EQ(selectedName(), u"Alpha"_s);
+}
+
+TEST_F(ListOfPresets, AConfirmationDeletesThePresetThatItWasOpenedFor)
+{
+    clickRow(u"Bravo"_s);
+    press(Qt::Key_Delete);
+    press(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(m_manager->presets().size(), 4) << "the dialog has the keys";
+    m_manager->setSelectedPreset(m_manager->presetWithName(u"Delta"_s)); // the host's doing
+    clickInDialog(u"Delete"_s);
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"Alpha"_s, u"Beta"_s, u"Delta"_s}));
 }
 
 TEST_F(ListOfPresets, HasAContextMenu)

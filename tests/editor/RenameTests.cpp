@@ -121,6 +121,28 @@ TEST_F(Rename, TheClickThatEndsItMeetsTheRowsThatTheUserSaw)
     EXPECT_EQ(files(), (QStringList{u"Beta.json"_s, u"Delta.json"_s, u"Zulu.json"_s}));
 }
 
+TEST_F(Rename, TheListGoesAlongWithTheRow)
+{
+    for (int i = 0; i < 40; ++i)
+        m_manager->addNewPreset(T::hls);
+    m_manager->setSelectedPreset(nullptr);
+    turn();
+    QScrollBar *bar = list().verticalScrollBar();
+    bar->setValue(0);
+    retype(u"Alpha"_s, u"Zulu"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(list().viewport()->rect().contains(rowRect(u"Zulu"_s)));
+    retype(u"Zulu"_s, u"Alpha"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(list().viewport()->rect().contains(rowRect(u"Alpha"_s)));
+    // A click on another row keeps that one in sight.
+    retype(u"Alpha"_s, u"Zulu"_s);
+    clickRow(u"Beta"_s);
+    turn();
+    EXPECT_EQ(m_manager->rowOf(m_manager->presetWithName(u"Zulu"_s)), 42);
+    EXPECT_EQ(bar->value(), 0);
+}
+
 TEST_F(Rename, OperationsAndSavesEndItFirst)
 {
     retype(u"Alpha"_s, u"One"_s);

@@ -2,6 +2,7 @@
 #include "VantlePresets/editor/VideoSettingsView.h"
 #include "tests/editor/OpenEditor.h"
 
+#include <QtGui/QTextDocument>
 #include <QtGui/QWheelEvent>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QToolButton>
@@ -75,6 +76,12 @@ TEST_F(VideoForm, TheCodecChangesProfilesAndMaximumButNotTheModelsProfile)
     EXPECT_EQ(profile->currentText(), u"H264_High_4_1"_s);
     EXPECT_TRUE(shows(u"Not available for this codec, size and rate"_s));
     EXPECT_TRUE(shows(u"Maximum  0"_s));
+    auto *bitRate = control<QLineEdit>("bitRate");
+    enter(bitRate);
+    type(u"6000"_s);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(m_settings->bitRate(), 4500) << "not the 0 that is the maximum";
+    EXPECT_EQ(bitRate->text(), u"4500"_s);
     choose(control<QComboBox>("profile"), u"HEVC_Main 10_AutoLevel"_s);
     EXPECT_EQ(choices(profile), m_settings->hevcProfileLevels(m_settings->resolution(), 30));
     EXPECT_TRUE(shows(u"Maximum  240000"_s));
@@ -151,6 +158,38 @@ TEST_F(VideoForm, RemovesTheVeryRenditionAmongEqualOnes)
     click(control<QToolButton>("videoSettings", 0));
     EXPECT_TRUE(m_preset->videoSettings().isEmpty());
     EXPECT_FALSE(control<QComboBox>("codec", 1)) << "only the track's form is left";
+}
+
+TEST_F(VideoForm, AFormThatIsUsedAgainHasRoomForItsNewTexts)
+{
+    openForm(T::hls);
+    m_settings->setProfile(u"none of these"_s);
+    turn();
+    EXPECT_TRUE(shows(u"Maximum  0"_s));
+    click(control<QToolButton>("videoSettings"));
+    click(control<QPushButton>("videoSettings"));
+    const QList<QLabel *> labels = form()->findChildren<QLabel *>();
+    const auto maximum = std::find_if(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->isVisible() && label->text() == u"Maximum  240000"_s;
+    });
+    ASSERT_NE(maximum, labels.end());
+    EXPECT_GE((*maximum)->width(), (*maximum)->sizeHint().width());
+}
+
+TEST_F(VideoForm, ToolTipsShowTextsAsTheyAre)
+{
+    openForm(T::hls);
+    for (const QString &text : {u"A & B"_s, u"a < b"_s, u"<b>Finals</b>"_s, u"&lt;b&gt;"_s, u"a\nb"_s}) {
+        m_settings->setProfile(text);
+        m_preset->setName(text);
+        const QModelIndex row = list().model()->index(0, 0);
+        for (const QString &tip :
+             {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
+            QTextDocument shown;
+            Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
+            EXPECT_EQ(shown.toPlainText(), text);
+        }
+    }
 }
 
 TEST_F(VideoForm, TheWheelScrollsTheFormAndChangesNoValue)
