@@ -125,6 +125,15 @@ void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &u
     add(nativePathOfUrl(url));
 }
 
+void FolderReconciler::addIfThere(const std::string &path)
+{
+    const auto file = folderFile(path);
+    if (file && !stampOf(path))
+        noteReadability(*file, false);
+    else
+        add(path);
+}
+
 void FolderReconciler::add(const std::string &path)
 {
     const auto file = folderFile(path);

@@ -47,8 +47,9 @@ public:
     /// Whether the preset's file is there but could not be loaded. Callable from any thread.
     [[nodiscard]] bool isUnreadable(const QString &name) const;
 
-    /// Loads a file as if the watcher had reported it. Callable from any thread.
-    void add(const std::string &path);
+    /// Loads a file of the watcher's inventory as if it had been reported. One that is gone will be reported
+    /// as removed, or as updated when it is back, and is loaded then. Callable from any thread.
+    void addIfThere(const std::string &path);
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
     void reread(const std::string &path);
@@ -63,6 +64,7 @@ private:
     struct FolderFile;
 
     static std::optional<FolderFile> folderFile(std::string path);
+    void add(const std::string &path);
     std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder,
                                        QByteArray &buffer);
     void noteReadability(const FolderFile &file, bool isReadable);

@@ -184,10 +184,19 @@ bool PresetFiles::moveChangedFile(const Save &save, const QString &oldName) cons
 void PresetFiles::takeAway(const std::string &path, const std::function<void()> &change) const
 {
     const QString watchedPath = QString::fromStdString(path);
-    m_watcher->performOwnChange(watchedPath, change);
-    // Made anew at once by another process, and taken for this process's own.
-    if (m_watcher->hasItemAtPath(watchedPath))
-        m_fileAppeared(path);
+    const auto lookAfterwards = [&] {
+        // Made anew at once by another process, and taken for this process's own.
+        if (m_watcher->hasItemAtPath(watchedPath))
+            m_fileAppeared(path);
+    };
+    try {
+        m_watcher->performOwnChange(watchedPath, change);
+    } catch (const std::system_error &error) {
+        if (error.code() == std::errc::no_such_file_or_directory)
+            lookAfterwards();
+        throw;
+    }
+    lookAfterwards();
 }
 
 void PresetFiles::removeNow(const QString &name) const

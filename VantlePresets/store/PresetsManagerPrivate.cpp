@@ -39,10 +39,8 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     files = std::make_unique<PresetFiles>(
         folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
-            watcher->checkChangesAtPaths({QString::fromStdString(path)}, [reconciler, path] {
-                if (stampOf(path))
-                    reconciler->add(path);
-            });
+            watcher->checkChangesAtPaths({QString::fromStdString(path)},
+                                         [reconciler, path] { reconciler->addIfThere(path); });
         });
     WatchFolderError error;
     if (!watcher->startWatching(&error))
