@@ -60,10 +60,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         // Somebody else has made it anew since; the event of that is on its way.
         if (changed.cause == ChangedPath::OwnRemoval)
             return {};
-        m_inventory.put(changed.path, {.state = *state,
-                                       .walk = m_walk,
-                                       .own = isOwn,
-                                       .isDoubtful = changed.cause == ChangedPath::OwnReplacement});
+        m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .own = isOwn, .isUnreported = isOwn});
         return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
     }
 
@@ -75,7 +72,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         differs = differs || hidesForeign || state->inode != record->state.inode ||
                   state->size != record->state.size;
     const bool isNews = differs && !isOwn;
-    const bool isNew = isNews && std::exchange(record->isDoubtful, false);
+    const bool isNew = isNews && std::exchange(record->isUnreported, false);
     const Finding finding{.difference = isNew    ? Finding::Added
                                         : isNews ? Finding::Updated
                                                  : Finding::None,

@@ -25,9 +25,9 @@ public:
         bool hasState = true;
         /// Taken over after a change of this process: a foreign change may hide behind the recorded date.
         bool own = false;
-        /// Not reported, since this process had made an item of the name: but also removed it. A foreign
-        /// change shows that what is there now is another one.
-        bool isDoubtful = false;
+        /// Nobody was told of it, since this process had made an item of the name. That one may be gone
+        /// again: to the delegate, what a foreign change brings to light is new.
+        bool isUnreported = false;
     };
 
     struct NameHash
