@@ -50,7 +50,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
             return {};
         // With the whole folder gone or replaced, nobody can say that it was this process who removed the
         // item.
-        if (mayBeOwnRemoval && isNotedFolder()) {
+        if (mayBeOwnRemoval && isNotedFolder() && !(record != nullptr && record->isTakenOver)) {
             removeWithDescendants(changed.path);
             return {};
         }
@@ -115,7 +115,7 @@ void FolderInventory::takeOver(std::string_view path)
 {
     std::error_code error;
     if (const auto state = readState(path, error))
-        m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true});
+        m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true, .isTakenOver = true});
     else if (saysMissing(error))
         removeWithDescendants(path);
 }

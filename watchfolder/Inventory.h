@@ -28,6 +28,8 @@ public:
         /// Nobody was told of it, since this process had made an item of the name. That one may be gone
         /// again: to the delegate, what a foreign change brings to light is new.
         bool isUnreported = false;
+        /// Made by this process through the watcher, which would know if it had removed it since.
+        bool isTakenOver = false;
     };
 
     struct NameHash

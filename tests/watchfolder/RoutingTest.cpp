@@ -131,6 +131,14 @@ TEST_F(WatcherOnFakeStream, ForeignChangeBehindAnOwnOneIsReported)
     ASSERT_TRUE(flushed(*watching.watcher));
     EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("updated a"));
 
+    // Removed and made by this process, removed by the child.
+    watching.watcher->performOwnChange(folder.pathText("c"),
+                                       [this] { runScript(folder.path(), "echo 1 > c"); });
+    runScript(folder.path(), "rm c");
+    stream->deliver("c", ItemIsFile | ItemRemoved | ItemCreated | OwnEvent);
+    ASSERT_TRUE(flushed(*watching.watcher));
+    EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("removed c"));
+
     // Made and removed by this process, made anew by the child.
     for (const quint32 own : {ItemIsFile | ItemCreated, ItemIsFile | ItemCreated | ItemRemoved}) {
         runScript(folder.path(), "rm -f b");
