@@ -35,6 +35,12 @@ void FolderInventory::setOwnEventsAreTold(bool told)
     m_ownEventsAreTold = told;
 }
 
+void FolderInventory::setComparesIdentity(bool compares)
+{
+    const std::lock_guard lock(m_mutex);
+    m_comparesIdentity = compares;
+}
+
 Finding FolderInventory::compare(const ChangedPath &changed)
 {
     const std::lock_guard lock(m_mutex);
@@ -68,7 +74,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     bool differs = becameAnother || (!changed.existenceOnly &&
                                      (!record->hasState || state->modified != record->state.modified));
     const bool hidesForeign = record->own && m_ownEventsAreTold && changed.cause == ChangedPath::Foreign;
-    if (record->own && !changed.existenceOnly)
+    if ((record->own || m_comparesIdentity) && !changed.existenceOnly)
         differs = differs || hidesForeign || state->inode != record->state.inode ||
                   state->size != record->state.size;
     const bool isNews = differs && !isOwn;
@@ -153,7 +159,7 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
     record.walk = walk;
     const FileState &known = record.state;
     return record.hasState && known.modified == state.modified && known.isDirectory == state.isDirectory &&
-           (!record.own || (known.inode == state.inode && known.size == state.size));
+           ((!record.own && !m_comparesIdentity) || (known.inode == state.inode && known.size == state.size));
 }
 
 std::vector<std::string> FolderInventory::notMet(std::string_view directory, std::uint32_t walk) const

@@ -52,6 +52,9 @@ public:
     /// own change counts as an update even if the dates are equal.
     void setOwnEventsAreTold(bool told);
 
+    /// Whether an item is compared by file and size too, and not by its date alone.
+    void setComparesIdentity(bool compares);
+
     /// Looks at a path. New and changed items are recorded; a missing one stays until removeIfMissing.
     Finding compare(const ChangedPath &changed);
     /// Removes an item that is still missing. None when it is not inventoried, or is back.
@@ -88,6 +91,7 @@ private:
     std::uint32_t m_walk = 0;
     bool m_replacing = false;
     bool m_ownEventsAreTold = false;
+    bool m_comparesIdentity = false;
 };
 
 } // namespace vantle

@@ -128,6 +128,11 @@ QString VRXWatchFolder::streamDescription() const
     return stream ? stream->description() : QString();
 }
 
+void VRXWatchFolder::setNoticesReplacements(bool notices)
+{
+    m_core->inventory.setComparesIdentity(notices);
+}
+
 bool VRXWatchFolder::startWatching(WatchFolderError *error)
 {
     return m_core->start(error);

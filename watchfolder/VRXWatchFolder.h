@@ -86,6 +86,11 @@ public:
     /// Empty while not watching.
     QString streamDescription() const;
 
+    /// Whether an item whose date is unchanged is reported as updated when it is another file, or has another
+    /// size: one that was replaced within a tick of the clock, or by a tool that keeps dates. False at first.
+    /// To be set before startWatching.
+    void setNoticesReplacements(bool notices);
+
     /// Begins to watch and takes the first inventory in the background. False, with the error, when the
     /// folder is missing (1001), is not a directory (1002), or when there is no event source (1003: the
     /// reason says whether watches or descriptors ran out). While watching it only repeats what it cancels.

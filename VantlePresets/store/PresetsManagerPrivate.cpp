@@ -37,6 +37,7 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     folder = path;
     reconciler = std::make_shared<FolderReconciler>(queue, *this);
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
+    watcher->setNoticesReplacements(true);
     files = std::make_unique<PresetFiles>(
         folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
             watcher->checkChangesAtPaths({QString::fromStdString(path)},

@@ -246,6 +246,12 @@ TEST_F(OpenList, EditsAreSavedAtTheEndWhenTheirNameTurnsOutToBeTaken)
     EXPECT_EQ(m_store.onDisk("X 2")->videoSettings().first()->bitRate(), 777);
 }
 
+TEST_F(OpenList, AFileThatIsReplacedByOneOfTheSameDateIsReadAgain)
+{
+    ASSERT_TRUE(elsewhere(u"sed s/4500/3333/ A.json > .new; touch -r A.json .new; mv .new A.json"_s));
+    EXPECT_EQ(m_a->videoSettings().first()->bitRate(), 3333);
+}
+
 TEST_F(OpenList, AForeignFileWithAListedNameIsAnotherPreset)
 {
     m_manager->deletePresetFile(u"B"_s);
