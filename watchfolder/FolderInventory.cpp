@@ -56,7 +56,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
             return {};
         // With the whole folder gone or replaced, nobody can say that it was this process who removed the
         // item.
-        if (mayBeOwnRemoval && isNotedFolder() && !(record != nullptr && record->isTakenOver)) {
+        if (mayBeOwnRemoval && isNotedFolder() && !record->isTakenOver) {
             removeWithDescendants(changed.path);
             return {};
         }

@@ -64,15 +64,7 @@ std::shared_ptr<AudioSettings> AudioSettings::decode(const document::ObjectReade
 std::shared_ptr<AudioSettings> AudioSettings::copy() const
 {
     auto track = create();
-    track->m_bitRate = m_bitRate;
-    track->m_bitsPerSample = m_bitsPerSample;
-    track->m_sampleRate = m_sampleRate;
-    track->m_inputChannels = m_inputChannels;
-    track->m_codec = m_codec;
-    track->m_language = m_language;
-    track->m_trackName = m_trackName;
-    track->m_isDefault = m_isDefault;
-    track->m_pid = m_pid;
+    track->update(*this);
     return track;
 }
 

@@ -10,6 +10,7 @@
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
@@ -43,7 +44,7 @@ std::optional<FolderReconciler::FolderFile> FolderReconciler::folderFile(std::st
     return FolderFile{std::move(path), fileName, presetNameFromPath(fileName), isUtf8};
 }
 
-/// Null, with a line in the log, when the file can't be loaded. Callable from any thread.
+/// Null, with a line in the log unless the file is gone, when it can't be loaded. Callable from any thread.
 std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, const FolderReader &folder,
                                                      QByteArray &buffer)
 {
@@ -61,6 +62,10 @@ std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, con
         return listed;
     } catch (const std::exception &error) {
         noteReadability(file, false);
+        std::error_code unknown;
+        if (std::filesystem::symlink_status(file.path, unknown).type() ==
+            std::filesystem::file_type::not_found)
+            return nullptr; // removed before it could be read, which the watcher is about to report
         logLine("Error loading Preset "_L1 + file.fileName + ": "_L1 + QString::fromUtf8(error.what()));
         return nullptr;
     }
@@ -123,15 +128,6 @@ void FolderReconciler::watchFolderBecameUnreachable(VRXWatchFolder *)
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
     add(nativePathOfUrl(url));
-}
-
-void FolderReconciler::addIfThere(const std::string &path)
-{
-    const auto file = folderFile(path);
-    if (file && !stampOf(path))
-        noteReadability(*file, false);
-    else
-        add(path);
 }
 
 void FolderReconciler::add(const std::string &path)

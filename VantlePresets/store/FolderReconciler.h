@@ -49,7 +49,7 @@ public:
 
     /// Loads a file of the watcher's inventory as if it had been reported. One that is gone will be reported
     /// as removed, or as updated when it is back, and is loaded then. Callable from any thread.
-    void addIfThere(const std::string &path);
+    void add(const std::string &path);
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
     void reread(const std::string &path);
@@ -64,7 +64,6 @@ private:
     struct FolderFile;
 
     static std::optional<FolderFile> folderFile(std::string path);
-    void add(const std::string &path);
     std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder,
                                        QByteArray &buffer);
     void noteReadability(const FolderFile &file, bool isReadable);

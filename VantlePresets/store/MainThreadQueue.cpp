@@ -25,19 +25,21 @@ void MainThreadQueue::post(Task task)
     QMetaObject::invokeMethod(this, &MainThreadQueue::runSlice, Qt::QueuedConnection);
 }
 
+/// The next task, or none.
+MainThreadQueue::Task MainThreadQueue::takeTask()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_tasks.empty())
+        return {};
+    Task task = std::move(m_tasks.front());
+    m_tasks.pop_front();
+    return task;
+}
+
 void MainThreadQueue::runAll()
 {
-    for (;;) {
-        Task task;
-        {
-            const std::lock_guard lock(m_mutex);
-            if (m_tasks.empty())
-                return;
-            task = std::move(m_tasks.front());
-            m_tasks.pop_front();
-        }
+    while (const Task task = takeTask())
         task();
-    }
 }
 
 void MainThreadQueue::runSlice()
@@ -50,15 +52,13 @@ void MainThreadQueue::runSlice()
         m_isScheduled = false;
     }
     do {
-        Task task;
+        const Task task = takeTask();
+        if (!task)
+            return;
         {
-            const std::lock_guard lock(m_mutex);
-            if (m_tasks.empty())
-                return;
-            task = std::move(m_tasks.front());
-            m_tasks.pop_front();
             // Before the task runs, which may start an event loop of its own (a dialog). By a timer: posted
             // events are all delivered before the loop looks at anything else.
+            const std::lock_guard lock(m_mutex);
             if (!m_tasks.empty() && !std::exchange(m_isScheduled, true))
                 QTimer::singleShot(0, this, &MainThreadQueue::runSlice);
         }

@@ -26,6 +26,7 @@ public:
 
 private:
     void runSlice();
+    Task takeTask();
 
     std::mutex m_mutex;
     std::deque<Task> m_tasks;   // guarded by m_mutex

@@ -41,7 +41,7 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     files = std::make_unique<PresetFiles>(
         folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
             watcher->checkChangesAtPaths({QString::fromStdString(path)},
-                                         [reconciler, path] { reconciler->addIfThere(path); });
+                                         [reconciler, path] { reconciler->add(path); });
         });
     WatchFolderError error;
     if (!watcher->startWatching(&error))
@@ -276,8 +276,8 @@ void PresetsManager::Private::presetRemoved(const QString &name)
         entry->wasChangedMeanwhile = true;
         return;
     }
-    if (stampOf(fileSystemPath(pathOf(name)))) { // it has been made again since
-        if (!isAsSaved(*entry, name))
+    if (const auto present = stampOf(fileSystemPath(pathOf(name)))) { // it has been made again since
+        if (present != entry->file->stampAt(name))
             lookAgain(name);
         return;
     }

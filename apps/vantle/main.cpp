@@ -17,8 +17,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <optional>
-#include <system_error>
 
 namespace vantle {
 namespace {
@@ -133,7 +133,7 @@ int run(const Options &options)
 } // namespace vantle
 
 int main(int argc, char **argv)
-{
+try {
     vantle::Options options;
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
@@ -164,10 +164,8 @@ int main(int argc, char **argv)
     CLI11_PARSE(app, argc, argv);
     if (!options.colors.empty())
         vantle::setColors(options.colors);
-    try {
-        return vantle::run(options);
-    } catch (const std::system_error &error) {
-        std::fprintf(stderr, "vantle: %s\n", error.what());
-        return 1;
-    }
+    return vantle::run(options);
+} catch (const std::exception &error) {
+    std::fprintf(stderr, "vantle: %s\n", error.what());
+    return 1;
 }
