@@ -21,7 +21,7 @@ enum class Knowledge : std::uint8_t {
     untold,     ///< an event said that this process had made it, which nobody was told of
     ownByEvent, ///< known to the delegate; an event said that this process has changed it since, and a
                 ///< foreign change may hide behind that
-    ownExact, ///< this process has put there exactly what is recorded, and said so
+    ownExact,   ///< this process has put there exactly what is recorded, and said so
 };
 
 /// What a look at the path found.

@@ -82,13 +82,20 @@ public:
     /// False when the name is empty or another preset has it; the preset's name is `from` then. A name that
     /// the file system refuses is accepted here; its file fails to be written.
     bool rename(const std::shared_ptr<VantlePreset> &preset, const QString &from, const QString &to);
-    /// Deletes the preset's file and takes it off the list. Nothing for a preset that is not listed.
+    /// Takes the preset off the list and deletes its file. A file that others have changed since stays, and
+    /// is listed again. Nothing for a preset that is not listed.
     void remove(const std::shared_ptr<VantlePreset> &preset);
     /// Writes the preset's file in the background: a whole file or none, in the order of the calls. Without
     /// edits since it was loaded or saved, a preset does not overwrite a file that was changed or removed
     /// meanwhile; that change is applied. A file of the name that is not this preset's is never overwritten:
     /// the preset gets the next free name.
     void save(const std::shared_ptr<VantlePreset> &preset);
+    /// The same for one who has based a few edits on what was read: when the file was changed or removed
+    /// meanwhile, that is applied and the edits are gone; see presetUpdated().
+    void saveUnlessChanged(const std::shared_ptr<VantlePreset> &preset);
+    /// The same as save(); a file that is made gets mode, access list and, where possible, group of the file
+    /// at the path.
+    void saveLike(const std::shared_ptr<VantlePreset> &preset, const QString &path);
     /// Saves the selected preset, if there is one.
     void saveSelectedPreset();
     /// Deletes a file of the folder in the background; a listed preset stays listed.
@@ -120,7 +127,8 @@ public:
 
     /// Waits until the file tasks started so far are done. Their results need the event loop.
     void waitForFileTasks();
-    /// Whether the outcome of a save is not known yet; it comes with the event loop.
+    /// Whether the outcome of a save is not known yet, or a file that others changed meanwhile has yet to be
+    /// read; both come with the event loop.
     [[nodiscard]] bool hasPendingSaves() const;
 
 Q_SIGNALS:

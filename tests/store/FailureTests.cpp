@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/LiveStore.h"
+#include "tests/support/OtherUser.h"
 #include "tests/support/QtPrinters.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace vantle {
 namespace {
@@ -70,6 +73,39 @@ TEST(Failures, AreToldAndEndWhenWhatFailedIsMadeGood)
     EXPECT_FALSE(store.onDisk("D"));
     EXPECT_EQ(manager->failures(), QList<PresetsFailure>());
     EXPECT_EQ(namesOf(*manager), (QStringList{u"B"_s, u"C"_s, u"X"_s}));
+}
+
+TEST(Failures, AFileThatCouldNotBeDeletedIsListedWhenOthersTouchIt)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    const auto manager = store.makeManager();
+    Told told(*manager);
+    ASSERT_TRUE(store.runElsewhere(u"mkdir .away; mv A.json .away/A; mkdir A.json"_s)); // can't be unlinked
+    manager->deletePresetFile(u"A"_s);
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(told.take().filter(u"deletion"_s), QStringList{u"+deletion A"_s});
+    ASSERT_TRUE(store.runElsewhere(u"rmdir A.json; mv .away/A A.json"_s) && LiveStore::settle(*manager));
+    EXPECT_TRUE(waitFor([&] { return manager->presetWithName(u"A"_s) != nullptr; }));
+    EXPECT_TRUE(manager->failures().isEmpty());
+}
+
+TEST(Failures, AFileThatBecomesReadableIsLoaded)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    ASSERT_EQ(::chmod(store.file("A.json").c_str(), 0), 0);
+    ASSERT_EQ(::chmod(store.dataDirectory().toStdString().c_str(), 0755), 0);
+    std::unique_ptr<PresetsManager> manager;
+    {
+        const test::OtherUser nobody(65534); // root would be refused nothing
+        manager = store.makeManager();
+    }
+    ASSERT_EQ(manager->failures().size(), 1);
+    EXPECT_EQ(manager->failures().first().reason, u"Permission denied"_s);
+    ASSERT_TRUE(store.runElsewhere(u"chmod 644 A.json"_s) && LiveStore::settle(*manager));
+    EXPECT_TRUE(manager->presetWithName(u"A"_s));
+    EXPECT_TRUE(manager->failures().isEmpty());
 }
 
 } // namespace
