@@ -8,25 +8,42 @@
 
 namespace vantle {
 
-std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error)
+namespace {
+
+FileTime fileTime(const statx_timestamp &time)
 {
-    constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_INO | STATX_SIZE | STATX_NLINK;
+    return FileTime(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
+
+std::optional<FileState> readState(int directory, const char *name, int flags, std::error_code &error)
+{
+    constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_CTIME | STATX_INO | STATX_SIZE | STATX_NLINK;
     struct statx found = {};
-    const int flags = AT_NO_AUTOMOUNT | (follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0);
-    if (statx(directory, name, flags, wanted, &found) != 0) {
+    if (statx(directory, name, AT_NO_AUTOMOUNT | flags, wanted, &found) != 0) {
         error.assign(errno, std::system_category());
         return std::nullopt;
     }
     error.clear();
-    const auto modified =
-        std::chrono::seconds(found.stx_mtime.tv_sec) + std::chrono::nanoseconds(found.stx_mtime.tv_nsec);
-    return FileState{.modified = FileTime(modified),
+    return FileState{.modified = fileTime(found.stx_mtime),
+                     .changed = fileTime(found.stx_ctime),
                      .inode = found.stx_ino,
                      .size = found.stx_size,
                      .device = found.stx_dev_major << 20 | found.stx_dev_minor,
                      .isDirectory = S_ISDIR(found.stx_mode),
                      .isRegular = S_ISREG(found.stx_mode),
                      .hasOtherLinks = found.stx_nlink > 1};
+}
+
+} // namespace
+
+std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error)
+{
+    return readState(directory, name, follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0, error);
+}
+
+std::optional<FileState> readFileState(int descriptor, std::error_code &error)
+{
+    return readState(descriptor, "", AT_EMPTY_PATH, error);
 }
 
 std::optional<FileState> readFileState(const char *path, std::error_code &error)

@@ -13,6 +13,8 @@ namespace vantle {
 struct FileState
 {
     FileTime modified;
+    /// When content or anything that is said here changed last; nobody can set it.
+    FileTime changed;
     std::uint64_t inode = 0;
     std::uint64_t size = 0;
     /// As the kernel numbers devices: twelve bits of major number, twenty of minor. Kept small, since an
@@ -23,12 +25,21 @@ struct FileState
     bool hasOtherLinks = false;
 };
 
+/// Whether two states are of the same content of the same file.
+inline bool isSameContent(const FileState &a, const FileState &b)
+{
+    return a.modified == b.modified && a.changed == b.changed && a.inode == b.inode && a.device == b.device &&
+           a.size == b.size && a.isDirectory == b.isDirectory;
+}
+
 enum class Follow { No, Links };
 
 /// None with the error set when the state can't be read.
 std::optional<FileState> readFileState(int directory, const char *name, Follow follow,
                                        std::error_code &error);
 std::optional<FileState> readFileState(const char *path, std::error_code &error);
+/// Of an open file.
+std::optional<FileState> readFileState(int descriptor, std::error_code &error);
 
 /// True when the error says that nothing is at the path (any other leaves that open).
 bool saysMissing(const std::error_code &error);

@@ -3,6 +3,7 @@
 
 #include "watchfolder/NativePath.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <fcntl.h>
@@ -29,12 +30,6 @@ std::vector<std::string> FolderInventory::pathsBelow(std::string_view directory)
     return m_inventory.pathsBelow(directory);
 }
 
-void FolderInventory::setOwnEventsAreTold(bool told)
-{
-    const std::lock_guard lock(m_mutex);
-    m_ownEventsAreTold = told;
-}
-
 void FolderInventory::setComparesIdentity(bool compares)
 {
     const std::lock_guard lock(m_mutex);
@@ -43,102 +38,178 @@ void FolderInventory::setComparesIdentity(bool compares)
 
 Finding FolderInventory::compare(const ChangedPath &changed)
 {
-    const std::lock_guard lock(m_mutex);
-    std::error_code error;
-    const auto state = readState(changed.path, error);
-    Inventory::Record *record = m_inventory.find(changed.path);
-    const bool mayBeOwnRemoval =
-        changed.cause == ChangedPath::OwnRemoval || changed.cause == ChangedPath::OwnReplacement;
-    const bool isOwn = changed.cause == ChangedPath::Own || mayBeOwnRemoval;
-
-    if (!state) {
-        if (record == nullptr || !saysMissing(error))
-            return {};
+    for (;;) {
+        std::uint64_t ownChanges = 0;
+        std::optional<FileState> noted;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (Bracket *const bracket = bracketAround(changed.path)) {
+                bracket->postponed.push_back(changed);
+                return {};
+            }
+            ownChanges = m_ownChanges;
+            noted = m_notedFolder;
+        }
+        std::error_code error;
+        const auto state = readState(changed.path, error);
+        const bool isMissing = !state && saysMissing(error);
+        LookCause cause = changed.cause;
         // With the whole folder gone or replaced, nobody can say that it was this process who removed the
         // item.
-        if (mayBeOwnRemoval && isNotedFolder() && !record->isTakenOver) {
-            removeWithDescendants(changed.path);
-            return {};
-        }
-        return {.difference = Finding::Missing, .wasDirectory = record->state.isDirectory};
+        if (isMissing && (cause == LookCause::ownRemoval || cause == LookCause::ownReplacement) &&
+            !isNotedFolder(noted))
+            cause = LookCause::look;
+        const std::lock_guard lock(m_mutex);
+        if (m_ownChanges == ownChanges)
+            return judge(changed, cause, state, isMissing);
     }
-    if (record == nullptr) {
-        // Somebody else has made it anew since; the event of that is on its way.
-        if (changed.cause == ChangedPath::OwnRemoval)
-            return {};
-        m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .own = isOwn, .isUnreported = isOwn});
-        return {.difference = isOwn ? Finding::None : Finding::Added, .isDirectory = state->isDirectory};
-    }
+}
 
-    const bool becameAnother = state->isDirectory != record->state.isDirectory;
-    bool differs = becameAnother || (!changed.existenceOnly &&
-                                     (!record->hasState || state->modified != record->state.modified));
-    const bool hidesForeign = record->own && m_ownEventsAreTold && changed.cause == ChangedPath::Foreign;
-    if ((record->own || m_comparesIdentity) && !changed.existenceOnly)
-        differs = differs || hidesForeign || state->inode != record->state.inode ||
-                  state->size != record->state.size;
-    const bool isNews = differs && !isOwn;
-    const bool isNew = isNews && std::exchange(record->isUnreported, false);
-    const Finding finding{.difference = isNew    ? Finding::Added
-                                        : isNews ? Finding::Updated
-                                                 : Finding::None,
-                          .isDirectory = state->isDirectory,
-                          .wasDirectory = record->state.isDirectory};
-    record->state = *state;
-    record->hasState = true;
-    record->own = isOwn || (record->own && changed.cause == ChangedPath::Unknown && !differs);
+Finding FolderInventory::judge(const ChangedPath &changed, LookCause cause,
+                               const std::optional<FileState> &state, bool isMissing)
+{
+    Inventory::Record *const record = m_inventory.find(changed.path);
+    const Knowledge known = record == nullptr ? Knowledge::nothing : record->knowledge;
+    OnDisk found = isMissing ? OnDisk::missing : OnDisk::unreadable;
+    if (state && record != nullptr && changed.existenceOnly) {
+        found = state->isDirectory == record->state.isDirectory ? OnDisk::same : OnDisk::other;
+        if (cause == LookCause::foreign && found == OnDisk::same)
+            cause = LookCause::look;
+    } else if (state) {
+        found = record != nullptr && isAsRecorded(*record, *state) ? OnDisk::same : OnDisk::other;
+    }
+    const LookMeaning meaning = meaningOfLook(cause, known, found);
+    const Finding finding{.report = meaning.report,
+                          .isDirectory = state && state->isDirectory,
+                          .wasDirectory = record != nullptr && record->state.isDirectory};
+    if (state && record != nullptr) {
+        record->state = *state;
+        record->hasState = true;
+        record->knowledge = meaning.record;
+    } else if (state && meaning.record != Knowledge::nothing) {
+        m_inventory.put(changed.path, {.state = *state, .walk = m_walk, .knowledge = meaning.record});
+    } else if (record != nullptr && meaning.record == Knowledge::nothing) {
+        removeWithDescendants(changed.path);
+        return {};
+    }
     return finding;
+}
+
+/// Items that this process has changed are always compared by file and size: their dates are not enough to
+/// notice another file.
+bool FolderInventory::isAsRecorded(const Inventory::Record &record, const FileState &state) const
+{
+    const FileState &known = record.state;
+    if (!record.hasState || known.modified != state.modified || known.isDirectory != state.isDirectory)
+        return false;
+    if (m_comparesIdentity && known.changed != state.changed)
+        return false;
+    return (!m_comparesIdentity && record.knowledge == Knowledge::told) ||
+           (known.inode == state.inode && known.size == state.size);
 }
 
 std::optional<Inventory::Record> FolderInventory::removeIfMissing(std::string_view path)
 {
-    const std::lock_guard lock(m_mutex);
-    const Inventory::Record *record = m_inventory.find(path);
-    std::error_code error;
-    if (record == nullptr || readState(path, error) || !saysMissing(error))
-        return std::nullopt;
-    const Inventory::Record removed = *record;
-    m_inventory.remove(path);
-    return removed;
+    for (;;) {
+        std::uint64_t ownChanges = 0;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (Bracket *const bracket = bracketAround(path)) {
+                bracket->postponed.push_back({.path = std::string(path)});
+                return std::nullopt;
+            }
+            if (m_inventory.find(path) == nullptr)
+                return std::nullopt;
+            ownChanges = m_ownChanges;
+        }
+        std::error_code error;
+        if (readState(path, error) || !saysMissing(error))
+            return std::nullopt;
+        const std::lock_guard lock(m_mutex);
+        if (m_ownChanges != ownChanges)
+            continue;
+        const Inventory::Record *record = m_inventory.find(path);
+        if (record == nullptr)
+            return std::nullopt;
+        const Inventory::Record removed = *record;
+        m_inventory.remove(path);
+        return removed;
+    }
 }
 
-void FolderInventory::performOwnChange(std::string_view path, const std::function<void()> &change)
+FolderInventory::Bracket *FolderInventory::bracketAround(std::string_view path)
+{
+    for (auto &[changed, bracket] : m_brackets) {
+        if (isAtOrBelow(path, changed))
+            return &bracket;
+    }
+    return nullptr;
+}
+
+void FolderInventory::beginOwnChange(const std::string &path)
 {
     const std::lock_guard lock(m_mutex);
-    // Whatever the change did before it failed was done by this process too.
-    struct TakeOver
-    {
-        FolderInventory *inventory;
-        std::string_view path;
-        ~TakeOver() { inventory->takeOver(path); }
-    } const takeOver{this, path};
-    if (m_replacing)
-        m_ownDuringReplacement.emplace(path);
-    change();
+    ++m_brackets[path].depth;
+    ++m_ownChanges;
 }
 
-void FolderInventory::takeOver(std::string_view path)
+std::vector<ChangedPath> FolderInventory::endOwnChange(const std::string &path, const OwnOutcome &outcome)
+{
+    const OwnOutcome present = presentOutcome(path);
+    const std::lock_guard lock(m_mutex);
+    ++m_ownChanges;
+    const auto found = m_brackets.find(path);
+    Bracket &bracket = found->second;
+    if (outcome.kind != OwnOutcome::unchanged)
+        bracket.outcomes.push_back(outcome);
+    if (--bracket.depth > 0)
+        return {}; // whoever ends last looks
+    // Of changes that overlapped nobody knows which came last.
+    const auto exact =
+        std::find_if(bracket.outcomes.begin(), bracket.outcomes.end(), [&present](const OwnOutcome &made) {
+            return made.kind == present.kind &&
+                   (made.kind == OwnOutcome::removed || isSameContent(made.item, present.item));
+        });
+    if (!bracket.outcomes.empty())
+        record(path, exact != bracket.outcomes.end() ? *exact : bracket.outcomes.back());
+    if (exact == bracket.outcomes.end())
+        bracket.postponed.push_back({.path = path});
+    std::vector<ChangedPath> postponed = std::move(bracket.postponed);
+    m_brackets.erase(found);
+    return postponed;
+}
+
+OwnOutcome FolderInventory::presentOutcome(std::string_view path) const
 {
     std::error_code error;
     if (const auto state = readState(path, error))
-        m_inventory.put(path, {.state = *state, .walk = m_walk, .own = true, .isTakenOver = true});
-    else if (saysMissing(error))
+        return {OwnOutcome::put, *state};
+    return {saysMissing(error) ? OwnOutcome::removed : OwnOutcome::unchanged, {}};
+}
+
+void FolderInventory::record(std::string_view path, const OwnOutcome &outcome)
+{
+    if (m_replacing)
+        m_outcomesWhileReplacing.insert_or_assign(std::string(path), outcome);
+    if (outcome.kind == OwnOutcome::put)
+        m_inventory.put(path, {.state = outcome.item, .walk = m_walk, .knowledge = Knowledge::ownExact});
+    else
         removeWithDescendants(path);
 }
 
 void FolderInventory::noteFolder()
 {
-    const std::lock_guard lock(m_mutex);
     std::error_code error;
-    m_notedFolder = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
+    const auto present = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
+    const std::lock_guard lock(m_mutex);
+    m_notedFolder = present;
 }
 
-bool FolderInventory::isNotedFolder() const
+bool FolderInventory::isNotedFolder(const std::optional<FileState> &noted) const
 {
     std::error_code error;
     const auto present = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
-    return present && m_notedFolder && present->inode == m_notedFolder->inode &&
-           present->device == m_notedFolder->device;
+    return present && noted && present->inode == noted->inode && present->device == noted->device;
 }
 
 std::uint32_t FolderInventory::beginWalk()
@@ -157,9 +228,7 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
         return false;
     Inventory::Record &record = found->second;
     record.walk = walk;
-    const FileState &known = record.state;
-    return record.hasState && known.modified == state.modified && known.isDirectory == state.isDirectory &&
-           ((!record.own && !m_comparesIdentity) || (known.inode == state.inode && known.size == state.size));
+    return isAsRecorded(record, state);
 }
 
 std::vector<std::string> FolderInventory::notMet(std::string_view directory, std::uint32_t walk) const
@@ -175,17 +244,20 @@ void FolderInventory::beginReplacement()
 {
     const std::lock_guard lock(m_mutex);
     m_replacing = true;
-    m_ownDuringReplacement.clear();
+    m_outcomesWhileReplacing.clear();
 }
 
-void FolderInventory::replace(Inventory replacement)
+std::vector<ChangedPath> FolderInventory::replace(Inventory replacement)
 {
     const std::lock_guard lock(m_mutex);
     std::swap(m_inventory, replacement);
     m_replacing = false;
-    for (const std::string &path : m_ownDuringReplacement)
-        takeOver(path);
-    m_ownDuringReplacement.clear();
+    std::vector<ChangedPath> changed;
+    for (const auto &[path, outcome] : std::exchange(m_outcomesWhileReplacing, {})) {
+        record(path, outcome);
+        changed.push_back({.path = path});
+    }
+    return changed;
 }
 
 void FolderInventory::clear()
@@ -193,7 +265,7 @@ void FolderInventory::clear()
     const std::lock_guard lock(m_mutex);
     m_inventory.clear();
     m_replacing = false; // its inventory will not come
-    m_ownDuringReplacement.clear();
+    m_outcomesWhileReplacing.clear();
 }
 
 void FolderInventory::removeWithDescendants(std::string_view path)

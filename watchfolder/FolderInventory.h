@@ -3,24 +3,17 @@
 
 #include "watchfolder/Inventory.h"
 
+#include <map>
 #include <mutex>
-#include <set>
+#include <optional>
 
 namespace vantle {
 
 /// A path, relative to the folder, that may have changed.
 struct ChangedPath
 {
-    enum Cause {
-        Unknown,        ///< none: a walk or a client asks for a look
-        Foreign,        ///< an event of somebody else, or of nobody knows whom
-        Own,            ///< this process and nobody else
-        OwnRemoval,     ///< this process removed it or moved it away
-        OwnReplacement, ///< this process did that, and made it or moved it here; nobody knows which came last
-    };
-
     std::string path;
-    Cause cause = Unknown;
+    LookCause cause = LookCause::look;
     /// Only whether the item is there and what it is; its date is taken over in silence.
     bool existenceOnly = false;
 };
@@ -28,11 +21,22 @@ struct ChangedPath
 /// What a look at a path brought to light.
 struct Finding
 {
-    enum Difference { None, Added, Updated, Missing };
-
-    Difference difference = None;
+    Report report = Report::none;
     bool isDirectory = false;
     bool wasDirectory = false;
+};
+
+/// What an own change left at its path.
+struct OwnOutcome
+{
+    enum Kind {
+        unchanged, ///< it failed before it changed anything
+        put,       ///< exactly this item
+        removed,   ///< nothing
+    };
+
+    Kind kind = unchanged;
+    FileState item;
 };
 
 /// The inventory of one folder with its lock, and the rule that compares it with the file system.
@@ -48,20 +52,24 @@ public:
     forEach(const std::function<void(const std::string &path, const Inventory::Record &record)> &visit) const;
     std::vector<std::string> pathsBelow(std::string_view directory) const;
 
-    /// When own and foreign events are told apart, a foreign one on an item that was last taken over from an
-    /// own change counts as an update even if the dates are equal.
-    void setOwnEventsAreTold(bool told);
-
-    /// Whether an item is compared by file and size too, and not by its date alone.
+    /// Whether an item is compared by file, size and change time too, and not by its date alone.
     void setComparesIdentity(bool compares);
 
-    /// Looks at a path. New and changed items are recorded; a missing one stays until removeIfMissing.
+    /// Looks at a path and applies what that means (see LookTable.h). New and changed items are recorded; a
+    /// missing one stays until removeIfMissing. Finds nothing where an own change goes on: the look is made
+    /// up for when that has ended.
     Finding compare(const ChangedPath &changed);
     /// Removes an item that is still missing. None when it is not inventoried, or is back.
     std::optional<Inventory::Record> removeIfMissing(std::string_view path);
 
-    /// Runs a change that this process makes to a path and records its outcome, under the lock.
-    void performOwnChange(std::string_view path, const std::function<void()> &change);
+    /// A change that this process makes to a path, and to what is below it, begins. Nothing is locked; such
+    /// changes may overlap.
+    void beginOwnChange(const std::string &path);
+    /// It has ended. Returns what has to be compared now: looks that came meanwhile, and the path itself when
+    /// what is there is not exactly the outcome, which is somebody else's doing then.
+    std::vector<ChangedPath> endOwnChange(const std::string &path, const OwnOutcome &outcome);
+    /// The item at a path as it is now, as the outcome of an own change.
+    OwnOutcome presentOutcome(std::string_view path) const;
 
     /// Before the whole folder is walked: notes which folder stands at the path. What is missing in another
     /// one has not been removed by this process.
@@ -72,25 +80,39 @@ public:
     bool meet(std::string_view directory, std::string_view name, const FileState &state, std::uint32_t walk);
     std::vector<std::string> notMet(std::string_view directory, std::uint32_t walk) const;
 
-    /// Own changes between these two are looked at again, since the replacement may be older than they are.
+    /// Own changes between these two are applied to the replacement too, which may be older than they are.
+    /// Returns their paths: the replacement may have been newer.
     void beginReplacement();
-    void replace(Inventory replacement);
+    std::vector<ChangedPath> replace(Inventory replacement);
     void clear();
 
 private:
-    bool isNotedFolder() const;
-    void takeOver(std::string_view path);
+    struct Bracket
+    {
+        int depth = 0; ///< own changes of the path that overlap
+        std::vector<OwnOutcome> outcomes;
+        std::vector<ChangedPath> postponed;
+    };
+
+    bool isNotedFolder(const std::optional<FileState> &noted) const;
+    bool isAsRecorded(const Inventory::Record &record, const FileState &state) const;
+    Bracket *bracketAround(std::string_view path);
+    Finding judge(const ChangedPath &changed, LookCause cause, const std::optional<FileState> &state,
+                  bool isMissing);
+    void record(std::string_view path, const OwnOutcome &outcome);
     void removeWithDescendants(std::string_view path);
     std::optional<FileState> readState(std::string_view path, std::error_code &error) const;
 
     const std::string m_folder;
+    /// Never held while the file system is asked.
     mutable std::mutex m_mutex;
     Inventory m_inventory;
-    std::set<std::string, std::less<>> m_ownDuringReplacement;
+    std::map<std::string, Bracket, std::less<>> m_brackets;
+    std::uint64_t m_ownChanges = 0; // beginnings and ends; a look that one came between is repeated
+    std::map<std::string, OwnOutcome, std::less<>> m_outcomesWhileReplacing;
     std::optional<FileState> m_notedFolder;
     std::uint32_t m_walk = 0;
     bool m_replacing = false;
-    bool m_ownEventsAreTold = false;
     bool m_comparesIdentity = false;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "watchfolder/FileState.h"
+#include "watchfolder/LookTable.h"
 
 #include <functional>
 #include <map>
@@ -23,13 +24,7 @@ public:
         /// The walk that met the item last; a walk reports what it did not meet.
         std::uint32_t walk = 0;
         bool hasState = true;
-        /// Taken over after a change of this process: a foreign change may hide behind the recorded date.
-        bool own = false;
-        /// Nobody was told of it, since this process had made an item of the name. That one may be gone
-        /// again: to the delegate, what a foreign change brings to light is new.
-        bool isUnreported = false;
-        /// Made by this process through the watcher, which would know if it had removed it since.
-        bool isTakenOver = false;
+        Knowledge knowledge = Knowledge::told;
     };
 
     struct NameHash

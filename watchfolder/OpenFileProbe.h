@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "watchfolder/Export.h"
+
 #include <string>
 
 namespace vantle {
@@ -10,6 +12,15 @@ enum class OpenFile {
     Empty,    ///< a writer may have it, nothing is in it yet
     Written,  ///< a writer may have it, and there is content
 };
+
+enum class Writer {
+    None,
+    Some,    ///< somebody has the file open for writing
+    Unknown, ///< the file is another user's, can't be opened, or its file system can't tell
+};
+
+/// Whether anybody has a regular file open for writing.
+VANTLE_WATCHFOLDER_EXPORT Writer probeWriter(const std::string &path);
 
 /// Whether a file whose creation was seen, but not its writer's closing it, can be reported.
 OpenFile probeOpenFile(const std::string &path);

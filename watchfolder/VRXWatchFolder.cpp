@@ -2,6 +2,7 @@
 #include "watchfolder/VRXWatchFolder.h"
 
 #include "watchfolder/NativePath.h"
+#include "watchfolder/OwnChangeState.h"
 #include "watchfolder/WatchFolderCore.h"
 
 #include <cmath>
@@ -163,13 +164,24 @@ void VRXWatchFolder::flush(std::function<void()> done)
     m_core->flush(std::move(done));
 }
 
+OwnChange VRXWatchFolder::beginOwnChange(const QString &path)
+{
+    auto relative = m_core->relativePath(nativePath(path));
+    if (!relative || m_core->filter.shouldIgnore(nativePath(path)))
+        return {};
+    return OwnChange(std::make_unique<OwnChange::State>(OwnChange::State{m_core, std::move(*relative), {}}));
+}
+
 void VRXWatchFolder::performOwnChange(const QString &path, const std::function<void()> &change)
 {
-    const auto relative = m_core->relativePath(nativePath(path));
-    if (!relative || m_core->filter.shouldIgnore(nativePath(path)))
+    OwnChange own = beginOwnChange(path);
+    try {
         change();
-    else
-        m_core->inventory.performOwnChange(*relative, change);
+    } catch (...) {
+        own.hasMadeWhatIsThere(); // whatever it did before it failed
+        throw;
+    }
+    own.hasMadeWhatIsThere();
 }
 
 void VRXWatchFolder::forceChangesCheckingAtPath(const QString &path)

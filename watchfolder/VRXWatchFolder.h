@@ -2,6 +2,7 @@
 #pragma once
 
 #include "watchfolder/Export.h"
+#include "watchfolder/OwnChange.h"
 #include "watchfolder/QualityOfService.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 #include "watchfolder/VRXWatchFolderItem.h"
@@ -86,9 +87,9 @@ public:
     /// Empty while not watching.
     QString streamDescription() const;
 
-    /// Whether an item whose date is unchanged is reported as updated when it is another file, or has another
-    /// size: one that was replaced within a tick of the clock, or by a tool that keeps dates. False at first.
-    /// To be set before startWatching.
+    /// Whether an item whose date is unchanged is reported as updated when it is another file, has another
+    /// size or another change time: one that was replaced within a tick of the clock, rewritten by a tool
+    /// that sets dates back, or whose mode was changed. False at first. To be set before startWatching.
     void setNoticesReplacements(bool notices);
 
     /// Begins to watch and takes the first inventory in the background. False, with the error, when the
@@ -109,10 +110,11 @@ public:
     /// without waiting for the latency to pass. Needs the event loops to run. At once, on this thread, when
     /// not watching; never when watching is stopped meanwhile.
     void flush(std::function<void()> done);
-    /// Runs a change (a write, a rename, a removal) that this process makes to the item at an absolute path,
-    /// and takes over its outcome, so that it is not reported. The inventory is locked meanwhile: the change
-    /// must not call the watcher. An exception of the change goes to the caller after the outcome was taken
-    /// over.
+    /// Announces a change (a write, a rename, a removal) that this process is about to make to the item at an
+    /// absolute path, so that it is not reported. See OwnChange.
+    [[nodiscard]] OwnChange beginOwnChange(const QString &path);
+    /// Runs such a change, with no lock held; whatever is at the path afterwards is this process's own. An
+    /// exception of the change goes to the caller.
     void performOwnChange(const QString &path, const std::function<void()> &change);
     /// Compares a directory at or below the folder with the inventory, in the background.
     void forceChangesCheckingAtPath(const QString &path);

@@ -118,7 +118,6 @@ bool WatchFolderCore::createStream(WatchFolderError *error)
         return false;
     }
     m_isIgnoringSelf = made->tellsOwnEvents() && ignoreSelf;
-    inventory.setOwnEventsAreTold(m_isIgnoringSelf);
     const std::lock_guard lock(m_streamMutex);
     m_stream = std::move(made);
     m_stopped = std::make_shared<std::atomic<bool>>(false);
@@ -261,14 +260,15 @@ void WatchFolderCore::handleFileEvent(const VRXWatchFolderEvent &event, std::vec
         if (const auto receiver = delegate())
             receiver->watchFolderFileFinderInfoChangedAtURL(m_owner, urlForNativePath(event.nativePath()));
     }
-    ChangedPath change{
-        .path = std::move(*path), .cause = ChangedPath::Foreign, .existenceOnly = !event.has(ItemIsFile)};
+    ChangedPath change{.path = std::move(*path),
+                       .cause = m_isIgnoringSelf ? LookCause::foreign : LookCause::look,
+                       .existenceOnly = !event.has(ItemIsFile)};
     if (event.has(OwnEvent) && m_isIgnoringSelf) {
         const bool isArrival = event.has(ItemCreated);
         const bool isRemoval = event.has(ItemRemoved) || (event.has(ItemRenamed) && !isArrival);
-        change.cause = !isRemoval  ? ChangedPath::Own
-                       : isArrival ? ChangedPath::OwnReplacement
-                                   : ChangedPath::OwnRemoval;
+        change.cause = !isRemoval  ? LookCause::own
+                       : isArrival ? LookCause::ownReplacement
+                                   : LookCause::ownRemoval;
     }
     changed.push_back(std::move(change));
 }
@@ -321,8 +321,9 @@ void WatchFolderCore::enumerateFolder(const Cancelled &cancelled)
     if (!folderExists())
         return reportUnreachable(report);
     m_unreachable = false;
-    inventory.replace(enumeration.takeInventory());
+    const auto ownMeanwhile = inventory.replace(enumeration.takeInventory());
     report.didReload();
+    performChanges(ownMeanwhile, report);
 }
 
 void WatchFolderCore::enumeratePendingDirectories(const Cancelled &cancelled)
@@ -362,11 +363,11 @@ void WatchFolderCore::performChanges(const std::vector<ChangedPath> &paths, Chan
         if (shouldIgnore({}, changed.path) && !inventory.has(changed.path))
             continue;
         const Finding finding = inventory.compare(changed);
-        if (finding.difference == Finding::Added)
+        if (finding.report == Report::added)
             report.added(changed.path, finding.isDirectory);
-        else if (finding.difference == Finding::Updated)
+        else if (finding.report == Report::updated)
             report.updated(changed.path, finding.isDirectory);
-        else if (finding.difference == Finding::Missing)
+        else if (finding.report == Report::missing)
             missing.push_back(changed.path);
         if (finding.wasDirectory && !finding.isDirectory)
             std::ranges::move(inventory.pathsBelow(changed.path), std::back_inserter(missing));

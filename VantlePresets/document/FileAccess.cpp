@@ -7,13 +7,16 @@
 #include <cerrno>
 #include <random>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include <cstdio>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace vantle {
@@ -33,6 +36,8 @@ public:
             return "File is larger than 64 MiB";
         case FileFault::badName:
             return "Not a valid file name";
+        case FileFault::noTemporary:
+            return "No name is left for a temporary file";
         }
         return "Unknown file fault";
     }
@@ -101,7 +106,7 @@ bool isTemporaryName(std::string_view name)
 
 FileStamp stampFrom(const struct stat &status)
 {
-    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim};
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
 }
 
 void requireRegular(const struct stat &status)
@@ -207,7 +212,8 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
     writeAll(file.get(), content);
 }
 
-StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access)
+StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access,
+                       const std::filesystem::path &like)
     : m_targetName(target.filename().string())
 {
     if (m_targetName.empty() || m_targetName == "." || m_targetName == ".." ||
@@ -216,7 +222,7 @@ StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView conte
     const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
     try {
         m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-        createTemporary(access);
+        createTemporary(target, access, like);
         writeAll(m_file, content);
         checked([&] { return ::fsync(m_file); });
     } catch (...) {
@@ -230,13 +236,60 @@ StagedFile::~StagedFile()
     discard();
 }
 
-void StagedFile::createTemporary(Access access)
+/// Who may do what with a file.
+struct FileAccess
 {
-    struct stat old = {};
-    const bool replaces =
-        ::fstatat(m_folder, m_targetName.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(old.st_mode);
-    // A replaced file's permissions are set once owner and group stand, never wider in between.
-    const mode_t mode = replaces || access == Access::ownerOnly ? 0600 : 0666;
+    mode_t mode = 0;
+    std::optional<uid_t> owner; ///< none when the new file's is its writer's
+    gid_t group = 0;
+    QByteArray list; ///< "" for none
+};
+
+namespace {
+
+constexpr const char *kAccessList = "system.posix_acl_access";
+
+/// Of a regular file; nothing when there is none.
+std::optional<FileAccess> accessOf(const std::filesystem::path &path)
+{
+    struct stat found = {};
+    if (::lstat(path.c_str(), &found) != 0)
+        return std::nullopt;
+    const bool isLink = S_ISLNK(found.st_mode);
+    if ((isLink && ::stat(path.c_str(), &found) != 0) || !S_ISREG(found.st_mode))
+        return std::nullopt;
+    FileAccess access;
+    access.mode = found.st_mode & 0777; // no set-id bits: the owner may be another
+    access.group = found.st_gid;
+    if (!isLink)
+        access.owner = found.st_uid;
+    const ssize_t size = ::getxattr(path.c_str(), kAccessList, nullptr, 0);
+    if (size > 0) {
+        access.list.resize(size);
+        access.list.resize(std::max<ssize_t>(
+            ::getxattr(path.c_str(), kAccessList, access.list.data(), static_cast<std::size_t>(size)), 0));
+        if (access.list.isEmpty()) // it changed just now; its mask is not the group's right
+            access.mode &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    return access;
+}
+
+} // namespace
+
+void StagedFile::createTemporary(const std::filesystem::path &target, Access access,
+                                 const std::filesystem::path &like)
+{
+    std::optional<FileAccess> adopted;
+    if (access == Access::asBefore) {
+        adopted = accessOf(target);
+        if (!adopted && !like.empty()) {
+            adopted = accessOf(like);
+            if (adopted)
+                adopted->owner.reset();
+        }
+    }
+    // Permissions are set once owner and group stand, never wider in between.
+    const mode_t mode = adopted || access == Access::ownerOnly ? 0600 : 0666;
     constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     for (int attempt = 0; attempt < kMaximumAttempts; ++attempt) {
         m_temporaryName = temporaryName();
@@ -252,9 +305,11 @@ void StagedFile::createTemporary(Access access)
         m_temporaryName.clear(); // somebody else's
     }
     if (m_file < 0)
-        throw std::system_error(std::make_error_code(std::errc::file_exists));
-    if (replaces && access == Access::asBefore)
-        adoptIdentity(old.st_mode & 0777, old.st_uid, old.st_gid); // no set-id bits: the owner may be another
+        throw std::system_error(make_error_code(FileFault::noTemporary));
+    if (adopted)
+        adopt(*adopted);
+    else if (access == Access::ownerOnly)
+        ::fremovexattr(m_file, kAccessList); // the folder's default
 }
 
 /// False when another process that cleans up took the new file for a leftover, before it was locked.
@@ -273,15 +328,23 @@ bool StagedFile::lockTemporary() const
            byName.st_ino == byFile.st_ino && byName.st_dev == byFile.st_dev;
 }
 
-void StagedFile::adoptIdentity(mode_t mode, uid_t owner, gid_t group)
+void StagedFile::adopt(const FileAccess &access)
 {
+    mode_t mode = access.mode;
     struct stat fresh = {};
     checked([&] { return ::fstat(m_file, &fresh); });
-    if (fresh.st_gid != group && ::fchown(m_file, static_cast<uid_t>(-1), group) != 0)
+    if (fresh.st_gid != access.group && ::fchown(m_file, static_cast<uid_t>(-1), access.group) != 0)
         mode &= ~static_cast<mode_t>(S_IRWXG);
     // Only a privileged process may give a file away; for others the writer becomes the owner.
-    if (fresh.st_uid != owner && ::fchown(m_file, owner, static_cast<gid_t>(-1)) != 0 && errno != EPERM)
+    if (access.owner && fresh.st_uid != *access.owner &&
+        ::fchown(m_file, *access.owner, static_cast<gid_t>(-1)) != 0 && errno != EPERM)
         throwLastError();
+    if (access.list.isEmpty())
+        ::fremovexattr(m_file, kAccessList); // the folder's default
+    else if (::fsetxattr(m_file, kAccessList, access.list.constData(),
+                         static_cast<std::size_t>(access.list.size()), 0) != 0)
+        mode &=
+            ~static_cast<mode_t>(S_IRWXG); // with a list, these bits are its mask and not the group's rights
     checked([&] { return ::fchmod(m_file, mode); });
 }
 
@@ -334,16 +397,81 @@ void StagedFile::discard() noexcept
     }
 }
 
+FolderTurn::FolderTurn(const std::filesystem::path &folder, std::chrono::milliseconds patience)
+    : m_folder(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+{
+    // The system has no lock with a time limit that would not take a signal of the host's.
+    constexpr std::chrono::milliseconds kPause{5};
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (m_folder >= 0 && ::flock(m_folder, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        m_isRefused = errno == EWOULDBLOCK && std::chrono::steady_clock::now() >= end;
+        if (errno != EWOULDBLOCK || m_isRefused)
+            break;
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+FolderTurn::~FolderTurn()
+{
+    if (m_folder >= 0)
+        ::close(m_folder);
+}
+
+bool isOneEntry(const std::filesystem::path &a, const std::filesystem::path &b)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return ::lstat(a.c_str(), &first) == 0 && ::lstat(b.c_str(), &second) == 0 &&
+           first.st_ino == second.st_ino && first.st_dev == second.st_dev && first.st_nlink == 1;
+}
+
+int moveToFreeName(const std::filesystem::path &from, const std::filesystem::path &to)
+{
+    const Descriptor folder(
+        checked([&] { return ::open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    const std::string oldName = from.filename();
+    const std::string newName = to.filename();
+    int moved =
+        checked([&] { return ::openat(folder.get(), oldName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC); });
+    try {
+        if (isOneEntry(from, to)) {
+            const std::string between = temporaryName();
+            renameToFreeName(folder.get(), oldName.c_str(), between.c_str());
+            try {
+                renameToFreeName(folder.get(), between.c_str(), newName.c_str());
+            } catch (const std::system_error &) {
+                ::renameat(folder.get(), between.c_str(), folder.get(), oldName.c_str());
+                throw;
+            }
+        } else {
+            renameToFreeName(folder.get(), oldName.c_str(), newName.c_str());
+        }
+    } catch (...) {
+        ::close(moved);
+        throw;
+    }
+    ::fsync(folder.get());
+    return moved;
+}
+
 void removeLeftoverFiles(const std::filesystem::path &folder) noexcept
 {
+    constexpr std::time_t kOldEnough = 60 * 60; // seconds; a file is staged for a second or two
     try {
         for (const auto &entry : std::filesystem::directory_iterator(folder)) {
             if (!isTemporaryName(entry.path().filename().string()))
                 continue;
             const int file =
                 ::open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-            if (file < 0)
+            if (file < 0) {
+                struct stat status = {};
+                if (errno == EACCES && ::lstat(entry.path().c_str(), &status) == 0 &&
+                    S_ISREG(status.st_mode) && std::time(nullptr) - status.st_ctim.tv_sec > kOldEnough)
+                    ::unlink(entry.path().c_str());
                 continue;
+            }
             const Descriptor closer(file);
             if (::flock(file, LOCK_EX | LOCK_NB) == 0)
                 ::unlink(entry.path().c_str());

@@ -5,6 +5,7 @@
 #include <QtCore/QByteArrayView>
 #include <QtCore/QString>
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,6 +17,8 @@
 
 namespace vantle {
 
+struct FileAccess;
+
 /// The largest preset file that is read, in bytes.
 inline constexpr qint64 kMaximumFileSize = qint64{64} << 20;
 
@@ -24,6 +27,7 @@ enum class FileFault {
     notRegular = 1, ///< a folder, FIFO, socket or device
     tooLarge,       ///< more than kMaximumFileSize
     badName,        ///< an empty name, or one that would leave its folder ("/", NUL, ".", "..")
+    noTemporary,    ///< all names that were tried for a temporary file are taken
 };
 [[nodiscard]] std::error_code make_error_code(FileFault fault);
 
@@ -31,18 +35,23 @@ enum class FileFault {
 [[nodiscard]] std::filesystem::path fileSystemPath(const QString &path);
 
 /// Which file a content was read from or written to: another file at the path, or another content of the
-/// same one, has another stamp.
+/// same one, has another stamp, whatever dates it was given. The change time also moves when the file's mode,
+/// owner, links or name change, which says nothing of its content.
 struct FileStamp
 {
     dev_t device = 0;
     ino_t inode = 0;
     off_t size = 0;
     timespec modified = {};
+    timespec changed = {}; ///< kept by the system alone
 
     friend bool operator==(const FileStamp &a, const FileStamp &b)
     {
+        const auto same = [](const timespec &one, const timespec &other) {
+            return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+        };
         return a.device == b.device && a.inode == b.inode && a.size == b.size &&
-               a.modified.tv_sec == b.modified.tv_sec && a.modified.tv_nsec == b.modified.tv_nsec;
+               same(a.modified, b.modified) && same(a.changed, b.changed);
     }
 };
 
@@ -88,9 +97,11 @@ void renameToFreeName(int folder, const char *from, const char *to);
 /// file system can, while it is in use) into the target's folder and syncs it; commit() renames it over the
 /// target and syncFolder() makes the renaming last, so that readers and power failures find the old content
 /// or the new one, whole. Without a commit the temporary file is removed. A target that exists keeps its
-/// permissions, and its owner and group as far as the process may set them; permissions for a group that
-/// could not be kept are dropped. A new file obeys the umask. With ownerOnly the file, new or not, is the
-/// writer's and nobody else's. A link as target is replaced, never followed.
+/// mode and access list, and its owner and group as far as the process may set them; permissions for a group
+/// or of a list that could not be kept are dropped. A link as target is replaced, never followed; the file
+/// gets mode, list and group of the one that it led to. A new file gets those of the file that it is like, if
+/// one is named and there, and obeys the umask otherwise. With ownerOnly the file, new or not, is the
+/// writer's and nobody else's.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
 class StagedFile
@@ -98,7 +109,8 @@ class StagedFile
 public:
     enum class Access { asBefore, ownerOnly };
 
-    StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access = Access::asBefore);
+    StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access = Access::asBefore,
+               const std::filesystem::path &like = {});
     ~StagedFile();
     StagedFile(const StagedFile &) = delete;
     StagedFile &operator=(const StagedFile &) = delete;
@@ -107,14 +119,17 @@ public:
 
     /// With mustBeNew the error is EEXIST when anything stands at the path.
     void commit(Target target = Target::replace);
-    /// Of the new file.
+    /// Of the new file. Renaming changes it: the one that counts is that after commit().
     [[nodiscard]] FileStamp stamp() const;
+    /// Of the new file; open as long as this object lives.
+    [[nodiscard]] int descriptor() const { return m_file; }
     void syncFolder();
 
 private:
-    void createTemporary(Access access);
+    void createTemporary(const std::filesystem::path &target, Access access,
+                         const std::filesystem::path &like);
     [[nodiscard]] bool lockTemporary() const;
-    void adoptIdentity(mode_t mode, uid_t owner, gid_t group);
+    void adopt(const FileAccess &access);
     void discard() noexcept;
 
     std::string m_targetName;
@@ -123,8 +138,37 @@ private:
     int m_file = -1;
 };
 
+/// The advisory lock of a folder, for as long as the object lives: whoever looks at a file and then replaces,
+/// renames or removes it takes turns with the other processes that ask for it. Where the folder can't be
+/// opened, or its file system knows no such lock, there is none, and nothing is waited for.
+class FolderTurn
+{
+public:
+    /// Waits for others for so long at most.
+    FolderTurn(const std::filesystem::path &folder, std::chrono::milliseconds patience);
+    ~FolderTurn();
+    FolderTurn(const FolderTurn &) = delete;
+    FolderTurn &operator=(const FolderTurn &) = delete;
+
+    /// Whether somebody else did not let go in time.
+    [[nodiscard]] bool isRefused() const { return m_isRefused; }
+
+private:
+    int m_folder;
+    bool m_isRefused = false;
+};
+
+/// Whether two names in a folder are one entry, which folds case: the same file, with one name.
+[[nodiscard]] bool isOneEntry(const std::filesystem::path &a, const std::filesystem::path &b);
+
+/// Renames as renameToFreeName() does, also to another spelling of a name in a folder that folds case, and
+/// makes the renaming last. Returns the moved item's descriptor, of which only the state can be read; the
+/// caller closes it. Throws std::system_error.
+[[nodiscard]] int moveToFreeName(const std::filesystem::path &from, const std::filesystem::path &to);
+
 /// Removes the temporary files of StagedFile that killed processes left in a folder: those that nobody
-/// has locked. Silent about what can't be removed.
+/// has locked; of those that other users closed to this one, where that can't be seen, the ones that are an
+/// hour old. Silent about what can't be removed.
 void removeLeftoverFiles(const std::filesystem::path &folder) noexcept;
 
 } // namespace vantle

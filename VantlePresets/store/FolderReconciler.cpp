@@ -7,9 +7,11 @@
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/MainThreadQueue.h"
 #include "watchfolder/NativePath.h"
+#include "watchfolder/OpenFileProbe.h"
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
@@ -48,25 +50,29 @@ std::optional<FolderReconciler::FolderFile> FolderReconciler::folderFile(std::st
 std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, const FolderReader &folder,
                                                      QByteArray &buffer)
 {
+    KnownFile read{
+        .name = file.name, .stamp = {}, .documentHash = {}, .since = std::chrono::steady_clock::now()};
     try {
         if (!file.isUtf8)
             throw std::runtime_error("File name is not UTF-8");
-        FileStamp stamp;
-        folder.read(file.path, buffer, &stamp);
+        folder.read(file.path, buffer, &read.stamp);
         const auto preset = decodePreset(buffer);
         preset->setName(file.name);
         auto listed = std::make_shared<ListedPreset>(preset);
-        listed->file->set(file.name, stamp);
-        listed->documentHash = preset->documentHash();
-        noteReadability(file, true);
+        read.documentHash = preset->documentHash();
+        listed->relation.documentHash = read.documentHash;
+        listed->relation.file->set(read);
+        noteListed(file, true);
         return listed;
     } catch (const std::exception &error) {
-        noteReadability(file, false);
+        noteListed(file, false);
         std::error_code unknown;
         if (std::filesystem::symlink_status(file.path, unknown).type() ==
             std::filesystem::file_type::not_found)
             return nullptr; // removed before it could be read, which the watcher is about to report
-        logLine("Error loading Preset "_L1 + file.fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        if (read.stamp.inode != 0 && isBeingWritten(file, read.stamp))
+            return nullptr; // and reported when its writer closes it
+        tellFailure(file, u"loading"_s, QString::fromUtf8(error.what()));
         return nullptr;
     }
 }
@@ -144,22 +150,53 @@ void FolderReconciler::add(const std::string &path)
     m_queue.post([this, listed] { m_receiver.presetAdded(listed); });
 }
 
-void FolderReconciler::noteReadability(const FolderFile &file, bool isReadable)
+void FolderReconciler::noteListed(const FolderFile &file, bool isListed)
 {
-    if (isReadable && !m_hasUnreadable)
+    if (isListed && !m_hasUnlisted)
         return;
     const std::lock_guard lock(m_mutex);
-    if (isReadable)
-        m_unreadable.remove(file.name);
-    else
-        m_unreadable.insert(file.name);
-    m_hasUnreadable = !m_unreadable.isEmpty();
+    if (!isListed)
+        m_unlisted.insert(file.name);
+    else if (m_unlisted.remove(file.name))
+        m_queue.post([this, name = file.name] { m_receiver.loadRecovered(name); });
+    m_hasUnlisted = !m_unlisted.isEmpty();
 }
 
-bool FolderReconciler::isUnreadable(const QString &name) const
+void FolderReconciler::noteUnlisted(const QString &name)
 {
     const std::lock_guard lock(m_mutex);
-    return m_unreadable.contains(name);
+    m_unlisted.insert(name);
+    m_hasUnlisted = true;
+}
+
+void FolderReconciler::tellFailure(const FolderFile &file, const QString &operation, const QString &reason)
+{
+    logLine("Error "_L1 + operation + " Preset "_L1 + file.fileName + ": "_L1 + reason);
+    m_queue.post([this, failure = PresetsFailure{PresetsFailure::Operation::load, file.name,
+                                                 QString::fromStdString(file.path), reason}] {
+        m_receiver.loadFailed(failure);
+    });
+}
+
+/// Whether another process is, or may be, in the middle of writing the file. Only asked about one that can't
+/// be understood, which is read again then.
+bool FolderReconciler::isBeingWritten(const FolderFile &file, const FileStamp &read)
+{
+    constexpr std::time_t kGrace = 2; // seconds, in which a writer whom nobody can see comes to an end
+    const auto present = stampOf(file.path);
+    const Writer writer = present ? probeWriter(file.path) : Writer::None;
+    if (writer == Writer::Some || (present && present != read))
+        return true; // the watcher reports its end
+    if (!present || writer == Writer::None || std::time(nullptr) - present->changed.tv_sec > kGrace)
+        return false;
+    m_queue.post([this, name = file.name] { m_receiver.readLater(name); });
+    return true;
+}
+
+bool FolderReconciler::isUnlisted(const QString &name) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_unlisted.contains(name);
 }
 
 void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &url, bool)
@@ -167,19 +204,30 @@ void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl 
     const auto file = folderFile(nativePathOfUrl(url));
     if (!file)
         return;
-    noteReadability(*file, true); // there is nothing left to read
+    forget(file->path);
     m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
 }
 
 void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = folderFile(nativePathOfUrl(url));
+    readAgain(nativePathOfUrl(url));
+}
+
+void FolderReconciler::forget(const std::string &path)
+{
+    if (const auto file = folderFile(path))
+        noteListed(*file, true); // there is nothing left to read
+}
+
+void FolderReconciler::readAgain(const std::string &path)
+{
+    const auto file = folderFile(path);
     if (!file)
         return;
-    if (isUnreadable(file->name))
-        add(file->path);
+    if (isUnlisted(file->name))
+        add(path);
     else
-        reread(file->path);
+        reread(path);
 }
 
 void FolderReconciler::reread(const std::string &path)
@@ -187,28 +235,32 @@ void FolderReconciler::reread(const std::string &path)
     const auto file = folderFile(path);
     if (!file)
         return;
-    FileStamp stamp;
+    KnownFile read{
+        .name = file->name, .stamp = {}, .documentHash = {}, .since = std::chrono::steady_clock::now()};
     QByteArray document;
     try {
-        document = readFile(path, &stamp);
+        document = readFile(path, &read.stamp);
     } catch (const std::system_error &error) {
         if (error.code() == std::errc::no_such_file_or_directory) {
-            noteReadability(*file, false); // to the watcher it may still be there, and come back as an update
-            m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
+            noteListed(*file, false); // to the watcher it may still be there, and come back as an update
+            m_queue.post([this, read] { m_receiver.presetGone(read); });
         } else {
-            logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
+            noteListed(*file, false);
+            tellFailure(*file, u"updating"_s, QString::fromUtf8(error.what()));
         }
         return;
     }
+    noteListed(*file, true);
     std::shared_ptr<VantlePreset> source;
     try {
         source = decodePreset(document);
         source->setName(file->name);
+        read.documentHash = source->documentHash();
         source->moveWithSettingsToThread(m_mainThread);
     } catch (const std::exception &) {
         // Half an edit of somebody's: the preset stays as it is until the file can be read again.
     }
-    m_queue.post([this, name = file->name, source, stamp] { m_receiver.presetUpdated(name, source, stamp); });
+    m_queue.post([this, read, source] { m_receiver.presetUpdated(read, source); });
 }
 
 } // namespace vantle

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/store/PresetFile.h"
 #include "VantlePresets/store/PresetIndex.h"
+#include "VantlePresets/store/PresetsFailure.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 
 #include <QtCore/QSet>
@@ -29,10 +31,18 @@ public:
         virtual void presetsLoaded(PresetIndex loaded) = 0;
         virtual void folderBecameUnreachable() = 0;
         virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
+        /// The watcher has found the file gone.
         virtual void presetRemoved(const QString &name) = 0;
-        /// The source is null when the content can't be understood.
-        virtual void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
-                                   const FileStamp &stamp) = 0;
+        /// The file was read again. The source is null when the content can't be understood.
+        virtual void presetUpdated(const KnownFile &read, const std::shared_ptr<VantlePreset> &source) = 0;
+        /// The same found nothing to read.
+        virtual void presetGone(const KnownFile &read) = 0;
+        /// A file of another user's may be half-written: to be read again after a while.
+        virtual void readLater(const QString &name) = 0;
+        /// A file can't be read. Also before presetsLoaded().
+        virtual void loadFailed(const PresetsFailure &failure) = 0;
+        /// It can be read again, or is gone.
+        virtual void loadRecovered(const QString &name) = 0;
 
     protected:
         ~Receiver() = default;
@@ -44,8 +54,11 @@ public:
     /// Lets a running load end early; its results are dropped. Callable from any thread.
     void cancel() { m_isCancelled = true; }
 
-    /// Whether the preset's file is there but could not be loaded. Callable from any thread.
-    [[nodiscard]] bool isUnreadable(const QString &name) const;
+    /// Whether the preset's file is there but not listed: it could not be loaded or deleted. What others do
+    /// with it is an addition. Callable from any thread.
+    [[nodiscard]] bool isUnlisted(const QString &name) const;
+    /// A listed file's deletion has failed. Callable from any thread.
+    void noteUnlisted(const QString &name);
 
     /// Loads a file of the watcher's inventory as if it had been reported. One that is gone will be reported
     /// as removed, or as updated when it is back, and is loaded then. Callable from any thread.
@@ -53,6 +66,10 @@ public:
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
     void reread(const std::string &path);
+    /// The file is gone by this process's doing. Callable from any thread.
+    void forget(const std::string &path);
+    /// add() for a file that could not be loaded, else reread(). Callable from any thread.
+    void readAgain(const std::string &path);
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
     void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;
@@ -66,15 +83,17 @@ private:
     static std::optional<FolderFile> folderFile(std::string path);
     std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder,
                                        QByteArray &buffer);
-    void noteReadability(const FolderFile &file, bool isReadable);
+    void noteListed(const FolderFile &file, bool isListed);
+    [[nodiscard]] bool isBeingWritten(const FolderFile &file, const FileStamp &read);
+    void tellFailure(const FolderFile &file, const QString &operation, const QString &reason);
 
     MainThreadQueue &m_queue;
     Receiver &m_receiver;
     QThread *const m_mainThread;
     std::atomic<bool> m_isCancelled = false;
-    std::atomic<bool> m_hasUnreadable = false;
+    std::atomic<bool> m_hasUnlisted = false;
     mutable std::mutex m_mutex;
-    QSet<QString> m_unreadable; // names of files that could not be loaded; guarded by m_mutex
+    QSet<QString> m_unlisted; // names of files; guarded by m_mutex
 };
 
 } // namespace vantle

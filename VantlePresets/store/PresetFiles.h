@@ -1,123 +1,109 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/document/FileAccess.h"
-#include "watchfolder/WorkingQueue.h"
+#include "VantlePresets/store/FileRelation.h"
+#include "VantlePresets/store/PresetFile.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <string>
 
 namespace vantle {
 
 class VRXWatchFolder;
-
-/// The file that a listed preset stands for: its name, and its stamp when the preset was last loaded from it
-/// or saved to it. A preset that has never been in a file has none. Shared by the list and the file tasks.
-/// Thread-safe.
-class PresetFile
-{
-public:
-    void set(const QString &name, const FileStamp &stamp)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_name = name;
-        m_stamp = stamp;
-    }
-    void clear()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_name.clear();
-        m_stamp.reset();
-    }
-    /// "" for none.
-    [[nodiscard]] QString name() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_name;
-    }
-    /// Nothing when the preset's file is not the one of this name.
-    [[nodiscard]] std::optional<FileStamp> stampAt(const QString &name) const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_name == name ? m_stamp : std::nullopt;
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    QString m_name;
-    std::optional<FileStamp> m_stamp;
-};
+class WorkingQueue;
 
 /// Writes, renames and deletes preset files of one folder, one after the other in the order of the calls, on
 /// a thread of its own with a lower priority. Outcomes are logged as one line. The watcher is told of each
-/// change before others can see it, so that it does not come back as an event.
+/// change while it is made, so that it does not come back as an event.
 ///
 /// A file that is not the preset's own is never replaced or deleted: another process has made it, or could
-/// not finish it, or it can't be read.
+/// not finish it, or it can't be read. Looking at a file and changing it then happen in one turn of the
+/// folder (see FolderTurn).
 ///
-/// Called on one thread. Destruction waits for the tasks that were started.
+/// Called on one thread; what is told is told on the file thread, or at once, as a failure, when no thread is
+/// to be had.
+/// Destruction waits for the tasks that were started.
 class PresetFiles
 {
 public:
-    enum class Outcome {
-        written,
-        overtaken, ///< written, but changed or removed, or gone with the folder, before the watcher could
-                   ///< look
-        outdated,  ///< not written: the file was changed or removed, and the preset has no edits
-        refused,   ///< not written: a file of this name is somebody else's
-        failed,
+    using Outcome = FileRelation::Outcome;
+    struct Result
+    {
+        Outcome outcome = Outcome::failed;
+        QString reason; ///< of a failure
     };
-    /// Called on the file thread.
-    using Done = std::function<void(Outcome)>;
+    using Done = std::function<void(const Result &)>;
+
+    /// What becomes of a file that was changed or removed since the store has read or written it.
+    enum class Precedence {
+        unedited, ///< it stays as it is; the preset has nothing new to say
+        file,     ///< it stays as it is
+        edits,    ///< it is replaced
+    };
 
     struct Save
     {
         std::shared_ptr<PresetFile> file;
         QString name;
         QByteArray document;
-        bool hasEdits = true; ///< since the preset was loaded or saved; edits win over changes of others
+        std::size_t documentHash = 0;
+        Precedence precedence = Precedence::edits;
+        bool takesOldNameAway = false; ///< the file of the preset's earlier name goes
+        std::filesystem::path like;    ///< a new file gets the permissions of this one
     };
 
-    /// Told, on the file thread, of a file of somebody else's that the watcher will not report.
-    using FileAppeared = std::function<void(const std::string &path)>;
+    /// Told how a deletion ended, also of a name that a rename leaves.
+    struct Deletion
+    {
+        QString name;
+        QString reason;         ///< "" when the file is gone
+        bool isForeign = false; ///< it was left alone, since somebody else has changed it
+    };
+    using DeletionEnded = std::function<void(const Deletion &)>;
 
-    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, FileAppeared fileAppeared);
+    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, DeletionEnded deletionEnded);
     ~PresetFiles();
     PresetFiles(const PresetFiles &) = delete;
     PresetFiles &operator=(const PresetFiles &) = delete;
 
-    void write(const Save &save, const Done &done);
-    /// Writes the new file, then deletes the preset's earlier one; a failure leaves that. When the earlier
-    /// file was changed by others and the preset has no edits, the file itself gets the new name.
-    void rename(const Save &save, const Done &done);
+    /// Under a new name: without edits the file itself gets it, else the new one is written and then the
+    /// earlier one deleted, if that is to be taken away; a failure leaves that.
+    void save(Save save, Done done);
     /// Deletes the preset's file, if it has one.
     void remove(const std::shared_ptr<PresetFile> &file);
     /// Deletes the file of this name, whosever it is. The preset, if one is given, stands for it no longer.
     void remove(const QString &name, const std::shared_ptr<PresetFile> &file);
     /// Deletes what killed processes left behind.
     void removeLeftovers();
-    /// Runs a task after those that were started before.
-    void start(std::function<void()> task);
+    /// Runs a task after those that were started before; without a thread, the other function at once, with
+    /// the reason.
+    void start(std::function<void()> task, const std::function<void(const QString &reason)> &refused);
 
     void wait();
 
 private:
-    [[nodiscard]] std::string pathOf(const QString &name) const;
-    Outcome writeNow(const Save &save) const;
-    [[nodiscard]] bool moveChangedFile(const Save &save, const QString &oldName) const;
-    void takeAway(const std::string &path, const std::function<void()> &change) const;
-    void removeNow(const QString &name) const;
+    class Turn;
+    enum class Present { nothing, own, changed, foreign };
 
-    std::string m_folder;
-    std::shared_ptr<VRXWatchFolder> m_watcher;
-    FileAppeared m_fileAppeared;
-    WorkingQueue m_queue{QualityOfService::Utility};
+    [[nodiscard]] std::string pathOf(const QString &name) const;
+    [[nodiscard]] Present look(const PresetFile &file, const QString &name) const;
+    Result saveNow(const Save &save);
+    Outcome moveOrWrite(const Save &save);
+    Outcome write(const Save &save);
+    Outcome move(const Save &save, const QString &oldName);
+    void removeNow(const QString &name, const std::function<bool()> &mayRemove);
+    void endDeletion(const Deletion &deletion, const QString &complaint) const;
+
+    const std::string m_folder;
+    const std::shared_ptr<VRXWatchFolder> m_watcher;
+    const DeletionEnded m_deletionEnded;
+    bool m_isTurnRefused = false;          // on the file thread
+    std::unique_ptr<WorkingQueue> m_queue; // none until a thread was needed and to be had
 };
 
 } // namespace vantle

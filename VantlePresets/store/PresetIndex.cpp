@@ -2,6 +2,7 @@
 #include "VantlePresets/store/PresetIndex.h"
 
 #include "VantlePresets/store/NameRules.h"
+#include "VantlePresets/store/PresetFile.h"
 
 #include <algorithm>
 #include <iterator>
@@ -17,9 +18,13 @@ bool precedes(const std::shared_ptr<ListedPreset> &a, const std::shared_ptr<List
 
 } // namespace
 
-ListedPreset::ListedPreset(std::shared_ptr<VantlePreset> listed) : preset(std::move(listed))
+ListedPreset::ListedPreset(std::shared_ptr<VantlePreset> listed) : ListedPreset(listed, listed->name()) {}
+
+ListedPreset::ListedPreset(std::shared_ptr<VantlePreset> listed, const QString &listedName)
+    : preset(std::move(listed))
 {
-    setName(preset->name());
+    setName(listedName);
+    relation.wanted.text = name;
 }
 
 void ListedPreset::setName(const QString &newName)
@@ -59,7 +64,7 @@ std::shared_ptr<ListedPreset> PresetIndex::findFile(const QString &name) const
 {
     const auto alike = sortedLike(canonicalName(name));
     const auto found = std::find_if(alike.begin(), alike.end(), [&](const auto &entry) {
-        return entry->name == name && entry->file->name() == name;
+        return entry->name == name && entry->relation.file->name() == name;
     });
     return found != alike.end() ? *found : findNamed(name);
 }

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "VantlePresets/model/VantlePreset.h"
-#include "VantlePresets/store/PresetFiles.h"
+#include "VantlePresets/store/FileRelation.h"
 
 #include <QtCore/QHash>
-#include <QtCore/QStringList>
 
 #include <memory>
 #include <optional>
@@ -24,21 +23,12 @@ struct ListedPreset : std::enable_shared_from_this<ListedPreset>
     QString name;
     QString canonicalName;
     QByteArray collationKey; ///< of the canonical name, so that equal names stand together
-    /// Of the document that was last loaded or saved; nothing before the first save and after a failed one.
-    std::optional<std::size_t> documentHash;
-    std::shared_ptr<PresetFile> file = std::make_shared<PresetFile>();
-    /// Saves whose outcome is not known yet. What is reported about the file meanwhile may be older than what
-    /// they write, and is looked at again afterwards.
-    int savesInFlight = 0;
-    /// Since the last save that was written, the names whose files turned out to be somebody else's. The
-    /// first is the one that was wanted.
-    QStringList refusedNames;
-    bool wasChangedMeanwhile = false;
-    /// Set by a rename until its file is written, so that the save that succeeds takes the old file away.
-    bool isRenameDue = false;
+    FileRelation relation;
 
     /// Lists the preset under its present name. Callable from any thread that owns the preset.
     explicit ListedPreset(std::shared_ptr<VantlePreset> listed);
+    /// The same under another name.
+    ListedPreset(std::shared_ptr<VantlePreset> listed, const QString &listedName);
     void setName(const QString &newName);
 
     /// The order of the list; names that the locale does not tell apart are ordered by their code units.

@@ -70,12 +70,13 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
     const auto *const application = QCoreApplication::instance();
     if (application && application->thread() != QThread::currentThread())
         programmingFault("PresetsManager is made off the main thread");
+    qRegisterMetaType<PresetsFailure>();
     d->start(lookup());
     if (application) {
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
             d->isQuitting = true; // what others save from now on is waited for in save()
-            if (d->files)
-                d->finishFileTasks();
+            if (d->saver)
+                d->saver->finish();
         });
     }
 }
@@ -172,27 +173,31 @@ PresetsList PresetsManager::presetsWithTypeName(const QString &typeName) const
 std::shared_ptr<VantlePreset> PresetsManager::addNewPreset(StreamingType type)
 {
     requireMainThread(*this);
-    const QString name = uniqueName(displayName(type) + " Preset"_L1,
-                                    [this](const QString &n) { return d->index.isTaken(n); });
-    return d->addAndSelect(makePreset(type, name));
+    const QString wanted = displayName(type) + " Preset"_L1;
+    const QString name = uniqueName(wanted, [this](const QString &n) { return d->index.isTaken(n); });
+    return d->addAndSelect(makePreset(type, name), {.text = wanted});
 }
 
 std::shared_ptr<VantlePreset> PresetsManager::duplicate(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    const QString name =
-        duplicateName(listedName(preset), [this](const QString &n) { return d->index.isTaken(n); });
+    if (!preset)
+        programmingFault("duplicate of no preset");
+    const WantedName wanted{.text = listedName(preset), .isOfCopy = true};
+    const QString name = duplicateName(wanted.text, [this](const QString &n) { return d->index.isTaken(n); });
     const auto copy = makePreset(preset->type(), name);
     if (const auto renditions = copied(preset->videoSettings()))
         copy->setVideoSettings(*renditions);
     copyAudioSettings(*preset, copy);
-    return d->addAndSelect(copy);
+    return d->addAndSelect(copy, wanted);
 }
 
 bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const QString &from,
                             const QString &to)
 {
     requireMainThread(*this);
+    if (!preset)
+        programmingFault("rename of no preset");
     if (d->nameEdit == preset)
         d->nameEdit.reset();
     const auto renamed = preset; // the argument may be this manager's own selection
@@ -207,8 +212,10 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
 
     renamed->setName(newName);
     if (const auto entry = d->index.find(renamed.get())) {
+        entry->relation.wanted = {.text = newName};
         d->moveEntry(entry, newName);
-        d->startSave(entry, Private::Way::rename);
+        if (d->saver)
+            d->saver->save(entry, PresetSaver::Way::rename);
     }
     d->announceList();
     if (renamed == d->selected) {
@@ -224,8 +231,8 @@ void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)
     const auto entry = d->index.find(preset.get());
     if (!entry)
         return;
-    if (d->files)
-        d->files->remove(entry->file);
+    if (d->saver)
+        d->saver->remove(entry);
     d->removeEntry(entry);
     d->announceList();
 }
@@ -233,31 +240,31 @@ void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)
 void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    const auto saved = preset; // the argument may be this manager's own selection
-    if (!saved)
+    if (!preset)
         programmingFault("save of no preset");
-    if (!d->files)
-        return;
-    if (d->nameEdit == saved)
-        Q_EMIT nameEditMustEnd(saved);
-    auto entry = d->index.find(saved.get());
-    if (!entry)
-        entry = std::make_shared<ListedPreset>(saved); // not listed: a file of its name alone
-    const bool isRenamed =
-        d->nameEdit != saved && saved->name() != entry->name && !d->index.isTaken(saved->name(), saved.get());
-    if (isRenamed)
-        d->moveEntry(entry, saved->name());
-    d->startSave(entry, Private::Way::write);
-    if (isRenamed)
-        d->announceList();
-    if (d->isQuitting)
-        d->finishFileTasks();
+    d->save(preset, PresetSaver::Precedence::edits);
+}
+
+void PresetsManager::saveUnlessChanged(const std::shared_ptr<VantlePreset> &preset)
+{
+    requireMainThread(*this);
+    if (!preset)
+        programmingFault("save of no preset");
+    d->save(preset, PresetSaver::Precedence::file);
+}
+
+void PresetsManager::saveLike(const std::shared_ptr<VantlePreset> &preset, const QString &path)
+{
+    requireMainThread(*this);
+    if (!preset)
+        programmingFault("save of no preset");
+    d->save(preset, PresetSaver::Precedence::edits, fileSystemPath(path));
 }
 
 bool PresetsManager::hasPendingSaves() const
 {
     requireMainThread(*this);
-    return d->savesInFlight > 0;
+    return d->saver && d->saver->isBusy();
 }
 
 void PresetsManager::saveSelectedPreset()
@@ -270,22 +277,20 @@ void PresetsManager::saveSelectedPreset()
 void PresetsManager::deletePresetFile(const QString &name)
 {
     requireMainThread(*this);
-    if (!d->files)
-        return;
-    const auto entry = d->index.findFile(name);
-    d->files->remove(name, entry ? entry->file : nullptr);
+    if (d->saver)
+        d->saver->removeFile(name, d->index.findFile(name));
 }
 
 bool PresetsManager::hasUnsavedEdits(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
     const auto entry = d->index.find(preset.get());
-    if (!entry || !entry->documentHash)
+    if (!entry || !entry->relation.documentHash)
         return true;
-    if (entry->isRenameDue && entry->savesInFlight == 0) // it has failed
+    if (entry->relation.isRenameOwed() && !entry->relation.isUnderWay()) // it has failed
         return true;
     const auto hash = documentHash(*preset);
-    return hash && hash != entry->documentHash;
+    return hash && hash != entry->relation.documentHash;
 }
 
 void PresetsManager::beginNameEdit(const std::shared_ptr<VantlePreset> &preset)
@@ -315,11 +320,24 @@ int PresetsManager::rowOf(const std::shared_ptr<VantlePreset> &preset) const
     return entry ? d->index.rowOf(*entry) : -1;
 }
 
+QList<PresetsFailure> PresetsManager::failures() const
+{
+    requireMainThread(*this);
+    return d->saver ? d->saver->failures() : QList<PresetsFailure>();
+}
+
+void PresetsManager::retry(const PresetsFailure &failure)
+{
+    requireMainThread(*this);
+    if (d->saver && d->saver->failures().contains(failure))
+        d->retry(failure);
+}
+
 void PresetsManager::waitForFileTasks()
 {
     requireMainThread(*this);
-    if (d->files)
-        d->files->wait();
+    if (d->saver)
+        d->saver->waitForFiles();
 }
 
 } // namespace vantle

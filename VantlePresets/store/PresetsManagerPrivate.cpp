@@ -7,20 +7,14 @@
 #include "VantlePresets/store/PresetsFolder.h"
 #include "watchfolder/VRXWatchFolder.h"
 
+#include <QtCore/QTimer>
+
+#include <chrono>
 #include <utility>
 
 namespace vantle {
 
 using namespace Qt::StringLiterals;
-
-std::optional<std::size_t> documentHash(const VantlePreset &preset)
-{
-    try {
-        return preset.documentHash();
-    } catch (const EncodingError &) {
-        return std::nullopt;
-    }
-}
 
 void PresetsManager::Private::start(const QStringList &dataDirectories)
 {
@@ -38,14 +32,14 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     reconciler = std::make_shared<FolderReconciler>(queue, *this);
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     watcher->setNoticesReplacements(true);
-    files = std::make_unique<PresetFiles>(
-        folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
-            watcher->checkChangesAtPaths({QString::fromStdString(path)},
-                                         [reconciler, path] { reconciler->add(path); });
-        });
+    saver = std::make_unique<PresetSaver>(*this, queue, folder, watcher, reconciler);
     WatchFolderError error;
-    if (!watcher->startWatching(&error))
-        logLine(kStartError + error.description);
+    try {
+        if (!watcher->startWatching(&error))
+            logLine(kStartError + error.description);
+    } catch (const std::exception &failure) { // no thread is to be had
+        logLine(kStartError + QString::fromUtf8(failure.what()));
+    }
 }
 
 void PresetsManager::Private::stop()
@@ -53,23 +47,17 @@ void PresetsManager::Private::stop()
     if (!watcher)
         return;
     q.blockSignals(true); // the manager is about to go
-    finishFileTasks();    // first, while the watcher still knows which changes are the store's own
+    saver->finish();      // first, while the watcher still knows which changes are the store's own
     reconciler->cancel();
     watcher->stopWatching();
 }
 
-void PresetsManager::Private::finishFileTasks()
-{
-    do {
-        files->wait();
-        queue.runAll(); // an outcome can lead to another save, under a name that is free
-    } while (savesInFlight > 0);
-}
-
 std::shared_ptr<VantlePreset>
-PresetsManager::Private::addAndSelect(const std::shared_ptr<VantlePreset> &preset)
+PresetsManager::Private::addAndSelect(const std::shared_ptr<VantlePreset> &preset, const WantedName &wanted)
 {
-    insert(std::make_shared<ListedPreset>(preset));
+    const auto entry = std::make_shared<ListedPreset>(preset);
+    entry->relation.wanted = wanted;
+    insert(entry);
     announceList();
     q.setSelectedPreset(preset);
     return preset;
@@ -91,8 +79,8 @@ void PresetsManager::Private::removeEntry(const Entry &entry)
         setSelection(nullptr);
     if (index.find(entry->preset.get()) != entry) // an observer of the selection was faster
         return;
-    if (!isLoaded)
-        namesLeftEarly.insert(entry->name);
+    if (saver)
+        saver->recover(PresetsFailure::Operation::save, entry->name);
     const int row = index.rowOf(*entry);
     Q_EMIT q.rowAboutToBeRemoved(row);
     index.remove(row);
@@ -101,10 +89,9 @@ void PresetsManager::Private::removeEntry(const Entry &entry)
 
 void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
 {
-    if (!isLoaded)
-        namesLeftEarly.insert(entry->name);
-    ListedPreset moved = *entry;
-    moved.setName(name);
+    if (saver)
+        saver->recover(PresetsFailure::Operation::save, entry->name);
+    const ListedPreset moved(entry->preset, name);
     const int from = index.rowOf(*entry);
     const int target = index.insertionRow(moved); // counted with the entry in its old place
     const int to = target > from ? target - 1 : target;
@@ -123,93 +110,96 @@ void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &
     Q_EMIT q.selectedPresetChanged(preset);
 }
 
-void PresetsManager::Private::startSave(const Entry &entry, Way way)
+void PresetsManager::Private::save(const std::shared_ptr<VantlePreset> &preset,
+                                   PresetSaver::Precedence precedence, const std::filesystem::path &like)
 {
-    entry->isRenameDue = entry->isRenameDue || way == Way::rename;
-    const auto hash = documentHash(*entry->preset);
-    if (!files || !hash)
+    const auto saved = preset; // the argument may be this manager's own selection
+    if (!saver)
         return;
-    const PresetFiles::Save save{entry->file, entry->name, entry->preset->encoded(document::Format::compact),
-                                 entry->documentHash != hash};
-    entry->documentHash = hash;
-    ++entry->savesInFlight;
-    ++savesInFlight;
-    // Weak: a preset must not be destroyed on the file thread.
-    const auto done = [this, weak = std::weak_ptr(entry),
-                       hasEdits = save.hasEdits](PresetFiles::Outcome outcome) {
-        queue.post([this, weak, hasEdits, outcome] {
-            --savesInFlight;
-            if (const auto saved = weak.lock())
-                finishSave(saved, hasEdits, outcome);
-        });
-    };
-    if (entry->isRenameDue)
-        files->rename(save, done);
-    else
-        files->write(save, done);
+    if (nameEdit == saved)
+        Q_EMIT q.nameEditMustEnd(saved);
+    auto entry = index.find(saved.get());
+    if (!entry)
+        entry = std::make_shared<ListedPreset>(saved); // not listed: a file of its name alone
+    const bool isRenamed =
+        nameEdit != saved && saved->name() != entry->name && !index.isTaken(saved->name(), saved.get());
+    if (isRenamed)
+        moveEntry(entry, saved->name());
+    saver->save(entry, PresetSaver::Way::write, precedence, like);
+    if (isRenamed)
+        announceList();
+    if (isQuitting)
+        saver->finish();
 }
 
-void PresetsManager::Private::finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome)
+void PresetsManager::Private::retry(const PresetsFailure &failure)
 {
-    --entry->savesInFlight;
-    if (outcome == PresetFiles::Outcome::written || outcome == PresetFiles::Outcome::overtaken)
-        entry->refusedNames.clear();
-    const bool isOnDisk = outcome != PresetFiles::Outcome::failed && outcome != PresetFiles::Outcome::refused;
-    if (!isOnDisk && hadEdits)
-        entry->documentHash.reset(); // the next save is one with edits
-    if (isOnDisk && entry->savesInFlight == 0)
-        entry->isRenameDue = false;
-    if (outcome == PresetFiles::Outcome::outdated || outcome == PresetFiles::Outcome::overtaken)
-        entry->wasChangedMeanwhile = true;
-    if (entry->savesInFlight > 0 || index.find(entry->preset.get()) != entry)
-        return;
-    if (outcome == PresetFiles::Outcome::refused)
-        giveFreeName(entry);
-    else if (std::exchange(entry->wasChangedMeanwhile, false))
-        lookAgain(entry->name);
-}
-
-/// Another process had the idea of the same name first: both presets stay.
-void PresetsManager::Private::giveFreeName(const Entry &entry)
-{
-    if (nameEdit == entry->preset) {
-        Q_EMIT q.nameEditMustEnd(entry->preset);
-        if (index.find(entry->preset.get()) != entry || entry->savesInFlight > 0)
-            return;
+    switch (failure.operation) {
+    case PresetsFailure::Operation::load:
+        saver->lookAgain(failure.name);
+        break;
+    case PresetsFailure::Operation::save:
+        if (const auto entry = index.findNamed(failure.name))
+            save(entry->preset, PresetSaver::Precedence::edits);
+        break;
+    case PresetsFailure::Operation::deletion:
+        saver->removeFile(failure.name, nullptr);
+        break;
     }
-    entry->refusedNames.append(entry->name);
-    const QString name = uniqueName(entry->refusedNames.first(), [&](const QString &n) {
-        return entry->refusedNames.contains(n) || index.isTaken(n, entry->preset.get()) ||
-               reconciler->isUnreadable(n);
-    });
+}
+
+bool PresetsManager::Private::isListed(const Entry &entry) const
+{
+    return index.find(entry->preset.get()) == entry;
+}
+
+bool PresetsManager::Private::endNameEdit(const Entry &entry)
+{
+    if (nameEdit == entry->preset)
+        Q_EMIT q.nameEditMustEnd(entry->preset);
+    return isListed(entry) && !entry->relation.isUnderWay();
+}
+
+QString PresetsManager::Private::nextName(const Entry &entry) const
+{
+    const auto isTaken = [&](const QString &name) {
+        return entry->relation.refusedNames.contains(name) || index.isTaken(name, entry->preset.get()) ||
+               isInFolder(name);
+    };
+    const WantedName &wanted = entry->relation.wanted;
+    return wanted.isOfCopy ? duplicateName(wanted.text, isTaken) : uniqueName(wanted.text, isTaken);
+}
+
+void PresetsManager::Private::renamePreset(const Entry &entry, const QString &name)
+{
     entry->preset->setName(name);
     moveEntry(entry, name);
-    startSave(entry, Way::rename);
     announceList();
 }
 
-/// Lets the file itself say what has become of it, after the file tasks that have been started. On the
-/// watcher's queue, in the order of its reports: the watcher knows of the file that is read.
-void PresetsManager::Private::lookAgain(const QString &name)
+/// A file that was read while this store was about to delete it.
+void PresetsManager::Private::fileDeleted(const QString &name)
 {
-    files->start([watcher = watcher, reconciler = reconciler, path = pathOf(name)] {
-        watcher->checkChangesAtPaths({path},
-                                     [reconciler, path = path.toStdString()] { reconciler->reread(path); });
-    });
+    const auto entry = index.findFile(name);
+    if (!entry || entry->relation.isUnderWay() || entry->relation.file->name() != name || isInFolder(name))
+        return;
+    removeEntry(entry);
+    announceList();
 }
 
-QString PresetsManager::Private::pathOf(const QString &name) const
+/// As far as has been reported, the changes of this process included.
+bool PresetsManager::Private::isInFolder(const QString &name) const
 {
-    return folder + u'/' + name + ".json"_L1;
+    return watcher->hasItemAtPath(saver->pathOf(name));
 }
 
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
 {
     const bool isFirst = !std::exchange(isLoaded, true);
+    if (isFirst && saver->hasBegun())
+        loaded = withoutKnown(std::move(loaded));
     if (isFirst)
-        files->removeLeftovers();
-    if (isFirst && !index.presets().isEmpty())
-        loaded = withoutListed(std::move(loaded));
+        saver->removeLeftovers();
     Q_EMIT q.rowsAboutToBeReset();
     if (index.presets().isEmpty())
         index = std::move(loaded);
@@ -217,19 +207,17 @@ void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
         index.merge(loaded.takeEntries());
     Q_EMIT q.rowsReset();
     announceList();
-    for (const QString &name : std::exchange(namesLeftEarly, {}))
-        lookAgain(name); // what was read may be a file that this store was about to delete
     if (isFirst)
         Q_EMIT q.didLoad();
 }
 
-/// What was loaded less the files that this store wrote before the folder had been read.
-PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
+/// What was loaded less the files that this store wrote or deleted before the folder had been read.
+PresetIndex PresetsManager::Private::withoutKnown(PresetIndex loaded) const
 {
     PresetIndex::Entries entries = loaded.takeEntries();
     std::erase_if(entries, [this](const Entry &entry) {
         const auto known = index.findFile(entry->name);
-        return known && known->file->name() == entry->name;
+        return (known && known->relation.file->name() == entry->name) || !isInFolder(entry->name);
     });
     PresetIndex rest;
     rest.merge(std::move(entries));
@@ -239,30 +227,22 @@ PresetIndex PresetsManager::Private::withoutListed(PresetIndex loaded)
 void PresetsManager::Private::presetAdded(const Entry &added)
 {
     const auto known = index.findFile(added->name);
-    const auto stamp = added->file->stampAt(added->name);
-    if (known && stamp && known->file->name() == added->name) {
+    const KnownFile read = added->relation.file->get();
+    if (known && known->relation.file->name() == added->name) {
         // It was away for a moment, or its removal was reported while a save was under way.
-        if (known->file->stampAt(added->name) != stamp)
-            presetUpdated(added->name, added->preset, *stamp);
+        presetUpdated(read, added->preset);
         return;
     }
+    saver->recover(PresetsFailure::Operation::deletion, added->name); // others have something to say in it
     insert(added);
     announceList();
-}
-
-/// Whether the file is what this store last wrote or read. A report that says otherwise was on its way while
-/// a save was done.
-bool PresetsManager::Private::isAsSaved(const ListedPreset &entry, const QString &name) const
-{
-    const auto own = entry.file->stampAt(name);
-    return own && own == stampOf(fileSystemPath(pathOf(name)));
 }
 
 /// The listed preset that a report about a file of this name means.
 PresetsManager::Private::Entry PresetsManager::Private::entryOfFile(const QString &name) const
 {
     auto entry = index.findFile(name);
-    if (entry && entry->name != name && isAsSaved(*entry, entry->name))
+    if (entry && entry->name != name && isInFolder(entry->name))
         return nullptr; // that is the file of another spelling: the preset's own is there
     return entry;
 }
@@ -270,51 +250,68 @@ PresetsManager::Private::Entry PresetsManager::Private::entryOfFile(const QStrin
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
     const auto entry = entryOfFile(name);
-    if (!entry)
+    // What the folder's inventory has was made again since: what becomes of that is reported.
+    if (!entry || !saver->hear(entry) || isInFolder(name))
         return;
-    if (entry->savesInFlight > 0) {
-        entry->wasChangedMeanwhile = true;
-        return;
-    }
-    if (const auto present = stampOf(fileSystemPath(pathOf(name)))) { // it has been made again since
-        if (present != entry->file->stampAt(name))
-            lookAgain(name);
-        return;
-    }
     removeEntry(entry);
     announceList();
 }
 
-void PresetsManager::Private::presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
-                                            const FileStamp &stamp)
+/// Whether what was read may be older than what this store has put there since; it is read again then.
+bool PresetsManager::Private::isOutdated(const Entry &entry, const KnownFile &read)
 {
-    const auto entry = entryOfFile(name);
-    if (!entry || !source)
+    const KnownFile known = entry->relation.file->get();
+    if (known.name != read.name || known.stamp == read.stamp || known.since < read.since)
+        return false;
+    saver->lookAgain(read.name);
+    return true;
+}
+
+void PresetsManager::Private::presetGone(const KnownFile &read)
+{
+    const auto entry = entryOfFile(read.name);
+    if (!entry || !saver->hear(entry) || isOutdated(entry, read))
         return;
-    if (entry->savesInFlight > 0) {
-        entry->wasChangedMeanwhile = true;
+    removeEntry(entry);
+    announceList();
+}
+
+void PresetsManager::Private::readLater(const QString &name)
+{
+    constexpr std::chrono::seconds kGrace{3};
+    QTimer::singleShot(kGrace, &queue, [this, name] { saver->lookAgain(name); });
+}
+
+void PresetsManager::Private::presetUpdated(const KnownFile &read,
+                                            const std::shared_ptr<VantlePreset> &source)
+{
+    const auto entry = entryOfFile(read.name);
+    if (!entry || !source || !saver->hear(entry) || isOutdated(entry, read))
         return;
-    }
-    if (stamp != entry->file->stampAt(name) && isAsSaved(*entry, name))
-        return;
-    entry->file->set(name, stamp);
+    entry->relation.file->set(read);
     // A file that says what it said before (it was only touched) must not undo edits.
-    if (const auto hash = documentHash(*source); hash && hash == entry->documentHash)
+    if (read.documentHash && read.documentHash == entry->relation.documentHash)
         return;
+    takeOver(entry, source, read);
+    announceList();
+}
+
+void PresetsManager::Private::takeOver(const Entry &entry, const std::shared_ptr<VantlePreset> &source,
+                                       const KnownFile &read)
+{
     if (nameEdit == entry->preset)
         source->setName(entry->preset->name()); // what the user is typing stays
     if (updatePreset(*entry->preset, *source)) {
-        entry->documentHash = documentHash(*entry->preset);
+        entry->relation.documentHash = documentHash(*entry->preset);
         Q_EMIT q.presetUpdated(entry->preset);
     } else { // a file of another class
         source->setName(entry->name);
         const auto replacement = std::make_shared<ListedPreset>(source);
-        replacement->file->set(name, stamp);
-        replacement->documentHash = documentHash(*source);
+        replacement->relation.file->set(read);
+        replacement->relation.documentHash = read.documentHash;
         removeEntry(entry);
         insert(replacement);
     }
-    announceList();
 }
 
 } // namespace vantle

@@ -3,17 +3,15 @@
 
 #include "VantlePresets/store/FolderReconciler.h"
 #include "VantlePresets/store/MainThreadQueue.h"
-#include "VantlePresets/store/PresetFiles.h"
 #include "VantlePresets/store/PresetIndex.h"
+#include "VantlePresets/store/PresetSaver.h"
 #include "VantlePresets/store/PresetsManager.h"
-
-#include <QtCore/QSet>
 
 namespace vantle {
 
-/// What the store does behind its operations: the list and its signals, the way of a save, and what the
-/// folder reports. Private to this folder.
-class PresetsManager::Private final : public FolderReconciler::Receiver
+/// What the store does behind its operations: the list and its signals, and what the folder reports. Private
+/// to this folder.
+class PresetsManager::Private final : public FolderReconciler::Receiver, public PresetSaver::List
 {
 public:
     using Entry = std::shared_ptr<ListedPreset>;
@@ -22,32 +20,43 @@ public:
 
     void start(const QStringList &dataDirectories);
     void stop();
-    /// Waits for the files, and for the saves that follow from their outcomes.
-    void finishFileTasks();
 
-    std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset);
+    std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset,
+                                               const WantedName &wanted);
     void insert(const Entry &entry);
     void removeEntry(const Entry &entry);
     void moveEntry(const Entry &entry, const QString &name);
     void setSelection(const std::shared_ptr<VantlePreset> &preset);
     void announceList() { Q_EMIT q.presetsChanged(index.presets()); }
+    void save(const std::shared_ptr<VantlePreset> &preset, PresetSaver::Precedence precedence,
+              const std::filesystem::path &like = {});
+    void retry(const PresetsFailure &failure);
 
-    enum class Way { write, rename };
-    void startSave(const Entry &entry, Way way);
-    void finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome);
-    void giveFreeName(const Entry &entry);
-    void lookAgain(const QString &name);
     [[nodiscard]] Entry entryOfFile(const QString &name) const;
-    [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
-    [[nodiscard]] QString pathOf(const QString &name) const;
+    [[nodiscard]] bool isInFolder(const QString &name) const;
 
+    // Of the saver.
+    [[nodiscard]] bool isListed(const Entry &entry) const override;
+    bool endNameEdit(const Entry &entry) override;
+    [[nodiscard]] QString nextName(const Entry &entry) const override;
+    void renamePreset(const Entry &entry, const QString &name) override;
+    void fileDeleted(const QString &name) override;
+    void failed(const PresetsFailure &failure) override { Q_EMIT q.failed(failure); }
+    void recovered(const PresetsFailure &failure) override { Q_EMIT q.recovered(failure); }
+
+    // Of the folder.
     void presetsLoaded(PresetIndex loaded) override;
     void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
-    void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
-                       const FileStamp &stamp) override;
-    PresetIndex withoutListed(PresetIndex loaded);
+    void presetUpdated(const KnownFile &read, const std::shared_ptr<VantlePreset> &source) override;
+    void presetGone(const KnownFile &read) override;
+    void readLater(const QString &name) override;
+    void loadFailed(const PresetsFailure &failure) override { saver->fail(failure); }
+    void loadRecovered(const QString &name) override
+    {
+        saver->recover(PresetsFailure::Operation::load, name);
+    }
 
     PresetsManager &q;
     PresetIndex index;
@@ -55,17 +64,17 @@ public:
     std::shared_ptr<VantlePreset> nameEdit;
     QString folder; // "" without one
     bool isLoaded = false;
-    QSet<QString> namesLeftEarly; // by presets that were renamed or removed before the folder had been read
     bool isQuitting = false;
-    int savesInFlight = 0;
 
     MainThreadQueue queue;
     std::shared_ptr<FolderReconciler> reconciler;
     std::shared_ptr<VRXWatchFolder> watcher;
-    std::unique_ptr<PresetFiles> files;
-};
+    std::unique_ptr<PresetSaver> saver; // none without a folder
 
-/// Of the preset's document; nothing for a preset that has none (a frame rate that is not finite).
-[[nodiscard]] std::optional<std::size_t> documentHash(const VantlePreset &preset);
+private:
+    [[nodiscard]] PresetIndex withoutKnown(PresetIndex loaded) const;
+    [[nodiscard]] bool isOutdated(const Entry &entry, const KnownFile &read);
+    void takeOver(const Entry &entry, const std::shared_ptr<VantlePreset> &source, const KnownFile &read);
+};
 
 } // namespace vantle

@@ -26,7 +26,7 @@ ExitCode convert(const Options &options, Output &out)
         const QByteArray document = preset->encoded(document::Format::pretty);
         concerned = options.target;
         requireFileOrNothing(concerned);
-        StagedFile file(concerned, document);
+        StagedFile file(concerned, document, StagedFile::Access::asBefore, options.source);
         file.commit();
         file.syncFolder();
         out.line("wrote "_L1 + shown(concerned) + "  "_L1 + displayName(preset->type()) + "  "_L1 +

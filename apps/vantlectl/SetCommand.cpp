@@ -2,6 +2,12 @@
 #include "apps/vantlectl/Assignment.h"
 #include "apps/vantlectl/StoreSession.h"
 
+#include "VantlePresets/document/DocumentWriter.h"
+
+#include <QtCore/QHash>
+
+#include <utility>
+
 namespace vantle::ctl {
 namespace {
 
@@ -28,6 +34,90 @@ void requireKept(const VantlePreset &preset, const QList<Assignment> &assignment
     }
 }
 
+/// The renditions and tracks that assignments name by their position, as they were when the user looked.
+class Positions
+{
+public:
+    explicit Positions(const VantlePreset &preset) : m_lists(listsOf(preset)) {}
+
+    /// Refuses an assignment whose position is another rendition's or track's in the preset as it is now.
+    void require(const VantlePreset &preset, const QList<Assignment> &assignments) const
+    {
+        const auto present = listsOf(preset);
+        for (const Assignment &assignment : assignments) {
+            const QStringList parts = assignment.path().split(u'.');
+            bool isPosition = false;
+            const qsizetype position = parts.size() > 1 ? parts[1].toInt(&isPosition) : 0;
+            if (isPosition && isAnother(m_lists.value(parts[0]), present.value(parts[0]), position))
+                throw AssignmentError(assignment.path(), u"another process has changed the list meanwhile"_s);
+        }
+    }
+
+private:
+    using Lists = QHash<QString, QByteArrayList>;
+
+    static bool isAnother(const QByteArrayList &before, const QByteArrayList &now, qsizetype position)
+    {
+        if (position >= before.size() || position >= now.size()) // one that this command adds
+            return before.size() != now.size();
+        if (before[position] == now[position])
+            return false;
+        return before.size() != now.size() || now.contains(before[position]);
+    }
+
+    template <class Settings>
+    static QByteArrayList textsOf(const QList<std::shared_ptr<Settings>> &list)
+    {
+        QByteArrayList texts;
+        for (const auto &settings : list)
+            texts.append(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+                settings->encode(writer);
+            }));
+        return texts;
+    }
+
+    static Lists listsOf(const VantlePreset &preset)
+    {
+        return {{u"videoSettings"_s, textsOf(preset.videoSettings())},
+                {u"audioSettings"_s, textsOf(preset.audioSettings())}};
+    }
+
+    const Lists m_lists;
+};
+
+void apply(const QList<Assignment> &assignments, VantlePreset &preset)
+{
+    for (const Assignment &assignment : assignments) {
+        assignment.apply(preset);
+        if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
+            complain(assignment.path() + ": "_L1 + limitation);
+    }
+    requireKept(preset, assignments);
+}
+
+/// Applies the assignments until they are on disk: when another process was faster, to what that one wrote.
+ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset> &preset,
+                      const QList<Assignment> &assignments)
+{
+    PresetsManager &manager = session.manager();
+    bool isChanged = true;
+    const auto connection =
+        QObject::connect(&manager, &PresetsManager::presetUpdated,
+                         [&](const auto &updated) { isChanged = isChanged || updated == preset; });
+    const Positions positions(*preset);
+    ExitCode code = ExitCode::good;
+    while (std::exchange(isChanged, false)) {
+        positions.require(*preset, assignments);
+        apply(assignments, *preset);
+        manager.saveUnlessChanged(preset);
+        code = session.finish();
+    }
+    QObject::disconnect(connection);
+    if (manager.rowOf(preset) < 0)
+        throw Refusal(u"another process has removed or replaced the preset; nothing was changed"_s);
+    return code;
+}
+
 ExitCode set(const Options &options, Output &out)
 {
     const auto assignments = Assignment::parseAll(options.assignments);
@@ -36,18 +126,12 @@ ExitCode set(const Options &options, Output &out)
 
     StoreSession session(options);
     const auto preset = session.preset(options.name);
+    ExitCode code = ExitCode::failed;
     try {
-        for (const Assignment &assignment : *assignments) {
-            assignment.apply(*preset);
-            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
-                complain(assignment.path() + ": "_L1 + limitation);
-        }
-        requireKept(*preset, *assignments);
+        code = applyAndSave(session, preset, *assignments);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }
-    session.manager().save(preset);
-    const ExitCode code = session.finish();
     if (options.json && code == ExitCode::good)
         printPreset(out, *preset, true);
     return code;

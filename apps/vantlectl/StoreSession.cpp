@@ -3,32 +3,17 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
+#include "watchfolder/VRXWatchFolder.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
-#include <atomic>
 
 namespace vantle::ctl {
 
 using namespace Qt::StringLiterals;
-
-struct StoreSession::Log
-{
-    std::atomic<bool> hasStartFailed = false;
-    std::atomic<bool> hasDeletionFailed = false;
-
-    void take(const QString &line)
-    {
-        complain(line);
-        if (line.startsWith("Error to create directory"_L1))
-            hasStartFailed = true;
-        if (line.startsWith("Error deleting"_L1))
-            hasDeletionFailed = true;
-    }
-};
 
 void StoreOptions::addTo(CLI::App &command)
 {
@@ -36,16 +21,15 @@ void StoreOptions::addTo(CLI::App &command)
     command.add_flag("--json", json, "For machines: one JSON object per line");
 }
 
-StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared<Log>())
+StoreSession::StoreSession(const StoreOptions &options)
 {
     const QString directory = QString::fromStdString(options.dataDirectory);
     if (options.readsOnly && !directory.isEmpty() && !QFileInfo(directory).isDir())
         throw Refusal(directory + ": there is no such directory"_L1);
-    setLogSink([log = m_log](const QString &line) { log->take(line); });
     m_manager = options.dataDirectory.empty()
                     ? std::make_unique<PresetsManager>()
                     : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
-    if (m_log->hasStartFailed)
+    if (!m_manager->presetsFolderURL() || m_manager->watchFolder()->backend() == WatchBackend::Automatic)
         throw Refusal(u"the presets folder can't be used"_s);
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
@@ -59,7 +43,6 @@ StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared
 StoreSession::~StoreSession()
 {
     m_manager.reset();
-    setLogSink([](const QString &line) { complain(line); });
 }
 
 std::shared_ptr<VantlePreset> StoreSession::preset(const std::string &name) const
@@ -81,7 +64,11 @@ ExitCode StoreSession::finish()
     const bool isAllSaved = std::none_of(presets.begin(), presets.end(), [this](const auto &preset) {
         return m_manager->hasUnsavedEdits(preset);
     });
-    return isAllSaved && !m_log->hasDeletionFailed ? ExitCode::good : ExitCode::failed;
+    const QList<PresetsFailure> failures = m_manager->failures();
+    const bool isAllDone = std::all_of(failures.begin(), failures.end(), [](const PresetsFailure &failure) {
+        return failure.operation == PresetsFailure::Operation::load;
+    });
+    return isAllSaved && isAllDone ? ExitCode::good : ExitCode::failed;
 }
 
 ExitCode guarded(const std::function<ExitCode()> &work)

@@ -48,9 +48,6 @@ public:
     [[nodiscard]] ExitCode finish();
 
 private:
-    struct Log;
-
-    std::shared_ptr<Log> m_log;
     std::unique_ptr<PresetsManager> m_manager;
 };
 

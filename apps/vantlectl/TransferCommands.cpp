@@ -36,6 +36,7 @@ ExitCode import(const ImportOptions &options, Output &out)
     PresetsManager &manager = session.manager();
     bool isComplete = true;
     PresetsList imported;
+    QStringList sources;
     QSet<QString> names;
     for (const fs::path file : options.files) {
         try {
@@ -44,6 +45,7 @@ ExitCode import(const ImportOptions &options, Output &out)
                 throw std::runtime_error("a preset of this name exists");
             names.insert(canonicalName(preset->name()));
             imported.append(preset);
+            sources.append(QString::fromStdString(file.string()));
         } catch (const std::exception &error) {
             complain(shown(file) + ": "_L1 + Failure(error).message());
             isComplete = false;
@@ -51,9 +53,9 @@ ExitCode import(const ImportOptions &options, Output &out)
     }
     manager.setPresets(manager.presets() + imported);
     QStringList wanted;
-    for (const auto &preset : std::as_const(imported)) {
-        wanted.append(preset->name());
-        manager.save(preset);
+    for (qsizetype i = 0; i < imported.size(); ++i) {
+        wanted.append(imported[i]->name());
+        manager.saveLike(imported[i], sources[i]);
     }
     const ExitCode code = session.finish();
     for (qsizetype i = 0; i < imported.size(); ++i) {
