@@ -54,6 +54,9 @@ public:
     /// the event loop of the stream. Never calls it when the stream is stopped before that.
     virtual void flush(std::function<void()> done) = 0;
 
+    /// Hears how long the last comparison of the whole folder took, for sources that ask for some themselves.
+    virtual void comparisonTook(std::chrono::milliseconds) {}
+
     /// True when events that this process alone caused carry OwnEvent.
     virtual bool tellsOwnEvents() const = 0;
     /// Never Automatic.

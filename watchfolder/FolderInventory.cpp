@@ -2,6 +2,7 @@
 #include "watchfolder/FolderInventory.h"
 
 #include "watchfolder/NativePath.h"
+#include "watchfolder/StateBelow.h"
 
 #include <utility>
 
@@ -52,7 +53,9 @@ Finding FolderInventory::compare(const ChangedPath &changed)
     const bool isOwn = changed.cause == ChangedPath::Own || mayBeOwnRemoval;
 
     if (!state) {
-        if (record == nullptr || !saysMissing(error))
+        if (!saysMissing(error))
+            return {.difference = Finding::Unreadable};
+        if (record == nullptr)
             return {};
         // With the whole folder gone or replaced, nobody can say that it was this process who removed the
         // item.
@@ -151,9 +154,11 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
                            std::uint32_t walk)
 {
     const std::lock_guard lock(m_mutex);
-    Inventory::Names &names = m_inventory.namesForUpdate(directory);
-    const auto found = names.find(name);
-    if (found == names.end())
+    Inventory::Names *names = m_inventory.names(directory);
+    if (names == nullptr)
+        return false;
+    const auto found = names->find(name);
+    if (found == names->end())
         return false;
     Inventory::Record &record = found->second;
     record.walk = walk;
@@ -208,7 +213,7 @@ void FolderInventory::removeWithDescendants(std::string_view path)
 
 std::optional<FileState> FolderInventory::readState(std::string_view path, std::error_code &error) const
 {
-    return readFileState((m_folder + '/' + std::string(path)).c_str(), error);
+    return readFileStateBelow(m_folder, path, error);
 }
 
 } // namespace vantle

@@ -28,7 +28,7 @@ struct ChangedPath
 /// What a look at a path brought to light.
 struct Finding
 {
-    enum Difference { None, Added, Updated, Missing };
+    enum Difference { None, Added, Updated, Missing, Unreadable };
 
     Difference difference = None;
     bool isDirectory = false;

@@ -35,6 +35,11 @@ DirectoryStream openDirectory(const std::string &path, bool isFolderItself, std:
     return stream;
 }
 
+bool saysShortage(const std::error_code &error)
+{
+    return error.value() == EMFILE || error.value() == ENFILE || error.value() == ENOMEM;
+}
+
 struct Entry
 {
     std::string name;
@@ -121,6 +126,8 @@ public:
             m_toRead.pop_back();
             if (m_visitor.cancelled() || !readDirectory(directory))
                 return WalkResult::Stopped;
+            if (m_starved)
+                return WalkResult::Starved;
         }
         return WalkResult::Complete;
     }
@@ -134,6 +141,7 @@ private:
         if (!stream) {
             if (saysMissing(error))
                 return true; // gone since it was found
+            m_starved = saysShortage(error);
             return m_visitor.shouldContinue(error, path);
         }
         if (const std::error_code unwatched = m_visitor.willReadDirectory(directory, dirfd(stream.get()));
@@ -165,6 +173,7 @@ private:
         }
         if (!visitAll(directory, before))
             return false;
+        m_starved = saysShortage(error);
         return !error || saysMissing(error) || m_visitor.shouldContinue(error, path);
     }
 
@@ -190,6 +199,7 @@ private:
     const unsigned m_options;
     FolderWalkVisitor &m_visitor;
     std::vector<std::string> m_toRead;
+    bool m_starved = false;
 };
 
 } // namespace

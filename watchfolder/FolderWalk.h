@@ -30,7 +30,11 @@ public:
     virtual bool shouldContinue(const std::error_code &error, const std::string &path) = 0;
 };
 
-enum class WalkResult { Complete, Stopped };
+enum class WalkResult {
+    Complete,
+    Stopped, ///< by the visitor
+    Starved, ///< descriptors or memory ran out: what is missing can be read later
+};
 
 /// Reads a directory of the folder and, unless the options skip them, those below it. Links are not followed;
 /// the directories are read one after the other, so that depth costs no descriptors.

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/OpenFileProbe.h"
 
+#include "watchfolder/Descriptor.h"
 #include "watchfolder/FileState.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 
 namespace vantle {
@@ -14,17 +15,18 @@ namespace {
 
 // A read lease is granted only while nobody has the file open for writing. It is given back at once; should
 // somebody open the file in between, the kernel's notice is a signal that is ignored by default.
-bool hasNoWriter(const std::string &path)
+enum class Writer { None, Some, Unknown };
+
+Writer writerOf(const std::string &path)
 {
-    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (file < 0)
-        return false;
-    fcntl(file, F_SETSIG, SIGURG);
-    const bool granted = fcntl(file, F_SETLEASE, F_RDLCK) == 0;
-    if (granted)
-        fcntl(file, F_SETLEASE, F_UNLCK);
-    close(file);
-    return granted;
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen())
+        return Writer::Unknown;
+    fcntl(file.get(), F_SETSIG, SIGURG);
+    if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0)
+        return errno == EAGAIN ? Writer::Some : Writer::Unknown;
+    fcntl(file.get(), F_SETLEASE, F_UNLCK);
+    return Writer::None;
 }
 
 } // namespace
@@ -33,9 +35,14 @@ OpenFile probeOpenFile(const std::string &path)
 {
     std::error_code error;
     const auto state = readFileState(path.c_str(), error);
-    if (!state || !state->isRegular || state->hasOtherLinks || hasNoWriter(path))
+    if (!state || !state->isRegular || state->hasOtherLinks)
         return OpenFile::Complete;
-    return state->size == 0 ? OpenFile::Empty : OpenFile::Written;
+    const Writer writer = writerOf(path);
+    if (writer == Writer::None)
+        return OpenFile::Complete;
+    if (state->size > 0)
+        return OpenFile::Written;
+    return writer == Writer::Some ? OpenFile::Empty : OpenFile::Unknown;
 }
 
 } // namespace vantle

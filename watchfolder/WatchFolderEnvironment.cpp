@@ -4,7 +4,7 @@
 #include "watchfolder/NativePath.h"
 #include "watchfolder/RunLoop.h"
 
-#include <QTimer>
+#include <QtCore/QTimer>
 
 #include <sys/statfs.h>
 
