@@ -47,12 +47,15 @@ public:
         // The descriptor, and not the path, so that mark and handle are of the same directory whatever
         // happens meanwhile.
         const std::string pathOfDescriptor = "/proc/self/fd/" + std::to_string(descriptor);
+        std::error_code error;
         if (fanotify_mark(m_queue.get(), FAN_MARK_ADD | FAN_MARK_ONLYDIR,
                           eventsForRole(role) | FAN_ONDIR | FAN_EVENT_ON_CHILD, AT_FDCWD,
                           pathOfDescriptor.c_str()) != 0)
-            return {errno, std::system_category()};
-        m_directories.add(key, path, role);
-        return {};
+            error.assign(errno, std::system_category());
+        // The parent's mark tells of a new mode of one that is closed, and calls it by its handle.
+        if (!error || error.value() == EACCES)
+            m_directories.add(key, path, role);
+        return error;
     }
 
     // The kernel's marks stay until the directories are gone, since they can't be addressed without their new

@@ -190,6 +190,11 @@ void KernelEventStream::handle(const KernelQueue::Record &record, PendingEvents:
     }
     if (record.directory == nullptr)
         return;
+    if (record.role == WatchRole::Below && record.name.empty() && (record.mask & IN_ATTRIB)) {
+        const SplitPath path = splitPath(*record.directory); // fanotify has a directory's mode from itself
+        m_pending.note(path.directory, path.name, IN_ATTRIB | IN_ISDIR, record.own, now);
+        return;
+    }
     if (record.role == WatchRole::Parent || record.role == WatchRole::Ancestor || record.name.empty()) {
         // Of these only what may take the folder away is asked for, and its mode: a folder that can't be read
         // is known to whoever compares.

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/SessionWalk.h"
 
+#include "watchfolder/Descriptor.h"
 #include "watchfolder/NativePath.h"
+
+#include <fcntl.h>
 
 #include <cerrno>
 
@@ -33,8 +36,14 @@ std::error_code SessionWalk::willReadDirectory(const std::string &directory, int
 
 bool SessionWalk::shouldContinue(const std::error_code &error, const std::string &path)
 {
-    if (error.value() == EACCES)
-        m_closed.push_back(path.substr(std::min(path.size(), m_core.folder.size() + 1)));
+    if (error.value() == EACCES) {
+        std::string closed = path.substr(std::min(path.size(), m_core.folder.size() + 1));
+        // What is marked above a directory may tell of its mode by what the kernel calls it.
+        const Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (directory.isOpen())
+            willReadDirectory(closed, directory.get());
+        m_closed.push_back(std::move(closed));
+    }
     return m_report.shouldContinue(error, path);
 }
 
