@@ -8,11 +8,13 @@
 
 namespace vantle {
 
-std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error)
+std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error,
+                                       Freshness freshness)
 {
     constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_INO | STATX_SIZE | STATX_NLINK;
     struct statx found = {};
-    const int flags = AT_NO_AUTOMOUNT | (follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0);
+    const int flags = AT_NO_AUTOMOUNT | (follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0) |
+                      (freshness == Freshness::FromServer ? AT_STATX_FORCE_SYNC : 0);
     if (statx(directory, name, flags, wanted, &found) != 0) {
         error.assign(errno, std::system_category());
         return std::nullopt;

@@ -2,6 +2,8 @@
 #include "watchfolder/FileSystemEventStream.h"
 
 #include "watchfolder/KernelEventStream.h"
+#include "watchfolder/SharedFolderEventStream.h"
+#include "watchfolder/WatchFolderEnvironment.h"
 
 #include <array>
 
@@ -21,7 +23,11 @@ startKernelEventStream(const FileSystemEventStream::Configuration &configuration
     for (const Kernel &kernel : kernels) {
         if (backend != WatchBackend::Automatic && backend != kernel.backend)
             continue;
-        auto stream = std::make_shared<KernelEventStream>(configuration, kernel.backend, kernel.open);
+        std::shared_ptr<FileSystemEventStream> stream =
+            std::make_shared<KernelEventStream>(configuration, kernel.backend, kernel.open);
+        if (isSharedFileSystem(configuration.fileSystemType))
+            stream = std::make_shared<SharedFolderEventStream>(configuration, std::move(stream),
+                                                               SharedFolderEventStream::Intervals());
         error = stream->start();
         if (!error)
             return stream;

@@ -71,7 +71,8 @@ bool readNames(DIR *stream, std::vector<Entry> &entries, std::error_code &error)
 class StatesReading
 {
 public:
-    StatesReading(int directory, std::vector<Entry> &entries) : m_directory(directory), m_entries(entries)
+    StatesReading(int directory, Freshness freshness, std::vector<Entry> &entries)
+        : m_directory(directory), m_freshness(freshness), m_entries(entries)
     {
         if (entries.size() < kEntriesForTwoThreads || std::thread::hardware_concurrency() < 2)
             return;
@@ -99,12 +100,14 @@ private:
         for (std::size_t begin; (begin = m_next.fetch_add(kChunk)) < m_entries.size();) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, m_entries.size()); ++i) {
                 Entry &entry = m_entries[i];
-                entry.state = readFileState(m_directory, entry.name.c_str(), Follow::No, entry.error);
+                entry.state =
+                    readFileState(m_directory, entry.name.c_str(), Follow::No, entry.error, m_freshness);
             }
         }
     }
 
     const int m_directory;
+    const Freshness m_freshness;
     std::vector<Entry> &m_entries;
     std::atomic<std::size_t> m_next = 0;
     std::jthread m_helper; // last: it ends before what it uses
@@ -154,6 +157,7 @@ private:
     {
         // While the states of one batch are read, the one before is visited and the names of the next are
         // read.
+        const auto freshness = m_options & AskServer ? Freshness::FromServer : Freshness::AsCached;
         std::vector<Entry> before;
         std::vector<Entry> entries;
         std::vector<Entry> next;
@@ -162,7 +166,7 @@ private:
         while (!entries.empty()) {
             if (m_visitor.cancelled())
                 return false;
-            StatesReading states(dirfd(stream), entries);
+            StatesReading states(dirfd(stream), freshness, entries);
             if (!visitAll(directory, before))
                 return false;
             next.clear();

@@ -13,6 +13,8 @@ enum EnumerationOption : unsigned {
     /// Kept for clients that ask; no directory counts as a package here.
     SkipPackageContents = 0x2,
     SkipSubdirectoryDescendants = 0x4,
+    /// Ask the server for each state, on file systems that have one.
+    AskServer = 0x8,
 };
 
 /// Hears what a walk meets. Paths are relative to the folder.

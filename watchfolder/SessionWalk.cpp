@@ -17,9 +17,9 @@ SessionWalk::SessionWalk(const WatchFolderCore &core, FolderInventory &inventory
 {
 }
 
-WalkResult SessionWalk::run(const std::string &directory)
+WalkResult SessionWalk::run(const std::string &directory, unsigned options)
 {
-    return walkFolder(m_core.folder, directory, m_core.enumerationOptions(), *this);
+    return walkFolder(m_core.folder, directory, m_core.enumerationOptions() | options, *this);
 }
 
 bool SessionWalk::cancelled() const

@@ -22,8 +22,9 @@ public:
     SessionWalk(const WatchFolderCore &core, FolderInventory &inventory, FileSystemEventStream &stream,
                 ChangeReport &report, Purpose purpose);
 
-    /// Walks one directory, "" for the folder, and what lies below it if that is watched.
-    WalkResult run(const std::string &directory);
+    /// Walks one directory, "" for the folder, and what lies below it if that is watched. The options come on
+    /// top of the watcher's.
+    WalkResult run(const std::string &directory, unsigned options);
 
     /// What was filled.
     Inventory takeInventory() { return std::move(m_inventory); }

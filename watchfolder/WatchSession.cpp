@@ -48,10 +48,15 @@ std::error_code WatchSession::openStream()
                 session->handleEvents(events);
         });
     };
+    const QString fileSystemType =
+        m_core->environment.fileSystemTypeName(displayPath(m_core->folderPath())).value_or(QString());
+    m_walkOptions = isSharedFileSystem(fileSystemType) ? AskServer : 0U;
     std::error_code error;
-    m_stream = m_core->environment.startStream(
-        {.folder = m_core->folder, .latency = m_core->latency, .callback = callback}, m_core->wantedBackend,
-        error);
+    m_stream = m_core->environment.startStream({.folder = m_core->folder,
+                                                .latency = m_core->latency,
+                                                .callback = callback,
+                                                .fileSystemType = fileSystemType},
+                                               m_core->wantedBackend, error);
     if (!m_stream)
         return error ? error : std::make_error_code(std::errc::io_error);
     m_ignoresSelf = m_stream->tellsOwnEvents() && m_core->ignoreSelf;
@@ -214,7 +219,7 @@ void WatchSession::enumerateFolder(const Cancelled &cancelled)
     inventory.beginReplacement();
     m_closed.clear();
     SessionWalk enumeration(*m_core, inventory, *m_stream, report, SessionWalk::Purpose::Fill);
-    const WalkResult result = enumeration.run({});
+    const WalkResult result = enumeration.run({}, m_walkOptions);
     if (enumeration.cancelled())
         return;
     // Half a list must not pass for the whole one.
@@ -252,7 +257,7 @@ void WatchSession::enumerateAndPerformChangesAtPath(const std::string &directory
     forgetClosedBelow(directory);
     SessionWalk found(*m_core, inventory, *m_stream, report, SessionWalk::Purpose::Compare);
     const WalkResult result =
-        m_core->deepWatch || directory.empty() ? found.run(directory) : WalkResult::Complete;
+        m_core->deepWatch || directory.empty() ? found.run(directory, m_walkOptions) : WalkResult::Complete;
     if (found.cancelled())
         return;
     if (result == WalkResult::Starved)

@@ -69,6 +69,7 @@ private:
     const std::shared_ptr<WorkingQueue> m_queue;
     std::shared_ptr<FileSystemEventStream> m_stream; // set by openStream
     bool m_ignoresSelf = false;                      // likewise
+    unsigned m_walkOptions = 0;                      // likewise
     const std::shared_ptr<std::atomic<bool>> m_ended = std::make_shared<std::atomic<bool>>(false);
     PendingDirectories m_pendingDirectories;
     std::atomic<bool> m_isWatching = false;
