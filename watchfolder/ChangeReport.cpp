@@ -9,9 +9,10 @@ namespace vantle {
 ChangeReport::ChangeReport(std::string folder, VRXWatchFolder *watchFolder,
                            std::shared_ptr<VRXWatchFolderDelegate> delegate,
                            const std::atomic<bool> &cancelled,
-                           std::shared_ptr<const std::atomic<bool>> stopped)
+                           std::shared_ptr<const std::atomic<bool>> stopped,
+                           VRXWatchFolderDelegate::EnumerationErrorHandler errorHandler)
     : m_folder(std::move(folder)), m_watchFolder(watchFolder), m_delegate(std::move(delegate)),
-      m_cancelled(cancelled), m_stopped(std::move(stopped))
+      m_cancelled(cancelled), m_stopped(std::move(stopped)), m_errorHandler(std::move(errorHandler))
 {
 }
 
@@ -65,8 +66,7 @@ void ChangeReport::didReload()
 
 bool ChangeReport::shouldContinue(const std::error_code &error, const std::string &absolutePath)
 {
-    return !canCall() || m_delegate->shouldContinueFileEnumerationForWatchFolder(
-                             m_watchFolder, error, urlForNativePath(absolutePath));
+    return *m_stopped || !m_errorHandler || m_errorHandler(urlForNativePath(absolutePath), error);
 }
 
 } // namespace vantle

@@ -17,13 +17,15 @@ class ChangeReport
 public:
     ChangeReport(std::string folder, VRXWatchFolder *watchFolder,
                  std::shared_ptr<VRXWatchFolderDelegate> delegate, const std::atomic<bool> &cancelled,
-                 std::shared_ptr<const std::atomic<bool>> stopped);
+                 std::shared_ptr<const std::atomic<bool>> stopped,
+                 VRXWatchFolderDelegate::EnumerationErrorHandler errorHandler);
     /// Lets go of the delegate on the main thread, where it may be destroyed.
     ~ChangeReport();
     ChangeReport(const ChangeReport &) = delete;
     ChangeReport &operator=(const ChangeReport &) = delete;
 
     bool cancelled() const { return m_cancelled || *m_stopped; }
+    bool stopped() const { return *m_stopped; }
 
     void added(const std::string &path, bool isDirectory);
     void updated(const std::string &path, bool isDirectory);
@@ -45,6 +47,7 @@ private:
     std::shared_ptr<VRXWatchFolderDelegate> m_delegate;
     const std::atomic<bool> &m_cancelled;
     const std::shared_ptr<const std::atomic<bool>> m_stopped;
+    const VRXWatchFolderDelegate::EnumerationErrorHandler m_errorHandler;
     QList<QUrl> m_added;
     QList<QUrl> m_updated;
     QList<QUrl> m_removed;

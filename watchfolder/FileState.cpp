@@ -36,9 +36,12 @@ std::optional<FileState> readState(int directory, const char *name, int flags, s
 
 } // namespace
 
-std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error)
+std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error,
+                                       Freshness freshness)
 {
-    return readState(directory, name, follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0, error);
+    const int flags = (follow == Follow::No ? AT_SYMLINK_NOFOLLOW : 0) |
+                      (freshness == Freshness::FromServer ? AT_STATX_FORCE_SYNC : 0);
+    return readState(directory, name, flags, error);
 }
 
 std::optional<FileState> readFileState(int descriptor, std::error_code &error)

@@ -33,10 +33,12 @@ inline bool isSameContent(const FileState &a, const FileState &b)
 }
 
 enum class Follow { No, Links };
+/// A client of a server may answer from what it has heard a while ago, unless it has to ask.
+enum class Freshness { AsCached, FromServer };
 
 /// None with the error set when the state can't be read.
-std::optional<FileState> readFileState(int directory, const char *name, Follow follow,
-                                       std::error_code &error);
+std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error,
+                                       Freshness freshness = Freshness::AsCached);
 std::optional<FileState> readFileState(const char *path, std::error_code &error);
 /// Of an open file.
 std::optional<FileState> readFileState(int descriptor, std::error_code &error);

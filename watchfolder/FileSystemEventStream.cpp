@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/FileSystemEventStream.h"
 
-#include "watchfolder/FanotifyEventStream.h"
-#include "watchfolder/InotifyEventStream.h"
+#include "watchfolder/KernelEventStream.h"
+#include "watchfolder/SharedFolderEventStream.h"
+#include "watchfolder/WatchFolderEnvironment.h"
+
+#include <array>
 
 namespace vantle {
 
@@ -10,17 +13,26 @@ std::shared_ptr<FileSystemEventStream>
 startKernelEventStream(const FileSystemEventStream::Configuration &configuration, WatchBackend backend,
                        std::error_code &error)
 {
-    if (backend != WatchBackend::Inotify) {
-        auto stream = std::make_shared<FanotifyEventStream>(configuration);
+    struct Kernel
+    {
+        WatchBackend backend;
+        std::unique_ptr<KernelQueue> (*open)(std::error_code &);
+    };
+    constexpr std::array kernels = {Kernel{WatchBackend::Fanotify, openFanotifyQueue},
+                                    Kernel{WatchBackend::Inotify, openInotifyQueue}};
+    for (const Kernel &kernel : kernels) {
+        if (backend != WatchBackend::Automatic && backend != kernel.backend)
+            continue;
+        std::shared_ptr<FileSystemEventStream> stream =
+            std::make_shared<KernelEventStream>(configuration, kernel.backend, kernel.open);
+        if (isSharedFileSystem(configuration.fileSystemType))
+            stream = std::make_shared<SharedFolderEventStream>(configuration, std::move(stream),
+                                                               SharedFolderEventStream::Intervals());
         error = stream->start();
         if (!error)
             return stream;
-        if (backend == WatchBackend::Fanotify)
-            return nullptr;
     }
-    auto stream = std::make_shared<InotifyEventStream>(configuration);
-    error = stream->start();
-    return error ? nullptr : stream;
+    return nullptr;
 }
 
 QString backendName(WatchBackend backend)

@@ -37,6 +37,9 @@ public:
         /// How long events are collected before the callback gets them.
         std::chrono::milliseconds latency{1000};
         Callback callback; ///< gets the events
+        /// As WatchFolderEnvironment names it; empty for one that nothing is known of. Decides whether other
+        /// machines may change the folder.
+        QString fileSystemType = {};
     };
 
     virtual ~FileSystemEventStream() = default;
@@ -54,6 +57,9 @@ public:
     /// the event loop of the stream. Never calls it when the stream is stopped before that.
     virtual void flush(std::function<void()> done) = 0;
 
+    /// Hears how long the last comparison of the whole folder took, for sources that ask for some themselves.
+    virtual void comparisonTook(std::chrono::milliseconds) {}
+
     /// True when events that this process alone caused carry OwnEvent.
     virtual bool tellsOwnEvents() const = 0;
     /// Never Automatic.
@@ -66,7 +72,8 @@ public:
 using EventStreamFactory = std::function<std::shared_ptr<FileSystemEventStream>(
     const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &)>;
 
-/// Makes and starts a kernel event stream. None, with the error, when that is not possible.
+/// Makes and starts a kernel event stream, with a look at the folder now and then where other machines may
+/// change it. None, with the error, when that is not possible.
 VANTLE_WATCHFOLDER_EXPORT std::shared_ptr<FileSystemEventStream>
 startKernelEventStream(const FileSystemEventStream::Configuration &, WatchBackend, std::error_code &error);
 

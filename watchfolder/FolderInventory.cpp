@@ -2,6 +2,7 @@
 #include "watchfolder/FolderInventory.h"
 
 #include "watchfolder/NativePath.h"
+#include "watchfolder/StateBelow.h"
 
 #include <algorithm>
 #include <utility>
@@ -80,6 +81,7 @@ Finding FolderInventory::judge(const ChangedPath &changed, LookCause cause,
     }
     const LookMeaning meaning = meaningOfLook(cause, known, found);
     const Finding finding{.report = meaning.report,
+                          .isUnreadable = found == OnDisk::unreadable,
                           .isDirectory = state && state->isDirectory,
                           .wasDirectory = record != nullptr && record->state.isDirectory};
     if (state && record != nullptr) {
@@ -222,9 +224,11 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
                            std::uint32_t walk)
 {
     const std::lock_guard lock(m_mutex);
-    Inventory::Names &names = m_inventory.namesForUpdate(directory);
-    const auto found = names.find(name);
-    if (found == names.end())
+    Inventory::Names *names = m_inventory.names(directory);
+    if (names == nullptr)
+        return false;
+    const auto found = names->find(name);
+    if (found == names->end())
         return false;
     Inventory::Record &record = found->second;
     record.walk = walk;
@@ -280,7 +284,7 @@ void FolderInventory::removeWithDescendants(std::string_view path)
 
 std::optional<FileState> FolderInventory::readState(std::string_view path, std::error_code &error) const
 {
-    return readFileState((m_folder + '/' + std::string(path)).c_str(), error);
+    return readFileStateBelow(m_folder, path, error);
 }
 
 } // namespace vantle

@@ -22,6 +22,8 @@ struct ChangedPath
 struct Finding
 {
     Report report = Report::none;
+    /// It could not be looked at: nothing is known of it until a mode changes.
+    bool isUnreadable = false;
     bool isDirectory = false;
     bool wasDirectory = false;
 };

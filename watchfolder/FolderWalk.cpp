@@ -35,6 +35,11 @@ DirectoryStream openDirectory(const std::string &path, bool isFolderItself, std:
     return stream;
 }
 
+bool saysShortage(const std::error_code &error)
+{
+    return error.value() == EMFILE || error.value() == ENFILE || error.value() == ENOMEM;
+}
+
 struct Entry
 {
     std::string name;
@@ -66,7 +71,8 @@ bool readNames(DIR *stream, std::vector<Entry> &entries, std::error_code &error)
 class StatesReading
 {
 public:
-    StatesReading(int directory, std::vector<Entry> &entries) : m_directory(directory), m_entries(entries)
+    StatesReading(int directory, Freshness freshness, std::vector<Entry> &entries)
+        : m_directory(directory), m_freshness(freshness), m_entries(entries)
     {
         if (entries.size() < kEntriesForTwoThreads || std::thread::hardware_concurrency() < 2)
             return;
@@ -94,12 +100,14 @@ private:
         for (std::size_t begin; (begin = m_next.fetch_add(kChunk)) < m_entries.size();) {
             for (std::size_t i = begin; i < std::min(begin + kChunk, m_entries.size()); ++i) {
                 Entry &entry = m_entries[i];
-                entry.state = readFileState(m_directory, entry.name.c_str(), Follow::No, entry.error);
+                entry.state =
+                    readFileState(m_directory, entry.name.c_str(), Follow::No, entry.error, m_freshness);
             }
         }
     }
 
     const int m_directory;
+    const Freshness m_freshness;
     std::vector<Entry> &m_entries;
     std::atomic<std::size_t> m_next = 0;
     std::jthread m_helper; // last: it ends before what it uses
@@ -121,6 +129,8 @@ public:
             m_toRead.pop_back();
             if (m_visitor.cancelled() || !readDirectory(directory))
                 return WalkResult::Stopped;
+            if (m_starved)
+                return WalkResult::Starved;
         }
         return WalkResult::Complete;
     }
@@ -134,6 +144,7 @@ private:
         if (!stream) {
             if (saysMissing(error))
                 return true; // gone since it was found
+            m_starved = saysShortage(error);
             return m_visitor.shouldContinue(error, path);
         }
         if (const std::error_code unwatched = m_visitor.willReadDirectory(directory, dirfd(stream.get()));
@@ -146,6 +157,7 @@ private:
     {
         // While the states of one batch are read, the one before is visited and the names of the next are
         // read.
+        const auto freshness = m_options & AskServer ? Freshness::FromServer : Freshness::AsCached;
         std::vector<Entry> before;
         std::vector<Entry> entries;
         std::vector<Entry> next;
@@ -154,7 +166,7 @@ private:
         while (!entries.empty()) {
             if (m_visitor.cancelled())
                 return false;
-            StatesReading states(dirfd(stream), entries);
+            StatesReading states(dirfd(stream), freshness, entries);
             if (!visitAll(directory, before))
                 return false;
             next.clear();
@@ -165,6 +177,7 @@ private:
         }
         if (!visitAll(directory, before))
             return false;
+        m_starved = saysShortage(error);
         return !error || saysMissing(error) || m_visitor.shouldContinue(error, path);
     }
 
@@ -190,6 +203,7 @@ private:
     const unsigned m_options;
     FolderWalkVisitor &m_visitor;
     std::vector<std::string> m_toRead;
+    bool m_starved = false;
 };
 
 } // namespace

@@ -13,6 +13,8 @@ enum EnumerationOption : unsigned {
     /// Kept for clients that ask; no directory counts as a package here.
     SkipPackageContents = 0x2,
     SkipSubdirectoryDescendants = 0x4,
+    /// Ask the server for each state, on file systems that have one.
+    AskServer = 0x8,
 };
 
 /// Hears what a walk meets. Paths are relative to the folder.
@@ -30,7 +32,11 @@ public:
     virtual bool shouldContinue(const std::error_code &error, const std::string &path) = 0;
 };
 
-enum class WalkResult { Complete, Stopped };
+enum class WalkResult {
+    Complete,
+    Stopped, ///< by the visitor
+    Starved, ///< descriptors or memory ran out: what is missing can be read later
+};
 
 /// Reads a directory of the folder and, unless the options skip them, those below it. Links are not followed;
 /// the directories are read one after the other, so that depth costs no descriptors.

@@ -26,6 +26,11 @@ const Inventory::Names *Inventory::names(std::string_view directory) const
     return found == m_directories.end() ? nullptr : &found->second;
 }
 
+Inventory::Names *Inventory::names(std::string_view directory)
+{
+    return const_cast<Names *>(std::as_const(*this).names(directory));
+}
+
 std::vector<std::string> Inventory::pathsBelow(std::string_view directory) const
 {
     std::vector<std::string> paths;

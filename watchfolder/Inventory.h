@@ -39,6 +39,7 @@ public:
     bool empty() const { return m_directories.empty(); }
     /// The names in a directory, or none.
     const Names *names(std::string_view directory) const;
+    Names *names(std::string_view directory);
     /// Every inventoried path that lies below a directory (without the directory itself).
     std::vector<std::string> pathsBelow(std::string_view directory) const;
     void forEach(const std::function<void(const std::string &path, const Record &record)> &visit) const;

@@ -3,7 +3,7 @@
 
 #include "watchfolder/NativePath.h"
 
-#include <QMimeDatabase>
+#include <QtCore/QMimeDatabase>
 
 #include <algorithm>
 

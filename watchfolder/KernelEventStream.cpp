@@ -2,15 +2,15 @@
 #include "watchfolder/KernelEventStream.h"
 
 #include "watchfolder/KernelEventTable.h"
+#include "watchfolder/NativePath.h"
+#include "watchfolder/WayToFolder.h"
 
-#include <QDebug>
+#include <QtCore/QDebug>
 
 #include <fcntl.h>
 #include <sys/inotify.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
 
 namespace vantle {
 
@@ -19,134 +19,100 @@ namespace {
 using std::chrono::milliseconds;
 
 // A folder that is replaced is briefly missing; only one that stays away for this long is reported.
-constexpr milliseconds missingGrace{250};
+constexpr milliseconds kMissingGrace{250};
 // How often a missing folder is looked for. Nothing is polled while it is there.
-constexpr milliseconds missingPoll{500};
+constexpr milliseconds kMissingPoll{500};
 
 } // namespace
 
-KernelEventStream::KernelEventStream(Configuration configuration)
-    : m_configuration(std::move(configuration)), m_pending(probeOpenFile)
+KernelEventStream::KernelEventStream(Configuration configuration, WatchBackend backend,
+                                     OpenKernelQueue openQueue)
+    : m_configuration(std::move(configuration)), m_backend(backend), m_openQueue(std::move(openQueue)),
+      m_pending(probeOpenFile)
 {
 }
 
-KernelEventStream::~KernelEventStream() = default;
+KernelEventStream::~KernelEventStream()
+{
+    stop();
+}
 
 std::error_code KernelEventStream::start()
 {
+    // The first event may come, on another thread, before this returns.
+    const std::lock_guard lock(m_marksMutex);
     m_loop = RunLoop::current();
-    return openFolder();
+    if (const std::error_code error = openFolderLocked())
+        return error;
+    try {
+        m_reader = std::make_unique<KernelQueueReader>(m_queue, [this] { arrived(); });
+    } catch (const std::system_error &error) {
+        return error.code();
+    }
+    return {};
 }
 
 void KernelEventStream::stop()
 {
-    m_loop->close();
-    const std::lock_guard lock(m_marksMutex);
-    m_reader.reset();
+    if (m_loop)
+        m_loop->close();
+    if (m_reader)
+        m_reader->stop();
 }
 
-void KernelEventStream::stopIfStarted()
+std::error_code KernelEventStream::openFolder()
 {
-    if (m_loop)
-        stop();
+    const std::lock_guard lock(m_marksMutex);
+    return openFolderLocked();
 }
 
 // Opens a new queue, so that whatever the old one had marked or still holds can't confuse: for the start, for
 // a folder that is back or was replaced, and after an overflow, when the paths of marks can't be relied on.
-std::error_code KernelEventStream::openFolder()
+// When that fails, the old queue goes on.
+std::error_code KernelEventStream::openFolderLocked()
 {
     const std::string path = folderPath();
-    try {
-        const Descriptor folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        std::error_code error(errno, std::system_category());
-        const auto state =
-            folder.isOpen() ? readFileState(AT_FDCWD, path.c_str(), Follow::Links, error) : std::nullopt;
-        if (!state)
-            return error;
+    const Descriptor folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::error_code error(errno, std::system_category());
+    const auto state =
+        folder.isOpen() ? readFileState(AT_FDCWD, path.c_str(), Follow::Links, error) : std::nullopt;
+    if (!state)
+        return error;
 
-        const std::lock_guard lock(m_marksMutex);
-        Descriptor queue = openQueue();
-        error.assign(errno, std::system_category());
-        if (!queue.isOpen())
-            return error;
-        if (const auto refused = mark(queue.get(), path, folder.get(), WatchRole::Folder))
-            return refused;
-        markAncestors(queue.get());
-        m_reader = nullptr;
-        m_reader = std::make_unique<KernelQueueReader>(std::move(queue), [this] { arrived(); });
-        m_drained = 0;
-        const std::lock_guard flushLock(m_flushMutex);
-        for (Flush &flush : m_flushes)
-            flush.drain = m_reader->requestDrain();
-        m_folder = state;
-        return {};
-    } catch (const std::system_error &error) {
-        return error.code();
-    }
+    std::shared_ptr<KernelQueue> queue = m_openQueue(error);
+    if (!queue)
+        return error;
+    if (const auto refused = queue->mark(path, folder.get(), WatchRole::Folder))
+        return refused;
+    markTheWay(*queue);
+    if (m_reader)
+        m_reader->replaceQueue(queue);
+    m_queue = std::move(queue);
+    m_folder = state;
+    m_mounts = mountsBelow(path);
+    return {};
 }
 
 // Marks that are refused for lack of rights are left out: such directories are rarely changed.
-void KernelEventStream::markAncestors(int queue)
+void KernelEventStream::markTheWay(KernelQueue &queue) const
 {
-    const auto markDirectory = [this, queue](const std::string &path, WatchRole role) {
+    for (const auto &[path, role] : directoriesOnTheWay(folderPath())) {
         const Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (directory.isOpen())
-            mark(queue, path, directory.get(), role);
-    };
-    char resolved[PATH_MAX];
-    if (realpath(folderPath().c_str(), resolved) == nullptr)
-        return;
-    for (std::string path = resolved; path.size() > 1;) {
-        path.resize(std::max<size_t>(path.rfind('/'), 1));
-        markDirectory(path, WatchRole::Ancestor);
+            queue.mark(path, directory.get(), role);
     }
-    // Each place where a name on the way to the folder can be given to something else: the folder's own, and
-    // links'.
-    for (std::string path = folderPath(); path.size() > 1;) {
-        const std::string parent = path.substr(0, std::max<size_t>(path.rfind('/'), 1));
-        char target = 0;
-        if (path == m_configuration.folder || readlink(path.c_str(), &target, 1) > 0)
-            markDirectory(parent, WatchRole::Parent);
-        path = parent;
-    }
-}
-
-quint32 KernelEventStream::eventsForRole(WatchRole role)
-{
-    switch (role) {
-    case WatchRole::Folder:
-        return watchedEvents | selfEvents;
-    case WatchRole::Below:
-        return watchedEvents;
-    case WatchRole::Parent:
-        return selfEvents | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
-    case WatchRole::Ancestor:
-        return selfEvents;
-    }
-    return 0;
 }
 
 std::error_code KernelEventStream::watchDirectory(const std::string &path, int descriptor)
 {
     const std::lock_guard lock(m_marksMutex);
-    if (!m_reader || path == folderPath())
-        return {};
-    return mark(m_reader->descriptor(), path, descriptor, WatchRole::Below);
+    return path == folderPath() ? std::error_code() : m_queue->mark(path, descriptor, WatchRole::Below);
 }
 
 void KernelEventStream::flush(std::function<void()> done)
 {
-    const std::lock_guard lock(m_marksMutex);
-    const std::lock_guard flushLock(m_flushMutex);
-    if (m_reader)
-        m_flushes.push_back({m_reader->requestDrain(), std::move(done)});
-}
-
-void KernelEventStream::setReaderHeld(bool held)
-{
-    const std::lock_guard lock(m_marksMutex);
-    if (m_reader)
-        m_reader->setHeld(held);
+    const std::lock_guard lock(m_flushMutex);
+    m_flushes.push_back({m_reader->requestDrain(), std::move(done)});
 }
 
 QString KernelEventStream::description() const
@@ -173,9 +139,15 @@ void KernelEventStream::arrived()
 void KernelEventStream::deliver(Urgency urgency)
 {
     m_scheduled = false;
-    readBatch();
-    checkFolder(urgency);
-    checkOverflow(urgency);
+    const Heard heard = readBatch();
+    if (heard.doubt || heard.mountsChanged)
+        apply(PresenceInput::doubt);
+    if (heard.mountsChanged)
+        tellOfMounts();
+    if (heard.overflow)
+        apply(PresenceInput::overflow);
+    if (urgency == Urgency::Now)
+        apply(PresenceInput::flush);
     deliverPending(urgency);
     finishFlushes();
 }
@@ -195,45 +167,58 @@ void KernelEventStream::finishFlushes()
         flush.done();
 }
 
-void KernelEventStream::readBatch()
+KernelEventStream::Heard KernelEventStream::readBatch()
 {
     const std::lock_guard lock(m_marksMutex);
-    KernelQueueReader::Batch batch = m_reader->take();
+    const KernelQueueReader::Batch batch = m_reader->take();
     m_drained = batch.drained;
-    m_overflowed = m_overflowed || batch.dropped;
-    m_folderIsSuspect = m_folderIsSuspect || batch.mountsChanged;
-    if (!parse(batch.bytes))
-        m_overflowed = true; // what can't be read is as good as dropped
+    Heard heard{.overflow = batch.dropped, .mountsChanged = batch.mountsChanged};
+    const auto now = PendingEvents::Clock::now();
+    // What can't be read is as good as dropped.
+    if (!m_queue->parse(batch.bytes, [this, now, &heard](const auto &record) { handle(record, now, heard); }))
+        heard.overflow = true;
+    return heard;
 }
 
 // Under m_marksMutex.
-void KernelEventStream::handle(const Record &record)
+void KernelEventStream::handle(const KernelQueue::Record &record, PendingEvents::Clock::time_point now,
+                               Heard &heard)
 {
     if (record.mask & IN_Q_OVERFLOW) {
-        m_overflowed = true;
+        heard.overflow = true;
         return;
     }
     if (record.directory == nullptr)
         return;
+    if (record.role == WatchRole::Below && record.name.empty() && (record.mask & IN_ATTRIB)) {
+        const SplitPath path = splitPath(*record.directory); // fanotify has a directory's mode from itself
+        m_pending.note(path.directory, path.name, IN_ATTRIB | IN_ISDIR, record.own, now);
+        return;
+    }
     if (record.role == WatchRole::Parent || record.role == WatchRole::Ancestor || record.name.empty()) {
-        // Of these only what may take the folder away is asked for, and its mode, which does not matter.
+        // Of these only what may take the folder away is asked for, and its mode: a folder that can't be read
+        // is known to whoever compares.
         constexpr quint32 takingAway = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_DELETE | IN_MOVE;
-        m_folderIsSuspect =
-            m_folderIsSuspect || (record.role != WatchRole::Below && (record.mask & takingAway));
+        heard.doubt = heard.doubt || (record.role != WatchRole::Below && (record.mask & takingAway));
         return;
     }
     if (isDirectoryEvent(record.mask) && (record.mask & departingEvents))
-        forgetTree(m_reader->descriptor(), joinPath(*record.directory, record.name));
+        m_queue->forgetTree(joinPath(*record.directory, record.name));
     // The directory of the root is "/" and joins its names without another slash.
     const std::string_view directory = *record.directory;
-    m_pending.note(directory == "/" ? std::string_view() : directory, record.name, record.mask, record.own);
+    m_pending.note(directory == "/" ? std::string_view() : directory, record.name, record.mask, record.own,
+                   now);
 }
 
 void KernelEventStream::deliverPending(Urgency urgency)
 {
-    auto events = m_pending.take(urgency == Urgency::Now);
-    if (m_pending.wantsSecondLook())
-        arrived();
+    auto events = m_pending.take(urgency == Urgency::Now, PendingEvents::Clock::now());
+    if (const auto delay = m_pending.nextLook(); delay && !std::exchange(m_lookScheduled, true))
+        m_loop->postDelayed(
+            std::max(m_configuration.latency, std::chrono::ceil<milliseconds>(*delay)), [this] {
+                m_lookScheduled = false;
+                deliver(Urgency::Latency); // with what came meanwhile: the close of a file, say
+            });
     if (!events.empty())
         m_configuration.callback(std::move(events));
 }
@@ -246,87 +231,75 @@ bool KernelEventStream::folderIsAtItsPath() const
            state->device == m_folder->device;
 }
 
-void KernelEventStream::checkFolder(Urgency urgency)
+void KernelEventStream::apply(PresenceInput input)
 {
-    if (m_waitingForFolder && urgency == Urgency::Now)
-        lookForFolder();
-    if (!std::exchange(m_folderIsSuspect, false) || m_waitingForFolder || folderIsAtItsPath())
-        return;
-    if (!openFolder()) {
-        folderChanged();
-        return;
+    const PresenceStep step = afterInput(m_presence, input);
+    m_presence = step.next;
+    if (step.tell == PresenceStep::rootChanged) {
+        m_pending.clear();
+        tell(folderPath(), RootChanged);
+    } else if (step.tell == PresenceStep::eventsLost) {
+        tell(folderPath(), MustScanSubDirs | KernelDropped | ItemIsDir);
     }
-    m_waitingForFolder = true;
-    m_reportedMissing = false;
-    if (urgency == Urgency::Now)
-        lookForFolder();
-    else
-        lookForFolderLater(missingGrace);
-}
-
-void KernelEventStream::lookForFolderLater(milliseconds delay)
-{
-    if (!std::exchange(m_lookScheduled, true))
-        m_loop->postDelayed(delay, [this] {
-            m_lookScheduled = false;
-            lookForFolder();
-        });
-}
-
-void KernelEventStream::lookForFolder()
-{
-    if (!m_waitingForFolder)
+    switch (step.action) {
+    case PresenceStep::rest:
         return;
+    case PresenceStep::look:
+        if (folderIsAtItsPath())
+            return apply(PresenceInput::same);
+        return reopen();
+    case PresenceStep::reopen:
+        return reopen();
+    case PresenceStep::waitBriefly:
+        return applyLater(kMissingGrace);
+    case PresenceStep::waitLong:
+        return applyLater(kMissingPoll);
+    case PresenceStep::waitForQuiet:
+        return applyLater(m_backoff.nextDelay(RescanBackoff::Clock::now()));
+    }
+}
+
+void KernelEventStream::reopen()
+{
     const std::error_code error = openFolder();
-    if (!error) {
-        m_waitingForFolder = false;
-        folderChanged();
-        return;
-    }
-    const bool isFirst = !std::exchange(m_reportedMissing, true);
-    if (isFirst && !saysMissing(error))
+    if (!error)
+        return apply(PresenceInput::opened);
+    if (saysMissing(error))
+        return apply(PresenceInput::absent);
+    if (m_presence == FolderPresence::missing)
         qWarning().noquote() << "WatchFolder:" << displayPath(folderPath())
                              << QString::fromStdString(error.message());
-    // Said again at each look: the folder may have been back for a moment in between, and some of it may have
-    // been met.
-    if (isFirst || saysMissing(error))
-        emitFolderEvent(RootChanged);
-    lookForFolderLater(missingPoll);
+    apply(PresenceInput::refused);
 }
 
-void KernelEventStream::folderChanged()
+void KernelEventStream::applyLater(milliseconds delay)
 {
-    m_pending.clear();
-    m_overflowed = m_rescanScheduled = false;
-    emitFolderEvent(RootChanged);
+    m_loop->postDelayed(delay, [this, wait = ++m_lastWait] {
+        if (wait == m_lastWait)
+            apply(PresenceInput::due);
+    });
 }
 
-void KernelEventStream::checkOverflow(Urgency urgency)
+// What is mounted on a directory below, or was there all the time under what is unmounted, is all new.
+void KernelEventStream::tellOfMounts()
 {
-    if (std::exchange(m_overflowed, false) && !m_rescanScheduled) {
-        m_rescanScheduled = true;
-        m_loop->postDelayed(m_backoff.nextDelay(RescanBackoff::Clock::now()), [this] { rescan(); });
-    }
-    if (urgency == Urgency::Now)
-        rescan();
+    auto mounts = mountsBelow(folderPath());
+    mounts.swap(m_mounts);
+    const auto tellOfThoseNotIn = [this](const auto &others, const auto &these, quint32 flag) {
+        for (const auto &[path, number] : these) {
+            if (const auto other = others.find(path); other == others.end() || other->second != number)
+                tell(m_configuration.folder + '/' + path, flag | MustScanSubDirs | ItemIsDir);
+        }
+    };
+    tellOfThoseNotIn(m_mounts, mounts, Unmount);
+    tellOfThoseNotIn(mounts, m_mounts, Mount);
 }
 
-void KernelEventStream::rescan()
+void KernelEventStream::tell(const std::string &path, quint32 flags) const
 {
-    if (!std::exchange(m_rescanScheduled, false))
-        return;
-    if (openFolder()) {
-        // Gone meanwhile, or out of descriptors: tried again until it works.
-        m_waitingForFolder = true;
-        m_reportedMissing = false;
-        lookForFolderLater(missingPoll);
-    }
-    emitFolderEvent(MustScanSubDirs | KernelDropped | ItemIsDir);
-}
-
-void KernelEventStream::emitFolderEvent(quint32 flags)
-{
-    m_configuration.callback({VRXWatchFolderEvent(folderPath(), m_folder ? m_folder->inode : 0, flags, 0)});
+    const bool isFolder = path == folderPath();
+    m_configuration.callback(
+        {VRXWatchFolderEvent(path, isFolder && m_folder ? m_folder->inode : 0, flags, 0)});
 }
 
 } // namespace vantle

@@ -49,6 +49,21 @@ const quint32 departingEvents = IN_DELETE | IN_MOVED_FROM;
 const quint32 selfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
 const quint32 watchedEvents = allTranslated();
 
+quint32 eventsForRole(WatchRole role)
+{
+    switch (role) {
+    case WatchRole::Folder:
+        return watchedEvents | selfEvents;
+    case WatchRole::Below:
+        return watchedEvents;
+    case WatchRole::Parent:
+        return selfEvents | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+    case WatchRole::Ancestor:
+        return selfEvents;
+    }
+    return 0;
+}
+
 bool isDirectoryEvent(quint32 kernelMask)
 {
     return (kernelMask & IN_ISDIR) != 0;

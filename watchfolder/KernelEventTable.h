@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtGlobal>
+#include "watchfolder/WatchedDirectories.h"
+
+#include <QtCore/QtGlobal>
 
 // inotify and fanotify number their common events alike, so one table serves both.
 namespace vantle {
@@ -18,6 +20,9 @@ extern const quint32 selfEvents;
 
 /// What is watched in a directory of the tree, in the kernel's bits.
 extern const quint32 watchedEvents;
+
+/// The same for a directory of any role.
+quint32 eventsForRole(WatchRole role);
 
 bool isDirectoryEvent(quint32 kernelMask);
 

@@ -32,21 +32,38 @@ Descriptor openWakeDescriptor()
 
 } // namespace
 
-KernelQueueReader::KernelQueueReader(Descriptor queue, Arrived arrived)
-    : m_queue(std::move(queue)), m_wake(openWakeDescriptor()),
-      m_mounts(open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC)), m_arrived(std::move(arrived)),
-      m_thread([this] { run(); })
+KernelQueueReader::KernelQueueReader(std::shared_ptr<KernelQueue> queue, Arrived arrived)
+    : m_wake(openWakeDescriptor()), m_mounts(open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC)),
+      m_arrived(std::move(arrived)), m_queue(std::move(queue)), m_thread([this] { run(); })
 {
 }
 
 KernelQueueReader::~KernelQueueReader()
+{
+    stop();
+}
+
+void KernelQueueReader::stop()
 {
     {
         const std::lock_guard lock(m_mutex);
         m_stopping = true;
     }
     wake();
-    m_thread.join();
+    const std::lock_guard lock(m_stopMutex);
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void KernelQueueReader::replaceQueue(std::shared_ptr<KernelQueue> queue)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_queue.swap(queue);
+        m_batch.bytes.clear();
+        m_batch.dropped = false;
+    }
+    wake();
 }
 
 KernelQueueReader::Batch KernelQueueReader::take()
@@ -68,15 +85,6 @@ std::uint64_t KernelQueueReader::requestDrain()
     return number;
 }
 
-void KernelQueueReader::setHeld(bool held)
-{
-    {
-        const std::lock_guard lock(m_mutex);
-        m_held = held;
-    }
-    wake();
-}
-
 void KernelQueueReader::wake()
 {
     eventfd_write(m_wake.get(), 1);
@@ -85,38 +93,37 @@ void KernelQueueReader::wake()
 void KernelQueueReader::run()
 {
     bool napping = false;
+    std::shared_ptr<KernelQueue> queue;
     while (true) {
-        bool held = false;
-        std::uint64_t drain = 0;
-        bool drainIsNew = false;
         {
             const std::lock_guard lock(m_mutex);
             if (m_stopping)
                 return;
-            held = m_held;
+            queue = m_queue;
         }
         std::array<pollfd, 3> sources = {{{m_wake.get(), POLLIN, 0},
-                                          {held || napping ? -1 : m_queue.get(), POLLIN, 0},
+                                          {napping ? -1 : queue->descriptor(), POLLIN, 0},
                                           {m_mounts.get(), POLLPRI, 0}}};
         // An interrupted poll says nothing about the sources; the reads below are harmless then.
         poll(sources.data(), sources.size(), napping ? napMilliseconds : -1);
         eventfd_t ignored = 0;
         eventfd_read(m_wake.get(), &ignored);
+        std::uint64_t drain = 0;
         {
             const std::lock_guard lock(m_mutex);
             if (m_stopping)
                 return;
-            held = m_held;
+            queue = m_queue;
             drain = m_drainWanted;
         }
-        const bool came = !held && readAll();
+        const bool came = readAll(queue);
         const bool mountsChanged = (sources[2].revents & (POLLPRI | POLLERR)) != 0;
+        bool drainIsNew = false;
         {
             const std::lock_guard lock(m_mutex);
             m_batch.mountsChanged = m_batch.mountsChanged || mountsChanged;
-            drainIsNew = !held && m_batch.drained != drain;
-            if (!held)
-                m_batch.drained = drain;
+            drainIsNew = m_batch.drained != drain;
+            m_batch.drained = drain;
         }
         if (came || mountsChanged || drainIsNew)
             m_arrived();
@@ -125,31 +132,33 @@ void KernelQueueReader::run()
 }
 
 // Reads until the queue is empty; a read that leaves room has emptied it.
-bool KernelQueueReader::readAll()
+bool KernelQueueReader::readAll(const std::shared_ptr<KernelQueue> &queue)
 {
     static thread_local const auto buffer = std::make_unique<char[]>(readSize);
     bool came = false;
     while (true) {
-        const ssize_t size = read(m_queue.get(), buffer.get(), readSize);
+        const ssize_t size = queue->read(buffer.get(), readSize);
         if (size < 0 && errno == EINTR)
             continue;
         if (size <= 0)
             return came;
         came = true;
-        store(buffer.get(), static_cast<std::size_t>(size));
+        store(queue, {buffer.get(), static_cast<std::size_t>(size)});
         if (static_cast<std::size_t>(size) < readSize / 2)
             return true;
     }
 }
 
-void KernelQueueReader::store(const char *bytes, std::size_t size)
+void KernelQueueReader::store(const std::shared_ptr<KernelQueue> &queue, std::string_view bytes)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_batch.bytes.size() + size > mostBytes) {
+    if (queue != m_queue)
+        return;
+    if (m_batch.bytes.size() + bytes.size() > mostBytes) {
         m_batch.bytes.clear();
         m_batch.dropped = true;
     }
-    m_batch.bytes.append(bytes, size);
+    m_batch.bytes.append(bytes);
 }
 
 } // namespace vantle

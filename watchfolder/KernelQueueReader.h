@@ -2,18 +2,20 @@
 #pragma once
 
 #include "watchfolder/Descriptor.h"
+#include "watchfolder/KernelQueue.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 
 namespace vantle {
 
-/// Owns the descriptor of a kernel event queue and the thread that drains it. The thread only moves bytes, so
-/// that the queue stays empty however busy the rest of the process is. All functions may be called from any
-/// thread.
+/// The thread that drains a kernel event queue. It only moves bytes, so that the queue stays empty however
+/// busy the rest of the process is, and lasts from the start of watching to its end, so that a queue can be
+/// replaced when no thread is to be had. All functions may be called from any thread.
 class KernelQueueReader
 {
 public:
@@ -33,34 +35,35 @@ public:
     };
 
     /// Throws std::system_error when the process is out of descriptors or threads.
-    KernelQueueReader(Descriptor queue, Arrived arrived);
+    KernelQueueReader(std::shared_ptr<KernelQueue> queue, Arrived arrived);
     ~KernelQueueReader();
     KernelQueueReader(const KernelQueueReader &) = delete;
     KernelQueueReader &operator=(const KernelQueueReader &) = delete;
 
-    int descriptor() const { return m_queue.get(); }
+    /// Reads another queue from now on. What came from the one before and was not taken is dropped.
+    void replaceQueue(std::shared_ptr<KernelQueue> queue);
+    /// Ends the thread; may be called more than once, but not on it.
+    void stop();
     Batch take();
     /// Returns the number of the drain; take() says when it is done.
     std::uint64_t requestDrain();
-    /// While held, the thread does not read and the kernel's queue fills: for tests of overflow.
-    void setHeld(bool held);
 
 private:
     void run();
-    bool readAll();
-    void store(const char *bytes, std::size_t size);
+    bool readAll(const std::shared_ptr<KernelQueue> &queue);
+    void store(const std::shared_ptr<KernelQueue> &queue, std::string_view bytes);
     void wake();
 
-    const Descriptor m_queue;
     const Descriptor m_wake;
     const Descriptor m_mounts;
     const Arrived m_arrived;
     std::mutex m_mutex;
+    std::shared_ptr<KernelQueue> m_queue;
     Batch m_batch;
     std::uint64_t m_drainWanted = 0;
-    bool m_held = false;
     bool m_stopping = false;
-    std::thread m_thread;
+    std::mutex m_stopMutex;
+    std::thread m_thread; // joined under m_stopMutex
 };
 
 } // namespace vantle

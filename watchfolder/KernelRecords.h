@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtGlobal>
+#include <QtCore/QtGlobal>
 
 #include <functional>
 #include <string_view>

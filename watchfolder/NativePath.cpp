@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/NativePath.h"
 
-#include <QFile>
-#include <QUtf8StringView>
+#include <QtCore/QFile>
+#include <QtCore/QUtf8StringView>
 
 namespace vantle {
 

@@ -3,8 +3,8 @@
 
 #include "watchfolder/Export.h"
 
-#include <QString>
-#include <QUrl>
+#include <QtCore/QString>
+#include <QtCore/QUrl>
 
 #include <string>
 #include <string_view>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/OpenFileProbe.h"
 
+#include "watchfolder/Descriptor.h"
 #include "watchfolder/FileState.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -15,25 +15,28 @@ namespace vantle {
 // somebody open the file in between, the kernel's notice is a signal that is ignored by default.
 Writer probeWriter(const std::string &path)
 {
-    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (file < 0)
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen())
         return Writer::Unknown;
-    fcntl(file, F_SETSIG, SIGURG);
-    const bool granted = fcntl(file, F_SETLEASE, F_RDLCK) == 0;
-    const bool isRefused = !granted && errno == EAGAIN;
-    if (granted)
-        fcntl(file, F_SETLEASE, F_UNLCK);
-    close(file);
-    return granted ? Writer::None : isRefused ? Writer::Some : Writer::Unknown;
+    fcntl(file.get(), F_SETSIG, SIGURG);
+    if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0)
+        return errno == EAGAIN ? Writer::Some : Writer::Unknown;
+    fcntl(file.get(), F_SETLEASE, F_UNLCK);
+    return Writer::None;
 }
 
 OpenFile probeOpenFile(const std::string &path)
 {
     std::error_code error;
     const auto state = readFileState(path.c_str(), error);
-    if (!state || !state->isRegular || state->hasOtherLinks || probeWriter(path) == Writer::None)
+    if (!state || !state->isRegular || state->hasOtherLinks)
         return OpenFile::Complete;
-    return state->size == 0 ? OpenFile::Empty : OpenFile::Written;
+    const Writer writer = probeWriter(path);
+    if (writer == Writer::None)
+        return OpenFile::Complete;
+    if (state->size > 0)
+        return OpenFile::Written;
+    return writer == Writer::Some ? OpenFile::Empty : OpenFile::Unknown;
 }
 
 } // namespace vantle

@@ -9,7 +9,8 @@ namespace vantle {
 
 enum class OpenFile {
     Complete, ///< nobody writes it: linked or moved in, or not a regular file, or gone
-    Empty,    ///< a writer may have it, nothing is in it yet
+    Empty,    ///< a writer has it, nothing is in it yet
+    Unknown,  ///< nothing is in it, and whether a writer has it can't be known: it is another user's
     Written,  ///< a writer may have it, and there is content
 };
 

@@ -10,14 +10,14 @@ OwnChange::OwnChange(OwnChange &&) noexcept = default;
 
 OwnChange::OwnChange(std::unique_ptr<State> state) : m_state(std::move(state))
 {
-    m_state->core->inventory.beginOwnChange(m_state->path);
+    m_state->session->inventory.beginOwnChange(m_state->path);
 }
 
 OwnChange::~OwnChange()
 {
     if (m_state)
-        m_state->core->checkChangesAtPaths(
-            m_state->core->inventory.endOwnChange(m_state->path, m_state->outcome));
+        m_state->session->checkChangesAtPaths(
+            m_state->session->inventory.endOwnChange(m_state->path, m_state->outcome));
 }
 
 void OwnChange::hasPut(int descriptor)
@@ -37,7 +37,7 @@ void OwnChange::hasRemoved()
 void OwnChange::hasMadeWhatIsThere()
 {
     if (m_state)
-        m_state->outcome = m_state->core->inventory.presentOutcome(m_state->path);
+        m_state->outcome = m_state->session->inventory.presentOutcome(m_state->path);
 }
 
 } // namespace vantle

@@ -8,8 +8,6 @@
 
 namespace vantle {
 
-class WatchFolderCore;
-
 /// A change that this process makes to one item of a watched folder, as a bracket around it: made before the
 /// folder is changed (VRXWatchFolder::beginOwnChange), and destroyed when it has been. Nothing is locked in
 /// between. The watcher leaves the item alone meanwhile; afterwards what is there is this process's own and

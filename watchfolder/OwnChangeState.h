@@ -2,13 +2,13 @@
 #pragma once
 
 #include "watchfolder/OwnChange.h"
-#include "watchfolder/WatchFolderCore.h"
+#include "watchfolder/WatchSession.h"
 
 namespace vantle {
 
 struct OwnChange::State
 {
-    std::shared_ptr<WatchFolderCore> core;
+    std::shared_ptr<WatchSession> session; ///< the one that the change began in
     std::string path; ///< relative to the folder
     OwnOutcome outcome;
 };

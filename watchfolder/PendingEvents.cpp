@@ -3,9 +3,19 @@
 
 #include "watchfolder/KernelEventTable.h"
 
+#include <algorithm>
+
 namespace vantle {
 
-void PendingEvents::note(std::string_view directory, std::string_view name, quint32 kernelMask, bool own)
+namespace {
+
+// Whoever writes the file does so by then, and the write is an event.
+constexpr std::chrono::seconds kQuietForUnknown{2};
+
+} // namespace
+
+void PendingEvents::note(std::string_view directory, std::string_view name, quint32 kernelMask, bool own,
+                         Clock::time_point now)
 {
     std::string path;
     path.reserve(directory.size() + 1 + name.size());
@@ -30,18 +40,19 @@ void PendingEvents::note(std::string_view directory, std::string_view name, quin
         entry.held = true;
         entry.modified = entry.lookedAt = false;
     }
+    entry.last = now;
     entry.modified = entry.modified || (kernelMask & writingEvents) != 0;
 }
 
-std::vector<VRXWatchFolderEvent> PendingEvents::take(bool settle)
+std::vector<VRXWatchFolderEvent> PendingEvents::take(bool settle, Clock::time_point now)
 {
-    m_wantsSecondLook = false;
+    m_nextLook.reset();
     std::vector<VRXWatchFolderEvent> events;
     events.reserve(m_order.size());
     decltype(m_order) held;
     for (auto *node : m_order) {
         Entry &entry = node->second;
-        if (entry.held && staysHeld(node->first, entry, settle)) {
+        if (entry.held && staysHeld(node->first, entry, settle, now)) {
             held.push_back(node);
             continue;
         }
@@ -53,26 +64,42 @@ std::vector<VRXWatchFolderEvent> PendingEvents::take(bool settle)
     return events;
 }
 
-bool PendingEvents::staysHeld(const std::string &path, Entry &entry, bool settle)
+bool PendingEvents::staysHeld(const std::string &path, Entry &entry, bool settle, Clock::time_point now)
 {
-    const OpenFile file = m_probe(path);
-    if (file == OpenFile::Complete)
+    switch (m_probe(path)) {
+    case OpenFile::Complete:
         return false;
-    if (file == OpenFile::Empty || entry.modified)
+    case OpenFile::Empty:
+        return true;
+    case OpenFile::Unknown:
+        if (now - entry.last >= kQuietForUnknown)
+            return false;
+        lookAgainIn(kQuietForUnknown - (now - entry.last));
+        return true;
+    case OpenFile::Written:
+        break;
+    }
+    if (entry.modified)
         return true;
     // Content without a write: complete when it was linked in, unless the write is still in the kernel's
     // queue.
     if (settle || entry.lookedAt)
         return false;
-    entry.lookedAt = m_wantsSecondLook = true;
+    entry.lookedAt = true;
+    lookAgainIn(Clock::duration::zero());
     return true;
+}
+
+void PendingEvents::lookAgainIn(Clock::duration delay)
+{
+    m_nextLook = std::min(m_nextLook.value_or(delay), delay);
 }
 
 void PendingEvents::clear()
 {
     m_entries.clear();
     m_order.clear();
-    m_wantsSecondLook = false;
+    m_nextLook.reset();
 }
 
 } // namespace vantle

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/RunLoop.h"
 
-#include <QCoreApplication>
-#include <QThread>
-#include <QTimer>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
+#include <QtCore/QTimerEvent>
 
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
 #include <exception>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace vantle {
@@ -53,6 +55,20 @@ class RunLoop::Receiver final : public QObject
 public:
     explicit Receiver(std::shared_ptr<State> state) : m_state(std::move(state)) {}
 
+    /// Goes to the main thread, with what waits and its timers, when the thread ends.
+    void liveOn(QThread *thread)
+    {
+        moveToThread(thread);
+        connect(
+            thread, &QThread::finished, this,
+            [this] {
+                QCoreApplication *application = QCoreApplication::instance();
+                if (application && QThread::currentThread() == this->thread())
+                    moveToThread(application->thread());
+            },
+            Qt::DirectConnection);
+    }
+
     bool event(QEvent *event) override
     {
         if (event->type() != QEvent::User)
@@ -61,10 +77,17 @@ public:
             if (next->delay.count() == 0)
                 m_state->run(next->task);
             else
-                QTimer::singleShot(next->delay, Qt::PreciseTimer, this,
-                                   [state = m_state, task = std::move(next->task)] { state->run(task); });
+                m_timed.emplace(startTimer(next->delay, Qt::PreciseTimer), std::move(next->task));
         }
         return true;
+    }
+
+protected:
+    void timerEvent(QTimerEvent *event) override
+    {
+        killTimer(event->timerId());
+        if (const auto due = m_timed.extract(event->timerId()))
+            m_state->run(due.mapped());
     }
 
 private:
@@ -79,26 +102,48 @@ private:
     }
 
     const std::shared_ptr<State> m_state;
+    std::map<int, Task> m_timed;
 };
 
 std::shared_ptr<RunLoop> RunLoop::current()
 {
-    return std::make_shared<RunLoop>();
+    QThread *thread = QThread::currentThread();
+    const QCoreApplication *application = QCoreApplication::instance();
+    // A loop that does not run, or not yet, may never run; the main one does.
+    if (application && thread != application->thread() && thread->loopLevel() == 0)
+        thread = application->thread();
+    return std::make_shared<RunLoop>(thread);
 }
 
 std::shared_ptr<RunLoop> RunLoop::main()
 {
-    static const std::shared_ptr<RunLoop> loop = [] {
-        auto made = std::make_shared<RunLoop>();
-        if (QCoreApplication *application = QCoreApplication::instance())
-            made->m_receiver->moveToThread(application->thread());
-        qAddPostRoutine([] { main()->close(); });
-        return made;
-    }();
+    static std::mutex mutex;
+    static std::shared_ptr<RunLoop> loop;
+    const std::lock_guard lock(mutex);
+    if (loop)
+        return loop;
+    const QCoreApplication *application = QCoreApplication::instance();
+    if (application == nullptr) {
+        auto closed = std::make_shared<RunLoop>(QThread::currentThread());
+        closed->close();
+        return closed;
+    }
+    loop = std::make_shared<RunLoop>(application->thread());
+    qAddPostRoutine([] {
+        std::shared_ptr<RunLoop> closing;
+        {
+            const std::lock_guard closingLock(mutex);
+            closing.swap(loop);
+        }
+        closing->close();
+    });
     return loop;
 }
 
-RunLoop::RunLoop() : m_state(std::make_shared<State>()), m_receiver(new Receiver(m_state)) {}
+RunLoop::RunLoop(QThread *thread) : m_state(std::make_shared<State>()), m_receiver(new Receiver(m_state))
+{
+    m_receiver->liveOn(thread);
+}
 
 RunLoop::~RunLoop()
 {

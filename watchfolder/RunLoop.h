@@ -5,21 +5,25 @@
 #include <functional>
 #include <memory>
 
+class QThread;
+
 namespace vantle {
 
-/// Runs tasks on the event loop of one thread, in order. All functions may be called from any thread.
+/// Runs tasks on the event loop of one thread, in order. When the thread ends, the main thread's loop takes
+/// over. All functions may be called from any thread.
 class RunLoop
 {
 public:
     using Task = std::function<void()>;
 
-    /// The loop of the calling thread.
+    /// A loop of the calling thread, or of the main one when no event loop runs on the calling thread.
     static std::shared_ptr<RunLoop> current();
-    /// The loop of the main thread; needs a QCoreApplication. When that goes, what still waits is destroyed
-    /// there.
+    /// The loop of the main thread, one for each QCoreApplication. When that goes, what still waits is
+    /// destroyed there; without one, what is posted is destroyed at once.
     static std::shared_ptr<RunLoop> main();
 
-    RunLoop();
+    /// On the thread that owns what the tasks use.
+    explicit RunLoop(QThread *thread);
     ~RunLoop();
     RunLoop(const RunLoop &) = delete;
     RunLoop &operator=(const RunLoop &) = delete;

@@ -67,7 +67,8 @@ unsigned VRXWatchFolder::enumerationOptions() const
 
 bool VRXWatchFolder::isWatchingPath() const
 {
-    return m_core->isWatchingPath;
+    const auto session = m_core->session();
+    return session && session->isWatchingPath();
 }
 
 QString VRXWatchFolder::displayName() const
@@ -119,19 +120,41 @@ void VRXWatchFolder::setBackend(WatchBackend backend)
 
 WatchBackend VRXWatchFolder::backend() const
 {
-    const auto stream = m_core->stream();
-    return stream ? stream->backend() : WatchBackend::Automatic;
+    const auto session = m_core->session();
+    return session ? session->stream().backend() : WatchBackend::Automatic;
 }
 
 QString VRXWatchFolder::streamDescription() const
 {
-    const auto stream = m_core->stream();
-    return stream ? stream->description() : QString();
+    const auto session = m_core->session();
+    return session ? session->stream().description() : QString();
 }
 
 void VRXWatchFolder::setNoticesReplacements(bool notices)
 {
-    m_core->inventory.setComparesIdentity(notices);
+    m_core->noticesReplacements = notices;
+}
+
+bool VRXWatchFolder::restartWhereWeLeftOff() const
+{
+    return m_core->restartWhereWeLeftOff;
+}
+
+void VRXWatchFolder::setRestartWhereWeLeftOff(bool restart)
+{
+    m_core->restartWhereWeLeftOff = restart;
+}
+
+VRXWatchFolderDelegate::EnumerationErrorHandler VRXWatchFolder::fileEnumerationErrorHandler() const
+{
+    const auto session = m_core->session();
+    return session ? session->errorHandler() : nullptr;
+}
+
+void VRXWatchFolder::setFileEnumerationErrorHandler(VRXWatchFolderDelegate::EnumerationErrorHandler handler)
+{
+    if (const auto session = m_core->session())
+        session->setErrorHandler(std::move(handler));
 }
 
 bool VRXWatchFolder::startWatching(WatchFolderError *error)
@@ -146,7 +169,8 @@ void VRXWatchFolder::stopWatching()
 
 void VRXWatchFolder::cancel()
 {
-    m_core->cancel();
+    if (const auto session = m_core->session())
+        session->cancel();
 }
 
 bool VRXWatchFolder::cancelRequested() const
@@ -161,15 +185,20 @@ void VRXWatchFolder::setCancelRequested(bool requested)
 
 void VRXWatchFolder::flush(std::function<void()> done)
 {
-    m_core->flush(std::move(done));
+    if (const auto session = m_core->session())
+        session->flush(std::move(done));
+    else
+        done();
 }
 
 OwnChange VRXWatchFolder::beginOwnChange(const QString &path)
 {
     auto relative = m_core->relativePath(nativePath(path));
-    if (!relative || m_core->filter.shouldIgnore(nativePath(path)))
+    auto session = m_core->session();
+    if (!session || !relative || m_core->filter.shouldIgnore(nativePath(path)))
         return {};
-    return OwnChange(std::make_unique<OwnChange::State>(OwnChange::State{m_core, std::move(*relative), {}}));
+    return OwnChange(std::make_unique<OwnChange::State>(
+        OwnChange::State{std::move(session), std::move(*relative), {}}));
 }
 
 void VRXWatchFolder::performOwnChange(const QString &path, const std::function<void()> &change)
@@ -186,24 +215,28 @@ void VRXWatchFolder::performOwnChange(const QString &path, const std::function<v
 
 void VRXWatchFolder::forceChangesCheckingAtPath(const QString &path)
 {
-    m_core->forceChangesChecking(nativePath(path));
+    if (const auto session = m_core->session())
+        session->forceChangesChecking(nativePath(path));
 }
 
 void VRXWatchFolder::checkChangesAtPaths(const QSet<QString> &paths, std::function<void()> done)
 {
+    const auto session = m_core->session();
+    if (!session)
+        return;
     std::vector<ChangedPath> changed;
     for (const QString &path : paths) {
         if (auto relative = m_core->relativePath(nativePath(path)))
             changed.push_back({.path = std::move(*relative)});
     }
-    m_core->checkChangesAtPaths(std::move(changed), std::move(done));
+    session->checkChangesAtPaths(std::move(changed), std::move(done));
 }
 
 std::optional<VRXWatchFolderItem> VRXWatchFolder::itemAtPath(const QString &path) const
 {
     const std::string native = nativePath(path);
     const auto relative = m_core->relativePath(native);
-    const auto record = relative ? m_core->inventory.find(*relative) : std::nullopt;
+    const auto record = relative ? m_core->inventory()->find(*relative) : std::nullopt;
     if (!record)
         return std::nullopt;
     return VRXWatchFolderItem(urlForNativePath(native),
@@ -218,7 +251,7 @@ bool VRXWatchFolder::hasItemAtPath(const QString &path) const
 QList<QUrl> VRXWatchFolder::URLs() const
 {
     QList<QUrl> urls;
-    m_core->inventory.forEach([this, &urls](const std::string &path, const Inventory::Record &) {
+    m_core->inventory()->forEach([this, &urls](const std::string &path, const Inventory::Record &) {
         urls.append(urlForNativePath(m_core->folder + '/' + path));
     });
     return urls;
@@ -228,7 +261,7 @@ std::vector<std::string> VRXWatchFolder::nativePaths() const
 {
     std::vector<std::string> paths;
     const std::string prefix = m_core->folder + '/';
-    m_core->inventory.forEach([&](const std::string &path, const Inventory::Record &) {
+    m_core->inventory()->forEach([&](const std::string &path, const Inventory::Record &) {
         std::string &absolute = paths.emplace_back();
         absolute.reserve(prefix.size() + path.size());
         absolute.append(prefix).append(path);
@@ -247,7 +280,7 @@ QHash<QString, QUrl> VRXWatchFolder::URLsDictionary() const
 QHash<QString, VRXWatchFolderItem> VRXWatchFolder::pathToItemsDictionary() const
 {
     QHash<QString, VRXWatchFolderItem> items;
-    m_core->inventory.forEach([this, &items](const std::string &path, const Inventory::Record &record) {
+    m_core->inventory()->forEach([this, &items](const std::string &path, const Inventory::Record &record) {
         const std::string absolute = m_core->folder + '/' + path;
         items.insert(displayPath(absolute),
                      VRXWatchFolderItem(urlForNativePath(absolute),

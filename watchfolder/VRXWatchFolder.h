@@ -9,9 +9,9 @@
 #include "watchfolder/WatchFolderEnvironment.h"
 #include "watchfolder/WatchFolderError.h"
 
-#include <QHash>
-#include <QSet>
-#include <QStringList>
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+#include <QtCore/QStringList>
 
 #include <mutex>
 #include <string>
@@ -28,9 +28,9 @@ class WatchFolderCore;
 /// event. So nothing is missed when the kernel drops events, and nothing is reported twice. A rename is a
 /// removal and an addition. Hidden items (their names begin with a dot) do not exist for it.
 ///
-/// Threads: every function may be called from any thread; startWatching needs an event loop on its thread and
-/// another one on the main thread, and keeps no thread waiting for the folder. Callbacks: see
-/// VRXWatchFolderDelegate.
+/// Threads: every function may be called from any thread, and in any callback. Events come on the event loop
+/// of the thread that called startWatching, or on the main thread's where that thread runs none; the main
+/// thread needs an event loop in any case. Callbacks: see VRXWatchFolderDelegate.
 ///
 /// Own changes: with fanotify, changes that this process makes are not reported while ignoreSelf is set;
 /// those of its child processes are. With either backend, changes made through performOwnChange are not. What
@@ -92,9 +92,23 @@ public:
     /// that sets dates back, or whose mode was changed. False at first. To be set before startWatching.
     void setNoticesReplacements(bool notices);
 
+    /// Kept for clients, and without effect: what changed while nobody watched is in the next first
+    /// inventory. False at first.
+    bool restartWhereWeLeftOff() const;
+    /// See restartWhereWeLeftOff().
+    void setRestartWhereWeLeftOff(bool restart);
+
+    /// Decides whether an enumeration that met an error goes on. Each start puts one in place that asks the
+    /// delegate; empty while not watching.
+    VRXWatchFolderDelegate::EnumerationErrorHandler fileEnumerationErrorHandler() const;
+    /// Until watching stops; without effect while not watching. Called on the working queue; must not throw.
+    /// An empty one goes on after any error.
+    void setFileEnumerationErrorHandler(VRXWatchFolderDelegate::EnumerationErrorHandler handler);
+
     /// Begins to watch and takes the first inventory in the background. False, with the error, when the
     /// folder is missing (1001), is not a directory (1002), or when there is no event source (1003: the
-    /// reason says whether watches or descriptors ran out). While watching it only repeats what it cancels.
+    /// reason says whether watches, descriptors or threads ran out). While watching it only repeats what it
+    /// cancels. While descriptors or memory are too short for the first inventory, that is tried again.
     bool startWatching(WatchFolderError *error = nullptr);
     /// Drops pending work, waits for the running callback unless called by it, and empties the inventory.
     /// After it returns no callback begins.
@@ -108,7 +122,7 @@ public:
 
     /// Calls done on the working queue once everything that changed before this call has been reported,
     /// without waiting for the latency to pass. Needs the event loops to run. At once, on this thread, when
-    /// not watching; never when watching is stopped meanwhile.
+    /// not watching; never when watching is stopped, or pending work is dropped, meanwhile.
     void flush(std::function<void()> done);
     /// Announces a change (a write, a rename, a removal) that this process is about to make to the item at an
     /// absolute path, so that it is not reported. See OwnChange.

@@ -3,9 +3,10 @@
 
 #include "watchfolder/Export.h"
 
-#include <QList>
-#include <QUrl>
+#include <QtCore/QList>
+#include <QtCore/QUrl>
 
+#include <functional>
 #include <system_error>
 
 namespace vantle {
@@ -17,10 +18,14 @@ class VRXWatchFolder;
 /// Threads: all callbacks run on the watcher's working queue, one at a time and in order, except that
 /// watchFolderFileFinderInfoChangedAtURL runs on the main thread. A callback may call any operation of the
 /// watcher, stopWatching and its destruction included. The watcher holds its delegate weakly; while a
-/// callback runs the delegate can't go away, and a last reference is let go of on the main thread.
+/// callback runs the delegate can't go away, and a last reference is let go of on the main thread. A callback
+/// must not throw: what was still to be reported of its comparison would be lost.
 class VANTLE_WATCHFOLDER_EXPORT VRXWatchFolderDelegate
 {
 public:
+    /// Whether an enumeration goes on after an error at an item.
+    using EnumerationErrorHandler = std::function<bool(const QUrl &, const std::error_code &)>;
+
     virtual ~VRXWatchFolderDelegate() = default;
 
     /// An item appeared. Not sent for what the first inventory finds, nor for a new file that its writer has

@@ -3,7 +3,7 @@
 
 #include "watchfolder/Export.h"
 
-#include <QString>
+#include <QtCore/QString>
 
 #include <string>
 #include <string_view>

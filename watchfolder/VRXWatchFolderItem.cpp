@@ -4,7 +4,7 @@
 #include "watchfolder/FileState.h"
 #include "watchfolder/NativePath.h"
 
-#include <QDebug>
+#include <QtCore/QDebug>
 
 namespace vantle {
 

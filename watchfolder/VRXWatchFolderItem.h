@@ -4,8 +4,8 @@
 #include "watchfolder/Export.h"
 #include "watchfolder/FileTime.h"
 
-#include <QString>
-#include <QUrl>
+#include <QtCore/QString>
+#include <QtCore/QUrl>
 
 #include <optional>
 

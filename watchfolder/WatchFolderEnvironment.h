@@ -26,7 +26,11 @@ struct VANTLE_WATCHFOLDER_EXPORT WatchFolderEnvironment
 };
 
 /// None when the path is longer than 1,024 bytes or nothing is known about its volume. Volumes of the SMB
-/// family are "smbfs", "smb2" and "cifs".
+/// family are "smbfs", "smb2" and "cifs"; one of FUSE is "fuseblk" when it is on a block device.
 VANTLE_WATCHFOLDER_EXPORT std::optional<QString> fileSystemTypeName(const QString &path);
+
+/// Whether other machines, or processes behind the kernel's back, may change volumes of a type. False for a
+/// type that is not known.
+VANTLE_WATCHFOLDER_EXPORT bool isSharedFileSystem(const QString &type);
 
 } // namespace vantle

@@ -11,11 +11,11 @@ namespace vantle {
 
 /// What a kernel mark is for.
 enum class WatchRole {
-    Folder,   ///< the watched folder
-    Below,    ///< a directory in it
-    Parent,   ///< the folder's parent: the folder's name may vanish from it long before the folder itself is
-              ///< gone
-    Ancestor, ///< above the parent: renaming it moves the folder
+    Folder, ///< the watched folder
+    Below,  ///< a directory in it
+    Parent, ///< has the folder's name, or a link on the way: that may be given to something else long before
+            ///< the folder itself is gone
+    Ancestor, ///< on the way: renaming it moves the folder
 };
 
 /// The marks of an event queue: from what the kernel calls a directory (a number, a handle) to its path, and
@@ -33,12 +33,13 @@ public:
     void add(const Key &key, const std::string &path, WatchRole role)
     {
         const auto [node, isNew] = m_byKey.try_emplace(key, Directory{path, role});
-        if (!isNew) {
-            if (node->second.path == path)
-                return;
-            erasePath(key, node->second.path);
-            node->second.path = path; // moved: the same directory under its new path
+        Directory &known = node->second;
+        if (!isNew && known.path != path) {
+            erasePath(key, known.path);
+            known.path = path; // moved: the same directory under its new path
         }
+        if (role == WatchRole::Folder || role == WatchRole::Below)
+            known.role = role; // a directory of the tree that lies on the way to it, too
         m_byPath.insert_or_assign(path, key);
     }
 

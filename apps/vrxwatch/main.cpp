@@ -5,11 +5,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 
 #include <cstdio>
 #include <system_error>

@@ -4,9 +4,9 @@
 #include "benchmarks/watchfolder/BareLoops.h"
 #include "watchfolder/VRXWatchFolder.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QTimer>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QTimer>
 
 #include <malloc.h>
 #include <sys/resource.h>

@@ -40,6 +40,7 @@ TEST(PendingEventsTest, CollectsOneEventPerPath)
          {"a ItemCreated ItemModified ItemIsFile"}},
         {"still written", OpenFile::Written, {{"a", IN_CREATE}, {"a", IN_MODIFY}}, {}},
         {"just opened", OpenFile::Empty, {{"a", IN_CREATE}}, {}},
+        {"empty, of another user", OpenFile::Unknown, {{"a", IN_CREATE}}, {}, true},
         {"linked in", OpenFile::Complete, {{"a", IN_CREATE}}, {"a ItemCreated ItemIsFile"}},
         {"content, but no write", OpenFile::Written, {{"a", IN_CREATE}}, {}, true},
         {"replaced by one that is written", OpenFile::Empty, {{"a", IN_DELETE}, {"a", IN_CREATE}}, {}},
@@ -77,23 +78,37 @@ TEST(PendingEventsTest, CollectsOneEventPerPath)
     for (const auto &window : cases) {
         SCOPED_TRACE(window.name);
         PendingEvents pending([&window](const std::string &) { return window.probed; });
+        PendingEvents::Clock::time_point now{};
         for (const Note &note : window.notes)
-            pending.note("/f", note.name, note.mask, note.own);
-        EXPECT_THAT(strings(pending.take(false)), ElementsAreArray(window.delivered));
-        EXPECT_EQ(pending.wantsSecondLook(), window.secondLook);
-        EXPECT_EQ(pending.take(false).size(), window.secondLook ? 1U : 0U);
+            pending.note("/f", note.name, note.mask, note.own, now);
+        EXPECT_THAT(strings(pending.take(false, now)), ElementsAreArray(window.delivered));
+        EXPECT_EQ(pending.nextLook().has_value(), window.secondLook);
+        now += pending.nextLook().value_or(PendingEvents::Clock::duration::zero());
+        EXPECT_EQ(pending.take(false, now).size(), window.secondLook ? 1U : 0U);
     }
 }
 
 TEST(PendingEventsTest, HeldFileComesWithAllItsFlagsOnceClosed)
 {
-    PendingEvents pending([](const std::string &) { return OpenFile::Empty; });
-    pending.note("/f", "a", IN_CREATE, false);
-    EXPECT_TRUE(pending.take(true).empty());
-    pending.note("/f", "a", IN_CLOSE_WRITE, false);
-    const auto events = pending.take(false);
+    using namespace std::chrono_literals;
+    OpenFile probed = OpenFile::Empty;
+    PendingEvents pending([&probed](const std::string &) { return probed; });
+    PendingEvents::Clock::time_point now{};
+    pending.note("/f", "a", IN_CREATE, false, now);
+    EXPECT_TRUE(pending.take(true, now).empty());
+    pending.note("/f", "a", IN_CLOSE_WRITE, false, now);
+    const auto events = pending.take(false, now);
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].flags(), ItemCreated | ItemModified | ItemIsFile);
+
+    // Two seconds after the last event, and not the first.
+    probed = OpenFile::Unknown;
+    pending.note("/f", "b", IN_CREATE, false, now);
+    pending.note("/f", "b", IN_ATTRIB, false, now += 1500ms);
+    EXPECT_TRUE(pending.take(true, now += 1900ms).empty());
+    EXPECT_EQ(pending.nextLook(), 100ms);
+    EXPECT_EQ(pending.take(false, now += 100ms).size(), 1U);
+    EXPECT_FALSE(pending.nextLook());
 }
 
 TEST(PendingDirectoriesTest, KeepsNoPathBelowAnother)

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <QThread>
+#include <QtCore/QThread>
 
 #include <atomic>
 #include <fstream>
