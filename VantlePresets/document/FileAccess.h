@@ -74,6 +74,14 @@ private:
     int m_folder;
 };
 
+/// Reads to the end of an open descriptor. Throws std::system_error, with FileFault::tooLarge for what is
+/// larger than a file may be. Callable from any thread.
+[[nodiscard]] QByteArray readFully(int descriptor);
+
+/// Writes all of it to an open descriptor; a full pipe is waited for, also where the descriptor does not
+/// block. Throws std::system_error. Callable from any thread.
+void writeFully(int descriptor, QByteArrayView content);
+
 /// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.
 void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content);

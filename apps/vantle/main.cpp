@@ -4,6 +4,7 @@
 
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "apps/support/StandardStreams.h"
 #include "apps/support/StopOnSignal.h"
 
 #include <CLI/CLI.hpp>
@@ -136,6 +137,7 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 try {
+    vantle::reserveStandardStreams();
     vantle::Options options;
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
