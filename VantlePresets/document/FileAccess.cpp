@@ -31,7 +31,7 @@ public:
         case FileFault::notRegular:
             return "Not a regular file";
         case FileFault::tooLarge:
-            return "File is larger than 64 MiB";
+            return "File is larger than 16 MiB";
         case FileFault::badName:
             return "Not a valid file name";
         }

@@ -17,7 +17,7 @@
 namespace vantle {
 
 /// The largest preset file that is read, in bytes.
-inline constexpr qint64 kMaximumFileSize = qint64{64} << 20;
+inline constexpr qint64 kMaximumFileSize = qint64{16} << 20;
 
 /// What can be wrong with a file beyond what the operating system reports.
 enum class FileFault {

@@ -335,7 +335,7 @@ TEST(FolderStories, HostileFilesCostOneLineEachAndNothingElse)
     lines.sort();
     EXPECT_EQ(lines.size(), 10) << lines.join(u'\n').toStdString();
     EXPECT_TRUE(lines.contains(u"Error loading Preset fifo.json: Not a regular file"_s));
-    EXPECT_TRUE(lines.contains(u"Error loading Preset huge.json: File is larger than 64 MiB"_s));
+    EXPECT_TRUE(lines.contains(u"Error loading Preset huge.json: File is larger than 16 MiB"_s));
     EXPECT_TRUE(lines.contains(u"Error loading Preset bad\uFFFDname.json: File name is not UTF-8"_s));
     EXPECT_EQ(store.logOf("Error loading Preset two\\u000alines.json: "_L1).size(), 1);
     EXPECT_TRUE(lines.contains(u"Error loading Preset loop.json: Too many levels of symbolic links"_s));
