@@ -4,6 +4,7 @@
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
+#include "VantlePresets/model/PresetKeys.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
@@ -29,7 +30,7 @@ std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name
 
 std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     const document::ObjectReader root = json.root();
     // The kind alone decides the class. The class reads the shared keys first, in the same order as a
     // reading of these keys alone would, so that the first error of a document is the same.

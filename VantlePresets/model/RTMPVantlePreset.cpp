@@ -5,6 +5,7 @@
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 namespace vantle {
 namespace {
@@ -63,7 +64,7 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::withFileAtPath(const QString
     if (!preset->readBaseFromFile(path))
         return nullptr;
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         const auto decoded = decode(json.root());
         preset->m_streamingURL = decoded->m_streamingURL;
         preset->m_streamingProtocol = decoded->m_streamingProtocol;

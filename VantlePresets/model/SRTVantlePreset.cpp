@@ -5,6 +5,7 @@
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 namespace vantle {
 namespace {
@@ -39,7 +40,7 @@ std::shared_ptr<SRTVantlePreset> SRTVantlePreset::withFileAtPath(const QString &
     if (!preset->readBaseFromFile(path))
         return nullptr;
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         const auto decoded = RTMPVantlePreset::decode(json.root());
         preset->m_streamingURL = decoded->streamingURL();
         preset->m_portNumber = decoded->portNumber();

@@ -5,6 +5,7 @@
 #include "VantlePresets/core/ResourceBundle.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/PresetKeys.h"
 #include "VantlePresets/model/SettingsLists.h"
 
 #include <algorithm>
@@ -218,7 +219,7 @@ void VantlePreset::separateDefaultTrack()
 bool VantlePreset::readBaseFromFile(const QString &path)
 {
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         decodeBase(json.root());
     } catch (const std::exception &) {
         return false;

@@ -61,6 +61,12 @@ void requireMainThread(const QObject &manager)
         programmingFault("PresetsManager is used off the main thread");
 }
 
+void requirePreset(const std::shared_ptr<VantlePreset> &preset, const char *fault)
+{
+    if (!preset)
+        programmingFault(fault);
+}
+
 } // namespace
 
 PresetsManager::PresetsManager() : PresetsManager(machineDataDirectories) {}
@@ -74,7 +80,10 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
     d->start(lookup());
     if (application) {
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
-            d->isQuitting = true; // what others save from now on is waited for in save()
+            // What others save from now on is waited for in save(), until the last of them has been told: the
+            // application deletes right then what is to be deleted later, and may run again after that.
+            d->quitting = new QObject(this);
+            d->quitting->deleteLater();
             if (d->saver)
                 d->saver->finish();
         });
@@ -83,6 +92,7 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
 
 PresetsManager::~PresetsManager()
 {
+    requireMainThread(*this);
     d->stop();
 }
 
@@ -96,6 +106,12 @@ std::shared_ptr<VRXWatchFolder> PresetsManager::watchFolder() const
 {
     requireMainThread(*this);
     return d->watcher;
+}
+
+std::optional<QString> PresetsManager::startError() const
+{
+    requireMainThread(*this);
+    return d->startError;
 }
 
 bool PresetsManager::isLoaded() const
@@ -181,8 +197,7 @@ std::shared_ptr<VantlePreset> PresetsManager::addNewPreset(StreamingType type)
 std::shared_ptr<VantlePreset> PresetsManager::duplicate(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    if (!preset)
-        programmingFault("duplicate of no preset");
+    requirePreset(preset, "duplicate of no preset");
     const WantedName wanted{.text = listedName(preset), .isOfCopy = true};
     const QString name = duplicateName(wanted.text, [this](const QString &n) { return d->index.isTaken(n); });
     const auto copy = makePreset(preset->type(), name);
@@ -196,8 +211,7 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
                             const QString &to)
 {
     requireMainThread(*this);
-    if (!preset)
-        programmingFault("rename of no preset");
+    requirePreset(preset, "rename of no preset");
     if (d->nameEdit == preset)
         d->nameEdit.reset();
     const auto renamed = preset; // the argument may be this manager's own selection
@@ -240,24 +254,21 @@ void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)
 void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    if (!preset)
-        programmingFault("save of no preset");
+    requirePreset(preset, "save of no preset");
     d->save(preset, PresetSaver::Precedence::edits);
 }
 
 void PresetsManager::saveUnlessChanged(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
-    if (!preset)
-        programmingFault("save of no preset");
+    requirePreset(preset, "save of no preset");
     d->save(preset, PresetSaver::Precedence::file);
 }
 
 void PresetsManager::saveLike(const std::shared_ptr<VantlePreset> &preset, const QString &path)
 {
     requireMainThread(*this);
-    if (!preset)
-        programmingFault("save of no preset");
+    requirePreset(preset, "save of no preset");
     d->save(preset, PresetSaver::Precedence::edits, fileSystemPath(path));
 }
 
@@ -309,6 +320,7 @@ void PresetsManager::endNameEdit()
 QString PresetsManager::listedName(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
+    requirePreset(preset, "name of no preset");
     const auto entry = d->index.find(preset.get());
     return entry ? entry->name : preset->name();
 }

@@ -18,28 +18,49 @@ using namespace Qt::StringLiterals;
 
 void PresetsManager::Private::start(const QStringList &dataDirectories)
 {
-    static constexpr auto kStartError = "Error to create directory or start watching: "_L1;
     if (dataDirectories.isEmpty())
         return;
-    const QString path = presetsFolderPath(dataDirectories.first());
+    wantedFolder = presetsFolderPath(dataDirectories.first());
     try {
-        ensureFolder(path);
-    } catch (const std::exception &error) {
-        logLine(kStartError + QString::fromUtf8(error.what()));
-        return;
+        ensureFolder(wantedFolder);
+        folder = wantedFolder;
+        watchFolder();
+    } catch (const std::exception &error) { // also: no thread is to be had
+        const QString reason = QString::fromUtf8(error.what());
+        failStart(reason, reason);
     }
-    folder = path;
+}
+
+void PresetsManager::Private::watchFolder()
+{
     reconciler = std::make_shared<FolderReconciler>(queue, *this);
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     watcher->setNoticesReplacements(true);
     saver = std::make_unique<PresetSaver>(*this, queue, folder, watcher, reconciler);
     WatchFolderError error;
-    try {
-        if (!watcher->startWatching(&error))
-            logLine(kStartError + error.description);
-    } catch (const std::exception &failure) { // no thread is to be had
-        logLine(kStartError + QString::fromUtf8(failure.what()));
+    if (watcher->startWatching(&error))
+        return;
+    if (error.code == WatchFolderError::FolderIsFile)
+        error.reason = u"Not a directory"_s;
+    failStart(error.description, error.reason.isEmpty() ? error.description : error.reason);
+}
+
+void PresetsManager::Private::failStart(const QString &logged, const QString &reason)
+{
+    startError = escapedControls(wantedFolder + ": "_L1 + reason + groupHint(wantedFolder));
+    logLine("Error to create directory or start watching: "_L1 + logged);
+    // Queued: nobody can have connected during construction.
+    QMetaObject::invokeMethod(
+        &q, [this] { Q_EMIT q.startFailed(*startError); }, Qt::QueuedConnection);
+}
+
+void PresetsManager::Private::folderBecameUnreachable()
+{
+    if (!isLoaded && !startError) {
+        startError = escapedControls(wantedFolder + ": The folder was removed before it was read"_L1);
+        Q_EMIT q.startFailed(*startError);
     }
+    Q_EMIT q.folderBecameUnreachable();
 }
 
 void PresetsManager::Private::stop()
@@ -128,7 +149,7 @@ void PresetsManager::Private::save(const std::shared_ptr<VantlePreset> &preset,
     saver->save(entry, PresetSaver::Way::write, precedence, like);
     if (isRenamed)
         announceList();
-    if (isQuitting)
+    if (quitting)
         saver->finish();
 }
 

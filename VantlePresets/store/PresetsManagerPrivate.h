@@ -7,6 +7,8 @@
 #include "VantlePresets/store/PresetSaver.h"
 #include "VantlePresets/store/PresetsManager.h"
 
+#include <QtCore/QPointer>
+
 namespace vantle {
 
 /// What the store does behind its operations: the list and its signals, and what the folder reports. Private
@@ -19,6 +21,8 @@ public:
     explicit Private(PresetsManager &manager) : q(manager) {}
 
     void start(const QStringList &dataDirectories);
+    void watchFolder();
+    void failStart(const QString &logged, const QString &reason);
     void stop();
 
     std::shared_ptr<VantlePreset> addAndSelect(const std::shared_ptr<VantlePreset> &preset,
@@ -46,7 +50,7 @@ public:
 
     // Of the folder.
     void presetsLoaded(PresetIndex loaded) override;
-    void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
+    void folderBecameUnreachable() override;
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
     void presetUpdated(const KnownFile &read, const std::shared_ptr<VantlePreset> &source) override;
@@ -62,9 +66,11 @@ public:
     PresetIndex index;
     std::shared_ptr<VantlePreset> selected;
     std::shared_ptr<VantlePreset> nameEdit;
-    QString folder; // "" without one
+    QString wantedFolder; // "" without a directory
+    QString folder;       // "" without one
+    std::optional<QString> startError;
     bool isLoaded = false;
-    bool isQuitting = false;
+    QPointer<QObject> quitting; // lives while the application tells that it is about to quit
 
     MainThreadQueue queue;
     std::shared_ptr<FolderReconciler> reconciler;

@@ -3,13 +3,13 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "watchfolder/VRXWatchFolder.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <thread>
 
 namespace vantle::ctl {
 
@@ -26,18 +26,22 @@ StoreSession::StoreSession(const StoreOptions &options)
     const QString directory = QString::fromStdString(options.dataDirectory);
     if (options.readsOnly && !directory.isEmpty() && !QFileInfo(directory).isDir())
         throw Refusal(directory + ": there is no such directory"_L1);
+    // What the start itself logs, on this thread, is said in the session's own words.
+    setLogSink([starting = std::this_thread::get_id()](const QString &line) {
+        if (std::this_thread::get_id() != starting)
+            complain(line);
+    });
     m_manager = options.dataDirectory.empty()
                     ? std::make_unique<PresetsManager>()
                     : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
-    if (!m_manager->presetsFolderURL() || m_manager->watchFolder()->backend() == WatchBackend::Automatic)
-        throw Refusal(u"the presets folder can't be used"_s);
+    setLogSink([](const QString &line) { complain(line); });
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
-    QObject::connect(m_manager.get(), &PresetsManager::folderBecameUnreachable, &loop, &QEventLoop::quit);
-    if (!m_manager->isLoaded())
+    QObject::connect(m_manager.get(), &PresetsManager::startFailed, &loop, &QEventLoop::quit);
+    if (!m_manager->startError())
         loop.exec();
     if (!m_manager->isLoaded())
-        throw Refusal(u"the presets folder was removed before it was read"_s);
+        throw Refusal(m_manager->startError().value_or(u"stopped before the presets were read"_s));
 }
 
 StoreSession::~StoreSession()
