@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/StoreSession.h"
 
 namespace vantle::ctl {
@@ -11,6 +13,7 @@ struct Options : StoreOptions
 {
     std::string name;
     std::vector<std::string> assignments;
+    bool forService = false;
 };
 
 /// Fields of the preset itself that its document would not hold: they would be gone with this process.
@@ -36,6 +39,8 @@ ExitCode set(const Options &options, Output &out)
 
     StoreSession session(options);
     const auto preset = session.preset(options.name);
+    if (options.forService)
+        setForService(*preset);
     try {
         for (const Assignment &assignment : *assignments) {
             assignment.apply(*preset);
@@ -46,6 +51,7 @@ ExitCode set(const Options &options, Output &out)
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }
+    tellAdvice(*preset, fileInStore(options.name, options));
     session.manager().save(preset);
     const ExitCode code = session.finish();
     if (options.json && code == ExitCode::good)
@@ -68,8 +74,13 @@ void addSetCommand(CLI::App &app, Command &chosen)
     const auto options = std::make_shared<Options>();
     options->addTo(*command);
     command->add_option("NAME", options->name, "The preset")->required();
-    command->add_option("FIELD=VALUE", options->assignments, "What to change")->required();
+    command->add_option("FIELD=VALUE", options->assignments, "What to change");
+    command->add_flag(
+        "--for-service", options->forService,
+        "First what YouTube or Facebook needs: protocol, port, and the host unless it is another's");
     command->callback([options, &chosen] {
+        if (options->assignments.empty() && !options->forService)
+            throw CLI::RequiredError("FIELD=VALUE or --for-service");
         chosen = [options](Output &out) { return guarded([&] { return set(*options, out); }); };
     });
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
@@ -44,6 +45,7 @@ ExitCode import(const ImportOptions &options, Output &out)
                 throw std::runtime_error("a preset of this name exists");
             names.insert(canonicalName(preset->name()));
             imported.append(preset);
+            tellAdviceOnFile(file);
         } catch (const std::exception &error) {
             complain(shown(file) + ": "_L1 + Failure(error).message());
             isComplete = false;
