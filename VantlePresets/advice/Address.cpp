@@ -33,14 +33,10 @@ QString Address::text() const
            part(query, "?"_L1, {});
 }
 
-bool Address::isHost(QLatin1StringView name) const
-{
-    return host.compare(name, Qt::CaseInsensitive) == 0;
-}
-
 bool Address::isLocal() const
 {
-    return isHost("localhost"_L1) || host.startsWith("127."_L1) || host == "[::1]"_L1;
+    return host.compare("localhost"_L1, Qt::CaseInsensitive) == 0 || host.startsWith("127."_L1) ||
+           host == "[::1]"_L1;
 }
 
 } // namespace vantle::advice

@@ -24,8 +24,6 @@ struct Address
     /// The address as it is written; what parse() read, unless it was changed.
     [[nodiscard]] QString text() const;
 
-    /// Case does not count in host names.
-    [[nodiscard]] bool isHost(QLatin1StringView name) const;
     /// On the machine itself, where a relay may stand before a service.
     [[nodiscard]] bool isLocal() const;
 };

@@ -108,7 +108,7 @@ void adviseForFlv(AdviceList &advice, const AudioSettingsList &tracks)
 void adviseAudio(AdviceList &advice, const VantlePreset &preset)
 {
     const AudioSettingsList &tracks = preset.audioSettings();
-    const ServiceRules *rules = rulesOf(preset.type());
+    const ServiceRules *rules = rulesFor(preset);
     for (qsizetype i = 0; i < tracks.size(); ++i)
         adviseTrack(advice, i, *tracks[i]);
     if (rules)

@@ -36,15 +36,6 @@ struct ServiceCheck
     qint64 port = 0;
 };
 
-const ServiceIngest *ingestNamed(StreamingType type, const Address &address)
-{
-    const auto ingests = serviceIngests();
-    const auto found = std::find_if(ingests.begin(), ingests.end(), [&](const ServiceIngest &ingest) {
-        return ingest.type == type && address.isHost(ingest.host);
-    });
-    return found == ingests.end() ? nullptr : &*found;
-}
-
 /// "RTMPS or RTMP".
 QString protocolsOf(StreamingType type)
 {
@@ -131,12 +122,15 @@ void adviseApplication(AdviceList &advice, const ServiceCheck &check)
 
 void adviseService(AdviceList &advice, const ServiceCheck &check)
 {
+    // The files of other kinds, which may name the service's host too, keep neither application nor key.
+    const bool isOwnKind = check.preset.type() == check.rules.type;
     if (!check.address.isLocal()) { // else a relay, which has rules of its own
         adviseHost(advice, check);
         adviseProtocolAndPort(advice, check);
-        adviseApplication(advice, check);
+        if (isOwnKind)
+            adviseApplication(advice, check);
     }
-    if (check.preset.streamKey().isEmpty())
+    if (isOwnKind && check.preset.streamKey().isEmpty())
         advice.error(u"streamKey"_s, "%1's stream key is missing"_L1.arg(check.rules.name),
                      check.rules.protocolSource);
 }
@@ -154,34 +148,32 @@ void adviseScheme(AdviceList &advice, const RTMPVantlePreset &preset, const Addr
                      source::kPresetFile);
 }
 
-bool holdsAny(const QString &text, QLatin1StringView characters)
+/// ffmpeg sends what an RTMP address says as it stands; other encoders decode escapes.
+void adviseCharacters(AdviceList &advice, QLatin1StringView field, const QString &text,
+                      QLatin1StringView unsafe)
 {
-    return std::any_of(text.begin(), text.end(), [&](QChar c) { return characters.contains(c); });
+    if (std::any_of(text.begin(), text.end(), [&](QChar c) { return c == u' ' || unsafe.contains(c); }))
+        advice.warning(
+            field, "holds a blank or one of %1, which encoders read differently in an address"_L1.arg(unsafe),
+            source::kFfmpegManual);
 }
 
-void adviseSecrets(AdviceList &advice, const RTMPVantlePreset &preset, const Address &address,
-                   bool keyHoldsParameters)
+void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const Address &address)
 {
-    // ffmpeg sends what an address says as it stands; other encoders decode escapes.
-    const auto adviseCharacters = [&](QLatin1StringView field, const QString &text,
-                                      QLatin1StringView unsafe) {
-        if (holdsAny(text, unsafe))
-            advice.warning(field,
-                           "holds a blank or one of %1, which encoders read differently in an address"_L1.arg(
-                               unsafe.sliced(1)),
-                           source::kFfmpegManual);
-    };
-    adviseCharacters("streamKey"_L1, preset.streamKey(), keyHoldsParameters ? " %+/"_L1 : " %+&/"_L1);
-    if (!preset.authenticate() || !address.userInfo.isEmpty())
+    const bool isInAddress = !address.userInfo.isEmpty();
+    if (carriesFlv(preset))
+        adviseCharacters(advice, "streamingURL"_L1, address.userInfo, "%+"_L1);
+    if (!preset.authenticate() || isInAddress)
         return;
+    const QString missing = u"is missing; a server that asks wants login and password"_s;
     if (preset.authenticationLogin().isEmpty())
-        advice.error(u"authenticationLogin"_s, u"is missing; a server that asks wants login and password"_s,
-                     source::kFfmpegManual);
+        advice.error(u"authenticationLogin"_s, missing, source::kFfmpegManual);
     if (preset.authenticationPassword().isEmpty())
-        advice.error(u"authenticationPassword"_s,
-                     u"is missing; a server that asks wants login and password"_s, source::kFfmpegManual);
-    adviseCharacters("authenticationLogin"_L1, preset.authenticationLogin(), " %+&/:"_L1);
-    adviseCharacters("authenticationPassword"_L1, preset.authenticationPassword(), " %+&/"_L1);
+        advice.error(u"authenticationPassword"_s, missing, source::kFfmpegManual);
+    if (!carriesFlv(preset))
+        return;
+    adviseCharacters(advice, "authenticationLogin"_L1, preset.authenticationLogin(), "%+&/:"_L1);
+    adviseCharacters(advice, "authenticationPassword"_L1, preset.authenticationPassword(), "%+&/"_L1);
     constexpr qsizetype kLongestLogin = 49;
     if (preset.authenticationLogin().toUtf8().size() > kLongestLogin)
         advice.warning(u"authenticationLogin"_s,
@@ -202,7 +194,7 @@ void advisePort(AdviceList &advice, const QString &addressPort, qint64 presetPor
 
 void adviseConnection(AdviceList &advice, const RTMPVantlePreset &preset)
 {
-    const ServiceRules *rules = rulesOf(preset.type());
+    const ServiceRules *rules = rulesFor(preset);
     const auto address = Address::parse(preset.streamingURL());
     if (!address) {
         advice.error(u"streamingURL"_s, u"is no host and no URL such as rtmp://host:1935/live"_s,
@@ -215,11 +207,16 @@ void adviseConnection(AdviceList &advice, const RTMPVantlePreset &preset)
     advisePort(advice, address->port, preset.portNumber());
     if (rules) {
         const bool isPortOfAddress = !address->port.isEmpty();
-        adviseService(advice, {preset, *rules, *address, ingestNamed(preset.type(), *address),
-                               isPortOfAddress ? u"streamingURL"_s : u"portNumber"_s,
-                               isPortOfAddress ? address->port.toLongLong() : preset.portNumber()});
+        const ServiceIngest *named = ingestOfHost(address->host);
+        adviseService(advice,
+                      {preset, *rules, *address, named && named->type == rules->type ? named : nullptr,
+                       isPortOfAddress ? u"streamingURL"_s : u"portNumber"_s,
+                       isPortOfAddress ? address->port.toLongLong() : preset.portNumber()});
     }
-    adviseSecrets(advice, preset, *address, rules && rules->keyHoldsParameters);
+    if (carriesFlv(preset))
+        adviseCharacters(advice, "streamKey"_L1, preset.streamKey(),
+                         rules && rules->keyHoldsParameters ? "%+/"_L1 : "%+&/"_L1);
+    adviseLogin(advice, preset, *address);
 }
 
 } // namespace vantle::advice

@@ -28,17 +28,15 @@ bool setServiceConnection(VantlePreset &preset)
     if (!push || !firstIngestOf(push->type()))
         return false;
     std::optional<Address> address = Address::parse(push->streamingURL());
-    const auto ingests = serviceIngests();
-    const auto named = std::find_if(ingests.begin(), ingests.end(), [&](const ServiceIngest &ingest) {
-        return ingest.type == push->type() && address && address->isHost(ingest.host);
-    });
-    const bool isBackup = push->isBackup() || (named != ingests.end() && named->isBackup);
+    const ServiceIngest *const named = address ? ingestOfHost(address->host) : nullptr;
+    const bool isOwnHost = named && named->type == push->type();
+    const bool isBackup = push->isBackup() || (isOwnHost && named->isBackup);
     const ServiceIngest &best = *bestIngestOf(push->type(), isBackup);
     push->setStreamingProtocol(best.protocol);
     push->setPortNumber(best.port);
 
     const bool isEmpty = push->streamingURL().isEmpty();
-    if (!isEmpty && named == ingests.end())
+    if (!isEmpty && !isOwnHost)
         return true;
     if (isEmpty)
         address = Address{};

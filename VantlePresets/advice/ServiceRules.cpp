@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/advice/ServiceRules.h"
 
+#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/advice/Sources.h"
+#include "VantlePresets/model/ServiceIngest.h"
 
 #include <algorithm>
 #include <array>
@@ -46,13 +48,24 @@ constexpr std::array<ServiceRules, 2> kServices{
 
 constexpr double kSlowest = 30;
 
-} // namespace
-
 const ServiceRules *rulesOf(StreamingType type)
 {
     const auto *const found = std::find_if(kServices.begin(), kServices.end(),
                                            [&](const ServiceRules &rules) { return rules.type == type; });
     return found == kServices.end() ? nullptr : found;
+}
+
+} // namespace
+
+const ServiceRules *rulesFor(const VantlePreset &preset)
+{
+    const ServiceRules *own = rulesOf(preset.type());
+    const auto *push = dynamic_cast<const RTMPVantlePreset *>(&preset);
+    if (own || !push)
+        return own;
+    const auto address = Address::parse(push->streamingURL());
+    const ServiceIngest *named = address ? ingestOfHost(address->host) : nullptr;
+    return named ? rulesOf(named->type) : nullptr;
 }
 
 const BitRateRow *rowOf(const ServiceRules &rules, qint64 width, qint64 height, double frameRate)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/model/StreamingType.h"
+#include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -52,8 +52,9 @@ struct ServiceRules
     bool keyHoldsParameters; ///< so that "&" in a stream key is as it should be
 };
 
-/// Null for kinds that belong to no service.
-[[nodiscard]] const ServiceRules *rulesOf(StreamingType type);
+/// The rules of the kind's service, else those of the service whose host an RTMP or Wowza preset names; null
+/// when there is neither.
+[[nodiscard]] const ServiceRules *rulesFor(const VantlePreset &preset);
 
 /// The row for a picture; null when it is larger than all rows say.
 [[nodiscard]] const BitRateRow *rowOf(const ServiceRules &rules, qint64 width, qint64 height,

@@ -183,7 +183,7 @@ void adviseForHls(AdviceList &advice, const VideoSettingsList &renditions)
 void adviseVideo(AdviceList &advice, const VantlePreset &preset)
 {
     const VideoSettingsList &renditions = preset.videoSettings();
-    const ServiceRules *rules = rulesOf(preset.type());
+    const ServiceRules *rules = rulesFor(preset);
     if (renditions.isEmpty() && (rules || preset.audioSettings().isEmpty()))
         advice.error(kList, u"there is no video rendition to send"_s, source::kPresetFile);
     for (qsizetype i = 0; i < renditions.size(); ++i) {

@@ -44,6 +44,12 @@ const ServiceIngest *firstIngestOf(StreamingType type)
     return firstRow([&](const ServiceIngest &ingest) { return ingest.type == type; });
 }
 
+const ServiceIngest *ingestOfHost(const QString &host)
+{
+    return firstRow(
+        [&](const ServiceIngest &ingest) { return host.compare(ingest.host, Qt::CaseInsensitive) == 0; });
+}
+
 const ServiceIngest *ingestFor(StreamingType type, Protocol protocol, bool isBackup)
 {
     return firstRow([&](const ServiceIngest &ingest) {

@@ -27,6 +27,8 @@ struct ServiceIngest
 
 /// The row of new presets.
 [[nodiscard]] const ServiceIngest *firstIngestOf(StreamingType type);
+/// The row of a host, of whatever kind; case does not count in host names.
+[[nodiscard]] const ServiceIngest *ingestOfHost(const QString &host);
 /// The row of a protocol.
 [[nodiscard]] const ServiceIngest *ingestFor(StreamingType type, RTMPVantlePreset::StreamingProtocol protocol,
                                              bool isBackup);
