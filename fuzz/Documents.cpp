@@ -113,6 +113,7 @@ void run(QByteArrayView input)
         return;
     checkWriting(decodeAny, *preset);
     checkQueries(*preset);
+    (void)adviceForDocument(first);
     if (end >= 0) {
         if (const auto source = decodeOrNull(decodeAny, input.sliced(end + 1)))
             checkUpdate(preset, *source);

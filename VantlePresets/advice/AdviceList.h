@@ -7,6 +7,8 @@
 
 namespace vantle::advice {
 
+struct Address;
+
 /// What the rules have found so far. Texts never repeat what a preset's texts hold.
 class AdviceList
 {
@@ -54,7 +56,7 @@ void adviseAudio(AdviceList &advice, const VantlePreset &preset);
 /// Identifiers of MPEG-TS packets, where the preset's container has them.
 void adviseIdentifiers(AdviceList &advice, const VantlePreset &preset);
 
-/// A port of the address counts before the preset's own.
-void advisePort(AdviceList &advice, const QString &addressPort, qint64 presetPort);
+/// Judges the port that counts: the address's own comes before the preset's.
+void advisePort(AdviceList &advice, const Address &address, qint64 presetPort);
 
 } // namespace vantle::advice

@@ -28,12 +28,39 @@ constexpr std::array<Scheme, 4> kSchemes{{{Protocol::rtmp, "rtmp"_L1},
 /// An RTMP-family preset beside its service's rules.
 struct ServiceCheck
 {
+    ServiceCheck(const RTMPVantlePreset &presetToCheck, const ServiceRules &itsRules,
+                 const Address &itsAddress)
+        : preset(presetToCheck), rules(itsRules), address(itsAddress), named(ingestOfHost(address.host))
+    {
+        if (named && named->type != rules.type)
+            named = nullptr;
+    }
+
+    /// Whether protocol, port and application have to be the service's: not those of a relay.
+    [[nodiscard]] bool goesToService() const
+    {
+        const bool isOwnHost = address.host.isEmpty() || named ||
+                               address.host.endsWith("."_L1 + rules.domain, Qt::CaseInsensitive);
+        return isOwnHost || (rules.judgesOtherHosts && !address.isLocal());
+    }
+
     const RTMPVantlePreset &preset;
     const ServiceRules &rules;
     const Address &address;
-    const ServiceIngest *named = nullptr; ///< the ingest whose host the address is
-    QString placeOfPort;                  ///< what says the port
-    qint64 port = 0;
+    const ServiceIngest *named; ///< the ingest whose host the address is
+};
+
+/// The port that counts, and what says it: the address's own comes before the preset's.
+struct Port
+{
+    Port(const Address &address, qint64 presetPort)
+        : place(address.port.isEmpty() ? u"portNumber"_s : u"streamingURL"_s),
+          number(address.port.isEmpty() ? presetPort : address.port.toLongLong())
+    {
+    }
+
+    QString place;
+    qint64 number;
 };
 
 /// "RTMPS or RTMP".
@@ -64,8 +91,6 @@ void adviseHost(AdviceList &advice, const ServiceCheck &check)
 
 void adviseProtocolAndPort(AdviceList &advice, const ServiceCheck &check)
 {
-    const bool isOwnHost = check.address.host.isEmpty() || check.named ||
-                           check.address.host.endsWith("."_L1 + check.rules.domain, Qt::CaseInsensitive);
     const ServiceIngest *wanted =
         ingestFor(check.rules.type, check.preset.streamingProtocol(), check.named && check.named->isBackup);
     if (!wanted) {
@@ -79,8 +104,9 @@ void adviseProtocolAndPort(AdviceList &advice, const ServiceCheck &check)
             "%1's host for %2 is %3"_L1.arg(check.rules.name, displayName(wanted->protocol), wanted->host),
             wanted->source);
     }
-    if ((isOwnHost || check.rules.judgesOtherHosts) && check.port != wanted->port)
-        advice.error(check.placeOfPort,
+    const Port port(check.address, check.preset.portNumber());
+    if (port.number != wanted->port)
+        advice.error(port.place,
                      "%1's port for %2 is %3"_L1.arg(check.rules.name, displayName(wanted->protocol),
                                                      QString::number(wanted->port)),
                      wanted->source);
@@ -124,12 +150,14 @@ void adviseService(AdviceList &advice, const ServiceCheck &check)
 {
     // The files of other kinds, which may name the service's host too, keep neither application nor key.
     const bool isOwnKind = check.preset.type() == check.rules.type;
-    if (!check.address.isLocal()) { // else a relay, which has rules of its own
+    if (!check.address.isLocal())
         adviseHost(advice, check);
+    if (check.goesToService())
         adviseProtocolAndPort(advice, check);
-        if (isOwnKind)
-            adviseApplication(advice, check);
-    }
+    else
+        advisePort(advice, check.address, check.preset.portNumber());
+    if (isOwnKind && check.goesToService())
+        adviseApplication(advice, check);
     if (isOwnKind && check.preset.streamKey().isEmpty())
         advice.error(u"streamKey"_s, "%1's stream key is missing"_L1.arg(check.rules.name),
                      check.rules.protocolSource);
@@ -183,13 +211,12 @@ void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const Addre
 
 } // namespace
 
-void advisePort(AdviceList &advice, const QString &addressPort, qint64 presetPort)
+void advisePort(AdviceList &advice, const Address &address, qint64 presetPort)
 {
     constexpr qint64 kHighestPort = 65535;
-    const qint64 port = addressPort.isEmpty() ? presetPort : addressPort.toLongLong();
-    if (port < 1 || port > kHighestPort)
-        advice.error(addressPort.isEmpty() ? u"portNumber"_s : u"streamingURL"_s, u"a port is 1 to 65535"_s,
-                     source::kPorts);
+    const Port port(address, presetPort);
+    if (port.number < 1 || port.number > kHighestPort)
+        advice.error(port.place, u"a port is 1 to 65535"_s, source::kPorts);
 }
 
 void adviseConnection(AdviceList &advice, const RTMPVantlePreset &preset)
@@ -204,15 +231,10 @@ void adviseConnection(AdviceList &advice, const RTMPVantlePreset &preset)
     if (!rules && address->host.isEmpty())
         advice.error(u"streamingURL"_s, u"the server's host or URL is missing"_s, source::kPresetFile);
     adviseScheme(advice, preset, *address);
-    advisePort(advice, address->port, preset.portNumber());
-    if (rules) {
-        const bool isPortOfAddress = !address->port.isEmpty();
-        const ServiceIngest *named = ingestOfHost(address->host);
-        adviseService(advice,
-                      {preset, *rules, *address, named && named->type == rules->type ? named : nullptr,
-                       isPortOfAddress ? u"streamingURL"_s : u"portNumber"_s,
-                       isPortOfAddress ? address->port.toLongLong() : preset.portNumber()});
-    }
+    if (rules)
+        adviseService(advice, {preset, *rules, *address});
+    else
+        advisePort(advice, *address, preset.portNumber());
     if (carriesFlv(preset))
         adviseCharacters(advice, "streamKey"_L1, preset.streamKey(),
                          rules && rules->keyHoldsParameters ? "%+/"_L1 : "%+&/"_L1);

@@ -144,7 +144,7 @@ void adviseConnection(AdviceList &advice, const SRTVantlePreset &preset)
                      source::kSrtTransmit);
     if (!address->scheme.isEmpty() && address->scheme != "srt"_L1)
         advice.error(u"streamingURL"_s, u"an SRT address begins with srt://"_s, source::kPresetFile);
-    advisePort(advice, address->port, preset.portNumber());
+    advisePort(advice, *address, preset.portNumber());
     for (const auto &item : query.queryItems(QUrl::FullyDecoded))
         adviseValue(advice, u"streamingURL"_s, item.first, item.second);
     adviseEscapes(advice, query);

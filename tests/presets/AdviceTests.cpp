@@ -136,6 +136,13 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
              {url(youTube(), "relay.example.com"),
               "warning streamingURL: is none of YouTube's known hosts; it hands out a.rtmps.youtube.com"},
              {url(youTube(), "127.0.0.1").with("portNumber", "19350"), ""},
+             {url(youTube(), "relay.example.com:1936").with("application", R"("in")"),
+              "warning streamingURL: is none of YouTube's known hosts; it hands out a.rtmps.youtube.com"},
+             {youTube().with("portNumber", "99999"), "error portNumber: YouTube's port for RTMPS is 443"},
+             {url(youTube(), "127.0.0.1:0"), "error streamingURL: a port is 1 to 65535"},
+             {url(facebook(), "x.example.com:1935"),
+              "warning streamingURL: is none of Facebook's known hosts; it hands out "
+              "live-api-s.facebook.com\nerror streamingURL: Facebook's port for RTMPS is 443"},
              {youTube().with("application", R"("live")"),
               "error application: YouTube's application is live2"},
              {backup, "warning application: YouTube's backup host takes the application live2?backup=1"},
