@@ -80,6 +80,9 @@ void adviseProfile(AdviceList &advice, qsizetype index, const VideoSettings &vid
         adviseUnknownProfile(advice, index, video);
     else if (H264Profile::isComputable(video.width(), video.height(), video.frameRate()))
         adviseLevel(advice, index, video, *named);
+    else
+        advice.error(placeOf(kList, index), u"no level of H.264 reaches such a frame size and rate"_s,
+                     source::kH264);
 }
 
 /// False when the picture is none, so that no rule can judge it.

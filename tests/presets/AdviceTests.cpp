@@ -205,6 +205,9 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
              {withVideo(hls, "profile", R"("H264_Main_3_1")"),
               "warning videoSettings[0].profile: the level is too low for this frame size, frame rate or bit "
               "rate; H264_Main_4_0 would do"},
+             {withVideo(hls, "frameRate", "1e300"),
+              "error videoSettings[0]: no level of H.264 reaches such a frame size and rate\nwarning "
+              "videoSettings[0].frameRate: HLS has at most 60 frames per second"},
              {withVideo(hls, "bitRate", "250000"),
               "warning videoSettings[0].profile: the level is too low for this frame size, frame rate or bit "
               "rate, and so is every other"},
