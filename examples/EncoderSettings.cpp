@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A host without a window: takes a preset of the machine's by name and hands its values to the encoders.
+#include "VantlePresets/advice/Advice.h"
 #include "VantlePresets/store/PresetsManager.h"
 
 #include <QtCore/QCommandLineParser>
@@ -32,6 +33,9 @@ int configureEncoders(const vantle::PresetsManager &manager, const QString &name
     }
     std::printf("%s (%s)\n", qUtf8Printable(preset->name()),
                 qUtf8Printable(vantle::displayName(preset->type())));
+    for (const vantle::Advice &advice : vantle::adviceFor(*preset))
+        std::fprintf(stderr, "%s: %s: %s\n", vantle::adviceSeverities().text(advice.severity).data(),
+                     qUtf8Printable(advice.place), qUtf8Printable(advice.text));
     for (const auto &video : preset->videoSettings())
         configureVideo(*video);
     for (const auto &track : preset->audioSettings())

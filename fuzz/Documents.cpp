@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/FuzzTarget.h"
 
+#include "VantlePresets/advice/Advice.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetFactory.h"
@@ -60,6 +61,8 @@ void checkQueries(const VantlePreset &preset)
         require(!ctl::presetAsText(preset, reveal).isEmpty(), "a preset has a text");
         require(!ctl::presetAsJson(preset, reveal).isEmpty(), "a preset has a listing");
     }
+    for (const Advice &advice : adviceFor(preset))
+        require(!advice.place.isEmpty() && !advice.text.isEmpty(), "advice has a place and a text");
     for (const auto &video : preset.videoSettings()) {
         require(!video->displayName().isEmpty() && !video->aggregateDescription().isEmpty(),
                 "a rendition has texts");
@@ -110,6 +113,7 @@ void run(QByteArrayView input)
         return;
     checkWriting(decodeAny, *preset);
     checkQueries(*preset);
+    (void)adviceForDocument(first);
     if (end >= 0) {
         if (const auto source = decodeOrNull(decodeAny, input.sliced(end + 1)))
             checkUpdate(preset, *source);

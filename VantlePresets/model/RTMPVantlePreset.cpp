@@ -6,6 +6,7 @@
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/PresetKeys.h"
+#include "VantlePresets/model/ServiceIngest.h"
 
 namespace vantle {
 namespace {
@@ -18,18 +19,6 @@ constexpr EnumerationTable<StreamingProtocol, 4> kProtocols{"unexpected Streamin
                                                               {StreamingProtocol::rtmps, "RTMPS"_L1},
                                                               {StreamingProtocol::rtspUDP, "RTSP UDP"_L1},
                                                               {StreamingProtocol::rtspTCP, "RTSP TCP"_L1}}}};
-
-struct ServiceDefaults
-{
-    StreamingType type;
-    QLatin1StringView host;
-    QLatin1StringView application;
-};
-
-// The public ingest hosts of the two services; a preset's host can be edited.
-constexpr std::array<ServiceDefaults, 2> kServices{
-    {{StreamingType::youTube, "a.rtmp.youtube.com"_L1, "live2"_L1},
-     {StreamingType::facebook, "rtmp-api.facebook.com"_L1, "rtmp"_L1}}};
 
 } // namespace
 
@@ -48,11 +37,9 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::withType(StreamingType type,
     auto preset = std::make_shared<RTMPVantlePreset>(Key{});
     preset->m_isBackup = isBackup;
     preset->m_streamKey = streamKey;
-    for (const ServiceDefaults &service : kServices) {
-        if (service.type == type) {
-            preset->m_streamingURL = service.host;
-            preset->m_application = service.application;
-        }
+    if (const ServiceIngest *service = firstIngestOf(type)) {
+        preset->m_streamingURL = service->host;
+        preset->m_application = service->application;
     }
     preset->makeDefaults(type, name);
     return preset;

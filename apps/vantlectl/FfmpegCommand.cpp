@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignment.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/encoder/EncoderPlan.h"
@@ -79,6 +80,7 @@ ExitCode ffmpeg(const Options &options, Output &out)
     const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
     for (const QString &problem : plan.problems)
         complain(problem);
+    tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
     if (!plan.problems.isEmpty())
         return ExitCode::failed;
     for (const QString &note : plan.notes)

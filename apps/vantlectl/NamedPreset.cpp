@@ -4,6 +4,9 @@
 #include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/PresetText.h"
 
+#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/store/PresetsFolder.h"
+
 namespace vantle::ctl {
 namespace {
 
@@ -29,6 +32,18 @@ std::shared_ptr<VantlePreset> namedPreset(const std::string &argument, const Sto
     } catch (const std::exception &error) {
         throw Refusal(shown(argument) + QLatin1StringView(": ") + Failure(error).message());
     }
+}
+
+std::filesystem::path fileOfNamedPreset(const std::string &argument, const StoreOptions &options)
+{
+    return namesAFile(argument, options) ? std::filesystem::path(argument) : fileInStore(argument, options);
+}
+
+std::filesystem::path fileInStore(const std::string &name, const StoreOptions &options)
+{
+    const QString directory = options.dataDirectory.empty() ? machineDataDirectories().constFirst()
+                                                            : QString::fromStdString(options.dataDirectory);
+    return fileSystemPath(presetsFolderPath(directory)) / (name + ".json");
 }
 
 } // namespace vantle::ctl

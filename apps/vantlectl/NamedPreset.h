@@ -3,6 +3,8 @@
 
 #include "apps/vantlectl/StoreSession.h"
 
+#include <filesystem>
+
 namespace vantle::ctl {
 
 inline constexpr const char *kPresetArgumentHelp =
@@ -12,5 +14,11 @@ inline constexpr const char *kPresetArgumentHelp =
 /// is a regular file while no data directory is given; else the store's preset of that name. Throws Refusal.
 [[nodiscard]] std::shared_ptr<VantlePreset> namedPreset(const std::string &argument,
                                                         const StoreOptions &options);
+
+/// Where that preset's file is.
+[[nodiscard]] std::filesystem::path fileOfNamedPreset(const std::string &argument,
+                                                      const StoreOptions &options);
+/// Where the file of the store's preset of that name is.
+[[nodiscard]] std::filesystem::path fileInStore(const std::string &name, const StoreOptions &options);
 
 } // namespace vantle::ctl

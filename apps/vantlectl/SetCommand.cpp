@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/StoreSession.h"
 
 #include "VantlePresets/document/DocumentWriter.h"
@@ -17,6 +19,7 @@ struct Options : StoreOptions
 {
     std::string name;
     std::vector<std::string> assignments;
+    bool forService = false;
 };
 
 /// Fields of the preset itself that its document would not hold: they would be gone with this process.
@@ -97,7 +100,7 @@ void apply(const QList<Assignment> &assignments, VantlePreset &preset)
 
 /// Applies the assignments until they are on disk: when another process was faster, to what that one wrote.
 ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset> &preset,
-                      const QList<Assignment> &assignments)
+                      const Options &options, const QList<Assignment> &assignments)
 {
     PresetsManager &manager = session.manager();
     bool isChanged = true;
@@ -106,9 +109,13 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
                          [&](const auto &updated) { isChanged = isChanged || updated == preset; });
     const Positions positions(*preset);
     ExitCode code = ExitCode::good;
-    while (std::exchange(isChanged, false)) {
+    for (bool isFirst = true; std::exchange(isChanged, false); isFirst = false) {
         positions.require(*preset, assignments);
+        if (options.forService)
+            setForService(*preset);
         apply(assignments, *preset);
+        if (isFirst)
+            tellAdvice(*preset, fileInStore(options.name, options));
         manager.saveUnlessChanged(preset);
         code = session.finish();
     }
@@ -128,7 +135,7 @@ ExitCode set(const Options &options, Output &out)
     const auto preset = session.preset(options.name);
     ExitCode code = ExitCode::failed;
     try {
-        code = applyAndSave(session, preset, *assignments);
+        code = applyAndSave(session, preset, options, *assignments);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }
@@ -152,8 +159,13 @@ void addSetCommand(CLI::App &app, Command &chosen)
     const auto options = std::make_shared<Options>();
     options->addTo(*command);
     command->add_option("NAME", options->name, "The preset")->required();
-    command->add_option("FIELD=VALUE", options->assignments, "What to change")->required();
+    command->add_option("FIELD=VALUE", options->assignments, "What to change");
+    command->add_flag(
+        "--for-service", options->forService,
+        "First what YouTube or Facebook needs: protocol, port, and the host unless it is another's");
     command->callback([options, &chosen] {
+        if (options->assignments.empty() && !options->forService)
+            throw CLI::RequiredError("FIELD=VALUE or --for-service");
         chosen = [options](Output &out) { return guarded([&] { return set(*options, out); }); };
     });
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Command.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/PresetView.h"
@@ -27,7 +28,9 @@ void print(const VantlePreset &preset, const Options &options, Output &out)
 
 ExitCode show(const Options &options, Output &out)
 {
-    print(*namedPreset(options.preset, options), options, out);
+    const auto preset = namedPreset(options.preset, options);
+    print(*preset, options, out);
+    tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
     return ExitCode::good;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
@@ -70,6 +71,7 @@ ExitCode import(const ImportOptions &options, Output &out)
             names.insert(canonicalName(preset->name()));
             imported.append(preset);
             sources.append(QString::fromStdString(file.string()));
+            tellAdviceOnFile(file);
         } catch (const std::exception &error) {
             complain(shown(file) + ": "_L1 + Failure(error).message());
             isComplete = false;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Command.h"
 #include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/PresetText.h"
@@ -20,6 +21,7 @@ struct Options
 {
     std::vector<std::string> paths;
     bool json = false;
+    bool strict = false;
 };
 
 struct Result
@@ -27,6 +29,7 @@ struct Result
     fs::path path;
     std::shared_ptr<VantlePreset> preset; ///< null when there is a failure
     std::optional<Failure> failure;
+    QList<Advice> advice = {};
 };
 
 /// What a folder's presets are: its visible *.json, no matter what kind of file, sorted by name.
@@ -46,7 +49,7 @@ std::vector<fs::path> presetFilesOf(const fs::path &folder)
 Result judge(const fs::path &path)
 {
     try {
-        return {path, readPresetArgument(path), {}};
+        return {path, readPresetArgument(path), {}, adviceOnFile(path)};
     } catch (const std::exception &error) {
         return {path, nullptr, Failure(error)};
     }
@@ -60,6 +63,8 @@ void printText(Output &out, const Result &result, qsizetype pathColumns)
     else
         out.line("ok     "_L1 + path + "  "_L1 + padded(displayName(result.preset->type()), 8) + "  "_L1 +
                  countsOf(*result.preset));
+    for (const Advice &advice : result.advice)
+        out.line(shown(result.path) + ": "_L1 + adviceLine(advice));
 }
 
 void printJson(Output &out, const Result &result, qsizetype)
@@ -75,6 +80,7 @@ void printJson(Output &out, const Result &result, qsizetype)
             writer.string("kind", displayName(result.preset->type()));
             writer.integer("videoSettings", result.preset->videoSettings().size());
             writer.integer("audioSettings", result.preset->audioSettings().size());
+            writeAdvice(writer, result.advice);
         }
         writer.endObject();
     }));
@@ -109,7 +115,7 @@ ExitCode validate(const Options &options, Output &out)
     for (const fs::path &file : files) {
         const Result result = judge(file);
         print(out, result, pathColumns);
-        if (result.failure)
+        if (result.failure || (options.strict && !result.advice.isEmpty()))
             code = ExitCode::failed;
     }
     return code;
@@ -119,13 +125,15 @@ ExitCode validate(const Options &options, Output &out)
 
 void addValidateCommand(CLI::App &app, Command &chosen)
 {
-    CLI::App *const command = app.add_subcommand("validate", "Check preset files, one line per file");
+    CLI::App *const command = app.add_subcommand(
+        "validate", "Check preset files: a line per file, and one for each piece of advice");
     const auto options = std::make_shared<Options>();
     command
         ->add_option("PATH", options->paths,
                      "Preset files, - for standard input, or folders with *.json files")
         ->required();
     command->add_flag("--json", options->json, "One JSON object per line");
+    command->add_flag("--strict", options->strict, "Fail when there is advice, too");
     command->callback(
         [options, &chosen] { chosen = [options](Output &out) { return validate(*options, out); }; });
 }

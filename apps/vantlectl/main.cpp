@@ -2,6 +2,7 @@
 #include "apps/support/StandardStreams.h"
 #include "apps/vantlectl/Command.h"
 
+#include "VantlePresets/advice/NearestText.h"
 #include "VantlePresets/core/Log.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,7 +12,6 @@
 #include <csignal>
 #include <sstream>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -45,44 +45,25 @@ ExitCode explain(const CLI::App &app, const CLI::ParseError &error, Output &out)
     return isError ? ExitCode::usage : ExitCode::good;
 }
 
-/// How many letters have to be added, left out, replaced or swapped with the next to turn one into the other.
-std::size_t lettersBetween(std::string_view a, std::string_view b)
-{
-    std::vector<std::vector<std::size_t>> table(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i) {
-        for (std::size_t j = 0; j <= b.size(); ++j) {
-            if (i == 0 || j == 0) {
-                table[i][j] = i + j;
-                continue;
-            }
-            const std::size_t kept = table[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-            table[i][j] = std::min({table[i - 1][j] + 1, table[i][j - 1] + 1, kept});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-                table[i][j] = std::min(table[i][j], table[i - 2][j - 2] + 1);
-        }
-    }
-    return table[a.size()][b.size()];
-}
-
 /// Complains of a first word that is no subcommand, and names the one that looks like it.
 bool isUnknownCommand(const CLI::App &app, std::string_view word)
 {
-    constexpr std::size_t kAlike = 2;
-    std::string alike;
-    std::size_t least = kAlike + 1;
+    constexpr qsizetype kAlike = 2;
+    const QString written = QString::fromUtf8(word.data(), std::ssize(word));
+    QString alike;
+    qsizetype least = kAlike + 1;
     for (const CLI::App *command : app.get_subcommands({})) {
-        const std::size_t letters = lettersBetween(word, command->get_name());
+        const QString name = QString::fromStdString(command->get_name());
+        const qsizetype letters = advice::lettersBetween(written, name);
         if (letters == 0)
             return false;
         if (letters < least) {
             least = letters;
-            alike = command->get_name();
+            alike = name;
         }
     }
-    const QString hint =
-        alike.empty() ? QString() : "; did you mean \""_L1 + QString::fromStdString(alike) + "\"?"_L1;
-    complain("there is no subcommand \""_L1 +
-             escapedControls(QString::fromUtf8(word.data(), std::ssize(word))) + u'"' + hint +
+    const QString hint = alike.isEmpty() ? QString() : "; did you mean \""_L1 + alike + "\"?"_L1;
+    complain("there is no subcommand \""_L1 + escapedControls(written) + u'"' + hint +
              "\nRun with --help for more information."_L1);
     return true;
 }

@@ -2,6 +2,8 @@
 // What has to work across the boundary of the shared libraries, in a host without a window. Arguments: a
 // preset file of the kind YouTube and a folder to work in. Each line that is not true ends it with its
 // number.
+#include "VantlePresets/advice/Advice.h"
+#include "VantlePresets/advice/ServiceConnection.h"
 #include "VantlePresets/core/LogSink.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetFactory.h"
@@ -53,6 +55,11 @@ int main(int argc, char **argv)
             vantle::RTMPVantlePreset::StreamingProtocol::rtmps);
     REQUIRE(isRefused(R"({"type": "HLS"})"));
     REQUIRE(!preset->presetImage().isEmpty());
+
+    REQUIRE(vantle::adviceFor(*preset).isEmpty());
+    pushed->setPortNumber(1);
+    REQUIRE(vantle::adviceFor(*preset).size() == 1 && vantle::setServiceConnection(*preset));
+    REQUIRE(pushed->portNumber() == 443);
 
     int changes = 0;
     QObject::connect(preset.get(), &vantle::ObservableRecord::objectWillChange, [&] { ++changes; });

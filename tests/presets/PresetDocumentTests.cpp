@@ -38,7 +38,7 @@ TEST(PresetDocuments, NewPresetsWriteTheDefaultsOfTheirKind)
     for (const Row &row :
          {Row{StreamingType::youTube, R"({"type":"YouTube","streamingURL":"a.rtmp.youtube.com",)" +
                                           connection + service + R"("application":"live2",)"},
-          {StreamingType::facebook, R"({"type":"Facebook","streamingURL":"rtmp-api.facebook.com",)" +
+          {StreamingType::facebook, R"({"type":"Facebook","streamingURL":"live-api-s.facebook.com",)" +
                                         connection + service + R"("application":"rtmp",)"},
           {StreamingType::rtmp, R"({"type":"RTMP","streamingURL":"",)" + connection},
           {StreamingType::wowza, R"({"type":"Wowza","streamingURL":"",)" + connection},

@@ -117,6 +117,40 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
     EXPECT_TRUE(limited.errors.contains("videoSettings.0.bitRate: limited to 240000 by the profile"));
 }
 
+TEST_F(StoreCommands, AdviceIsToldBesideTheResult)
+{
+    ASSERT_EQ(ctl({"add", "Facebook", "--name", "Page"}).exitCode, 0);
+    ASSERT_EQ(ctl({"add", "RTMP", "--name", "Plain"}).exitCode, 0);
+    const QByteArray port = "vantlectl: error: portNumber: Facebook's port for RTMPS is 443\n";
+    EXPECT_TRUE(ctl({"show", "Page"}).errors.contains(port));
+    EXPECT_TRUE(ctl({"set", "Page", "application=rtmp"}).errors.contains(port));
+    const Finished sent = ctl({"ffmpeg", "Page", "streamKey=k"});
+    EXPECT_EQ(sent.exitCode, 0);
+    EXPECT_TRUE(sent.errors.contains(port));
+
+    const Finished served = ctl({"set", "Page", "--for-service", "streamKey=k"});
+    EXPECT_EQ(served.exitCode, 0);
+    EXPECT_FALSE(served.errors.contains("error: ")) << served.errors.toStdString();
+    EXPECT_EQ(readPresetFile(file("Page"))->property("portNumber").toInt(), 443);
+    EXPECT_EQ(ctl({"show", "Page"}).errors, "");
+    EXPECT_EQ(ctl({"set", "Page", "--for-service", "portNumber=444"}).errors.count("error: portNumber"), 1);
+    const Finished refused = ctl({"set", "Plain", "--for-service"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.errors.contains("RTMP presets belong to no service; nothing was changed"));
+    EXPECT_EQ(ctl({"set", "Plain"}).exitCode, 2);
+
+    // What only the document tells.
+    const TemporaryFolder out;
+    const std::string misread = out.write("Tube.json", presetText("Youtube").text());
+    const QByteArray kind = ": error: type: is no known kind";
+    EXPECT_TRUE(ctl({"show", misread}).errors.contains(QByteArray("vantlectl" + kind)));
+    const Finished imported = ctl({"import", misread});
+    EXPECT_EQ(imported.exitCode, 0);
+    EXPECT_TRUE(imported.errors.contains(QByteArray("Tube.json" + kind)));
+    runScript(file("Page").parent_path(), "cp '" + misread + "' Tube.json");
+    EXPECT_TRUE(ctl({"show", "Tube"}).errors.contains(QByteArray("vantlectl" + kind)));
+}
+
 TEST_F(StoreCommands, ImportAndExportKeepSecretsToThemselves)
 {
     const std::string sample = VANTLE_SAMPLES "/YouTube Premiere.json";

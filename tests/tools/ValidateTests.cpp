@@ -13,8 +13,9 @@ namespace {
 
 TEST(Validate, TheSamplesAreGoodAndOfEveryKind)
 {
-    const Finished run = runProcess({VANTLECTL, "validate", "--json", VANTLE_SAMPLES});
+    const Finished run = runProcess({VANTLECTL, "validate", "--strict", "--json", VANTLE_SAMPLES});
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+    EXPECT_EQ(run.output.count("\"advice\":[]"), 6) << run.output.toStdString();
     for (const QString &kind : streamingTypes().texts())
         EXPECT_TRUE(run.output.contains(QByteArray("\"kind\":\"" + kind.toUtf8() + '"')))
             << kind.toStdString();
@@ -55,21 +56,48 @@ TEST(Validate, OneLineForEachFileOfAFolderSortedByName)
         "ok     " + at + "a.json" + blanks + "  Wowza     1 rendition, 1 track\n" + "error  " + at +
         "b.json" + blanks + "  streamKey: required key is missing\n" + "error  " + at +
         "c\\u000ad\\u001b.json" + "  line 1, column 2: Missing a name for object member\n" + "ok     " + at +
-        "e\xEF\xBF\xBD.json" + blanks.chopped(1) + "  HLS       1 rendition, 0 tracks\n" + "error  " + at +
-        "f.json" + blanks + "  Not a regular file\n";
+        "e\xEF\xBF\xBD.json" + blanks.chopped(1) + "  HLS       1 rendition, 0 tracks\n" + at +
+        "e\xEF\xBF\xBD.json: warning: audioSettings: one track has to be stereo, on which HLS players "
+        "count\n" +
+        "error  " + at + "f.json" + blanks + "  Not a regular file\n";
     EXPECT_EQ(run.output, expected);
+}
+
+TEST(Validate, AdviceStandsBesideTheFileAndFailsOnlyWhenAsked)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.write(
+        "a.json", presetText("RTMP").with("videoSettings", list({videoText(), videoText()})).text());
+    const QByteArray text =
+        "RTMP carries one video rendition, unless both sides know version 2 of the enhanced protocol";
+    const QByteArray lines = "ok     " + QByteArray::fromStdString(file) +
+                             "  RTMP      2 renditions, 1 track\n" + QByteArray::fromStdString(file) +
+                             ": warning: videoSettings[1]: " + text + '\n';
+    for (const bool isStrict : {false, true}) {
+        std::vector<std::string> arguments{VANTLECTL, "validate", file};
+        if (isStrict)
+            arguments.push_back("--strict");
+        const Finished run = runProcess(arguments);
+        EXPECT_EQ(run.exitCode, isStrict ? 1 : 0);
+        EXPECT_EQ(run.output, lines);
+        arguments.push_back("--json");
+        const QByteArray advice = R"("advice":[{"severity":"warning","place":"videoSettings[1]","text":")" +
+                                  text + R"(","source":"ER"}]})";
+        EXPECT_TRUE(runProcess(arguments).output.contains(advice));
+    }
 }
 
 TEST(Validate, JsonHasOneObjectPerLine)
 {
     const TemporaryFolder folder;
-    const std::string good = folder.write("good.json", presetText("SRT").text());
+    const std::string good = folder.write("good.json", presetText("SRT").with("audioSettings", "[]").text());
     const std::string bad = folder.write("bad.json", presetText("SRT").without("portNumber").text());
     const Finished run = runProcess({VANTLECTL, "validate", "--json", good, bad, "/missing.json"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.output.toStdString(),
-              R"({"file":")" + good + R"(","ok":true,"kind":"SRT","videoSettings":1,"audioSettings":1})" +
-                  '\n' + R"({"file":")" + bad +
+              R"({"file":")" + good +
+                  R"(","ok":true,"kind":"SRT","videoSettings":1,"audioSettings":0,"advice":[]})" + '\n' +
+                  R"({"file":")" + bad +
                   R"(","ok":false,"place":"portNumber","error":"required key is missing"})" + '\n' +
                   R"({"file":"/missing.json","ok":false,"place":"","error":"No such file or directory"})" +
                   '\n');
