@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/FuzzTarget.h"
 
-#include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -26,8 +25,7 @@ std::shared_ptr<VantlePreset> decodeAny(QByteArrayView text)
 template <class Preset>
 std::shared_ptr<VantlePreset> decodeAs(QByteArrayView text)
 {
-    const document::Document json(text);
-    return Preset::decode(json.root());
+    return Preset::decoded(text);
 }
 
 using Decode = std::shared_ptr<VantlePreset> (*)(QByteArrayView);

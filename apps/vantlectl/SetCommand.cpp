@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/Assignments.h"
 #include "apps/vantlectl/StoreSession.h"
 
 namespace vantle::ctl {
@@ -13,36 +13,18 @@ struct Options : StoreOptions
     std::vector<std::string> assignments;
 };
 
-/// Fields of the preset itself that its document would not hold: they would be gone with this process.
-void requireKept(const VantlePreset &preset, const QList<Assignment> &assignments)
-{
-    const QByteArray document = preset.encoded(document::Format::compact);
-    for (const Assignment &assignment : assignments) {
-        const QString &path = assignment.path();
-        if (path.contains(u'.') || document.contains(QByteArray('"' + path.toUtf8() + "\":")))
-            continue;
-        const bool isLogin = path.startsWith("authentication"_L1);
-        throw AssignmentError(path, isLogin ? u"kept only while authenticate is true"_s
-                                            : "not kept in the files of "_L1 + displayName(preset.type()) +
-                                                  " presets"_L1);
-    }
-}
-
 ExitCode set(const Options &options, Output &out)
 {
-    const auto assignments = Assignment::parseAll(options.assignments);
+    const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
 
     StoreSession session(options);
     const auto preset = session.preset(options.name);
     try {
-        for (const Assignment &assignment : *assignments) {
-            assignment.apply(*preset);
-            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
-                complain(assignment.path() + ": "_L1 + limitation);
-        }
-        requireKept(*preset, *assignments);
+        applyAll(withTextsRead(*assignments), *preset);
+        for (const Assignment &assignment : *assignments)
+            assignment.requireKept(*preset);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }

@@ -16,7 +16,7 @@ TEST(Validate, TheSamplesAreGoodAndOfEveryKind)
     const Finished run = runProcess({VANTLECTL, "validate", "--json", VANTLE_SAMPLES});
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
     for (const QString &kind : streamingTypes().texts())
-        EXPECT_TRUE(run.output.contains(QByteArray("\"kind\":\"" + kind.toUtf8() + '"')))
+        EXPECT_TRUE(run.output.contains(QByteArray("\"type\":\"" + kind.toUtf8() + '"')))
             << kind.toStdString();
     for (const auto &entry : std::filesystem::directory_iterator(VANTLE_SAMPLES)) {
         const auto preset = readPresetFile(entry.path());
@@ -68,7 +68,7 @@ TEST(Validate, JsonHasOneObjectPerLine)
     const Finished run = runProcess({VANTLECTL, "validate", "--json", good, bad, "/missing.json"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.output.toStdString(),
-              R"({"file":")" + good + R"(","ok":true,"kind":"SRT","videoSettings":1,"audioSettings":1})" +
+              R"({"file":")" + good + R"(","ok":true,"type":"SRT","videoSettings":1,"audioSettings":1})" +
                   '\n' + R"({"file":")" + bad +
                   R"(","ok":false,"place":"portNumber","error":"required key is missing"})" + '\n' +
                   R"({"file":"/missing.json","ok":false,"place":"","error":"No such file or directory"})" +
