@@ -33,7 +33,7 @@ public:
     [[nodiscard]] QString message() const;
 
 private:
-    struct Details;
+    struct Q_DECL_HIDDEN Details;
     std::shared_ptr<const Details> d; // copies of an exception must not throw
 };
 

@@ -54,7 +54,7 @@ public:
     void requireKept(const VantlePreset &preset) const;
 
 private:
-    struct Data;
+    struct Q_DECL_HIDDEN Data;
     explicit Assignment(std::shared_ptr<const Data> data);
 
     std::shared_ptr<const Data> d;

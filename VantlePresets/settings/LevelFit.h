@@ -32,7 +32,7 @@ public:
     [[nodiscard]] std::optional<QString> lowestLevel() const;
 
 private:
-    struct Data;
+    struct Q_DECL_HIDDEN Data;
     std::shared_ptr<const Data> d;
 };
 
