@@ -7,6 +7,7 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -92,7 +93,12 @@ QString lineAndColumn(QByteArrayView text, std::size_t offset)
     const QByteArrayView before = text.first(static_cast<qsizetype>(offset));
     const qsizetype lineStart = before.lastIndexOf('\n') + 1;
     const auto line = before.count('\n') + 1;
-    const auto column = QString::fromUtf8(before.sliced(lineStart)).toUcs4().size() + 1;
+    const auto column = std::count_if(before.begin() + lineStart, before.end(),
+                                      [](char byte) {
+                                          return (static_cast<unsigned char>(byte) & 0xC0) !=
+                                                 0x80; // the first of a character
+                                      }) +
+                        1;
     return QStringLiteral("line %1, column %2").arg(line).arg(column);
 }
 
@@ -213,7 +219,7 @@ struct Document::Tree
     rapidjson::Document json{&pool};
 };
 
-Document::Document(QByteArrayView text) : m_tree(new Tree)
+Document::Document(QByteArrayView text, KeyFilter isKept) : m_tree(new Tree)
 {
     const QByteArrayView byteOrderMark("\xEF\xBB\xBF");
     if (text.startsWith(byteOrderMark))
@@ -221,7 +227,7 @@ Document::Document(QByteArrayView text) : m_tree(new Tree)
 
     rapidjson::MemoryStream stream(text.data(), static_cast<std::size_t>(text.size()));
     rapidjson::Reader reader;
-    JsonTreeBuilder builder(m_tree->json, text.contains('\\'));
+    JsonTreeBuilder builder(m_tree->json, text.contains('\\'), isKept);
     auto parse = [&](rapidjson::Document &) { return !reader.Parse<kParseFlags>(stream, builder).IsError(); };
     m_tree->json.Populate(parse);
 

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 
 namespace vantle::document {
 
@@ -73,13 +74,20 @@ private:
     Place m_place;
 };
 
-/// A parsed JSON text. Nesting is bounded by memory alone, never by the stack.
+/// The deepest nesting of objects and arrays that is read, the outermost one included.
+inline constexpr std::size_t kMaximumDepth = 256;
+
+/// Says which members of objects are kept, wherever they stand; null for all. The others are only checked.
+using KeyFilter = bool (*)(std::string_view key);
+
+/// A parsed JSON text.
 class Document
 {
 public:
     /// Reads UTF-8, with or without a byte-order mark. Throws DecodingError with line and column when the
-    /// text is not JSON, not UTF-8, holds a lone surrogate, or goes on behind the document.
-    explicit Document(QByteArrayView text);
+    /// text is not JSON, not UTF-8, holds a lone surrogate, is nested too deep, or goes on behind the
+    /// document.
+    explicit Document(QByteArrayView text, KeyFilter isKept = nullptr);
     ~Document();
     Document(const Document &) = delete;
     Document &operator=(const Document &) = delete;

@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,7 +31,7 @@ public:
         case FileFault::notRegular:
             return "Not a regular file";
         case FileFault::tooLarge:
-            return "File is larger than 64 MiB";
+            return "File is larger than 16 MiB";
         case FileFault::badName:
             return "Not a valid file name";
         }
@@ -56,11 +57,32 @@ auto checked(Call call)
     }
 }
 
+/// After a read or write that failed: throws, unless it would merely have blocked or was interrupted.
+void awaitReadiness(int descriptor, short events)
+{
+    if (errno == EINTR)
+        return;
+    if (errno != EAGAIN)
+        throwLastError();
+    pollfd wanted = {descriptor, events, 0};
+    checked([&] { return ::poll(&wanted, 1, -1); });
+}
+
 class Descriptor
 {
 public:
     explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor() { ::close(m_descriptor); }
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    /// Some file systems tell only now that there is no space (NFS, quotas).
+    void close()
+    {
+        if (::close(std::exchange(m_descriptor, -1)) != 0 && errno != EINTR)
+            throwLastError();
+    }
     Descriptor(const Descriptor &) = delete;
     Descriptor &operator=(const Descriptor &) = delete;
     int get() const { return m_descriptor; }
@@ -68,15 +90,6 @@ public:
 private:
     int m_descriptor;
 };
-
-void writeAll(int file, QByteArrayView content)
-{
-    while (!content.isEmpty()) {
-        const ssize_t written =
-            checked([&] { return ::write(file, content.data(), static_cast<std::size_t>(content.size())); });
-        content = content.sliced(written);
-    }
-}
 
 constexpr std::string_view kTemporaryPrefix = ".vantle-";
 constexpr std::size_t kTemporaryLetters = 8;
@@ -97,6 +110,13 @@ bool isTemporaryName(std::string_view name)
 {
     return name.starts_with(kTemporaryPrefix) && name.size() == kTemporaryPrefix.size() + kTemporaryLetters &&
            name.find_first_not_of(kLetters, kTemporaryPrefix.size()) == std::string_view::npos;
+}
+
+/// The system would take the path to end there.
+void requireNoNul(const std::filesystem::path &path)
+{
+    if (path.native().find('\0') != std::string::npos)
+        throw std::system_error(make_error_code(FileFault::badName));
 }
 
 FileStamp stampFrom(const struct stat &status)
@@ -125,6 +145,33 @@ int openRegular(int folder, const char *path)
     return checked([&] { return ::openat(folder, path, kFlags); });
 }
 
+/// Reads to the end, or as many bytes as a file has. Its size is a hint: it may grow, and files of /proc have
+/// none.
+void readInto(QByteArray &content, int file, std::optional<off_t> size)
+{
+    constexpr qint64 kFirstPiece = 1 << 16;
+    qsizetype length = 0;
+    content.resize(std::min<qint64>(size.value_or(kFirstPiece), kMaximumFileSize) + 1);
+    for (;;) {
+        const ssize_t got =
+            ::read(file, content.data() + length, static_cast<std::size_t>(content.size() - length));
+        if (got == 0)
+            break;
+        if (got < 0) {
+            awaitReadiness(file, POLLIN);
+            continue;
+        }
+        length += got;
+        if (length > kMaximumFileSize)
+            throw std::system_error(make_error_code(FileFault::tooLarge));
+        if (length == size)
+            break; // what is appended from now on is another change
+        if (length == content.size())
+            content.resize(std::min<qsizetype>(2 * length, kMaximumFileSize + 1));
+    }
+    content.truncate(length);
+}
+
 void readRegular(int folder, const char *path, QByteArray &content, FileStamp *stamp)
 {
     struct stat status = {};
@@ -133,26 +180,7 @@ void readRegular(int folder, const char *path, QByteArray &content, FileStamp *s
     requireRegular(status);
     if (stamp)
         *stamp = stampFrom(status);
-
-    // The size is a hint only: the file may grow, and files of /proc have none.
-    qsizetype length = 0;
-    content.resize(std::min<qint64>(status.st_size, kMaximumFileSize) + 1);
-    for (;;) {
-        const ssize_t got = checked([&] {
-            return ::read(file.get(), content.data() + length,
-                          static_cast<std::size_t>(content.size() - length));
-        });
-        if (got == 0)
-            break;
-        length += got;
-        if (length > kMaximumFileSize)
-            throw std::system_error(make_error_code(FileFault::tooLarge));
-        if (length == status.st_size)
-            break; // what is appended from now on is another change
-        if (length == content.size())
-            content.resize(std::min<qsizetype>(2 * length, kMaximumFileSize + 1));
-    }
-    content.truncate(length);
+    readInto(content, file.get(), status.st_size);
 }
 
 } // namespace
@@ -170,8 +198,16 @@ std::filesystem::path fileSystemPath(const QString &path)
 
 QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp)
 {
+    requireNoNul(path);
     QByteArray content;
     readRegular(AT_FDCWD, path.c_str(), content, stamp);
+    return content;
+}
+
+QByteArray readFully(int descriptor)
+{
+    QByteArray content;
+    readInto(content, descriptor, std::nullopt);
     return content;
 }
 
@@ -188,6 +224,7 @@ FolderReader::~FolderReader()
 
 void FolderReader::read(const std::string &path, QByteArray &buffer, FileStamp *stamp) const
 {
+    requireNoNul(path);
     if (m_folder >= 0 && path.starts_with(m_prefix))
         readRegular(m_folder, path.c_str() + m_prefix.size(), buffer, stamp);
     else
@@ -197,27 +234,42 @@ void FolderReader::read(const std::string &path, QByteArray &buffer, FileStamp *
 std::optional<FileStamp> stampOf(const std::filesystem::path &path)
 {
     struct stat status = {};
+    if (path.native().find('\0') != std::string::npos)
+        return std::nullopt;
     return ::stat(path.c_str(), &status) == 0 ? std::optional(stampFrom(status)) : std::nullopt;
+}
+
+void writeFully(int descriptor, QByteArrayView content)
+{
+    while (!content.isEmpty()) {
+        const ssize_t written = ::write(descriptor, content.data(), static_cast<std::size_t>(content.size()));
+        if (written >= 0)
+            content = content.sliced(written);
+        else
+            awaitReadiness(descriptor, POLLOUT);
+    }
 }
 
 void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
 {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const Descriptor file(checked([&] { return ::open(path.c_str(), kFlags, 0666); }));
-    writeAll(file.get(), content);
+    requireNoNul(path);
+    Descriptor file(checked([&] { return ::open(path.c_str(), kFlags, 0666); }));
+    writeFully(file.get(), content);
+    file.close();
 }
 
 StagedFile::StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access)
     : m_targetName(target.filename().string())
 {
-    if (m_targetName.empty() || m_targetName == "." || m_targetName == ".." ||
-        target.native().find('\0') != std::string::npos)
+    requireNoNul(target);
+    if (m_targetName.empty() || m_targetName == "." || m_targetName == "..")
         throw std::system_error(make_error_code(FileFault::badName));
     const std::string folder = target.has_parent_path() ? target.parent_path().string() : std::string(".");
     try {
         m_folder = checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
         createTemporary(access);
-        writeAll(m_file, content);
+        writeFully(m_file, content);
         checked([&] { return ::fsync(m_file); });
     } catch (...) {
         discard();

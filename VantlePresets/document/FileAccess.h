@@ -17,7 +17,7 @@
 namespace vantle {
 
 /// The largest preset file that is read, in bytes.
-inline constexpr qint64 kMaximumFileSize = qint64{64} << 20;
+inline constexpr qint64 kMaximumFileSize = qint64{16} << 20;
 
 /// What can be wrong with a file beyond what the operating system reports.
 enum class FileFault {
@@ -73,6 +73,14 @@ private:
     std::string m_prefix; ///< of the paths below the folder
     int m_folder;
 };
+
+/// Reads to the end of an open descriptor. Throws std::system_error, with FileFault::tooLarge for what is
+/// larger than a file may be. Callable from any thread.
+[[nodiscard]] QByteArray readFully(int descriptor);
+
+/// Writes all of it to an open descriptor; a full pipe is waited for, also where the descriptor does not
+/// block. Throws std::system_error. Callable from any thread.
+void writeFully(int descriptor, QByteArrayView content);
 
 /// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.

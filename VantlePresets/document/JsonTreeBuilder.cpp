@@ -66,7 +66,7 @@ bool JsonTreeBuilder::RawNumber(const char *text, rapidjson::SizeType length, bo
         integer = integerFromDecimal(number);
     const bool minusZero = integer == 0 && number.front() == '-';
     if (integer && !minusZero)
-        return m_tree.Int64(*integer);
+        return Int64(*integer);
 
     double real = 0;
     // Out of range is too large or too small; a number too small is zero. The parser has refused large
@@ -77,7 +77,17 @@ bool JsonTreeBuilder::RawNumber(const char *text, rapidjson::SizeType length, bo
         m_refusal = QStringLiteral("number out of range");
         return false;
     }
-    return m_tree.Double(real);
+    return Double(real);
+}
+
+bool JsonTreeBuilder::enter()
+{
+    if (m_depth == kMaximumDepth) {
+        m_refusal = QStringLiteral("nested more than %1 deep").arg(kMaximumDepth);
+        return false;
+    }
+    ++m_depth;
+    return true;
 }
 
 bool JsonTreeBuilder::isUnicode(const char *text, rapidjson::SizeType length)

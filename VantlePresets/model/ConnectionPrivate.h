@@ -34,6 +34,9 @@ public:
     /// Reads a whole document of one of the four kinds; throws DecodingError.
     [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> decode(const document::ObjectReader &root);
 
+    /// Takes all fields and the lists of a preset decoded from the same file, without announcing them.
+    void takeDecoded(const RTMPPrivate &decoded);
+
     RTMPVantlePreset::StreamingProtocol streamingProtocol = RTMPVantlePreset::StreamingProtocol::rtmp;
     QString authenticationLogin;
     QString authenticationPassword;

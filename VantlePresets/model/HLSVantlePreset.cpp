@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/HLSVantlePreset.h"
 
+#include "VantlePresets/model/PresetKeys.h"
 #include "VantlePresets/model/VantlePresetPrivate.h"
 
 namespace vantle {
@@ -23,7 +24,7 @@ std::shared_ptr<HLSVantlePreset> HLSVantlePreset::withFileAtPath(const QString &
 
 std::shared_ptr<HLSVantlePreset> HLSVantlePreset::decoded(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     return VantlePresetPrivate::decodeHLS(json.root());
 }
 

@@ -4,6 +4,7 @@
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/ConnectionPrivate.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 #include <typeinfo>
 
@@ -43,7 +44,7 @@ const QList<Field> &presetFields(StreamingType type)
 
 std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     const document::ObjectReader root = json.root();
     // The kind alone decides the class. The class reads the shared keys first, in the same order as a
     // reading of these keys alone would, so that the first error of a document is the same.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/ConnectionPrivate.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 namespace vantle {
 namespace {
@@ -64,6 +65,15 @@ std::shared_ptr<RTMPVantlePreset> RTMPPrivate::decode(const document::ObjectRead
     return preset;
 }
 
+void RTMPPrivate::takeDecoded(const RTMPPrivate &decoded)
+{
+    const VantlePresetPrivate own = *this;
+    *this = decoded;
+    name = own.name;
+    uuid = own.uuid;
+    defaultAudioSettings = own.defaultAudioSettings;
+}
+
 void RTMPPrivate::encode(document::DocumentWriter &writer) const
 {
     kFields.write(*this, writer);
@@ -77,7 +87,7 @@ const QList<Field> &RTMPPrivate::classFields()
 
 std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::decoded(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     return RTMPPrivate::decode(json.root());
 }
 

@@ -4,6 +4,7 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/ConnectionPrivate.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 namespace vantle {
 namespace {
@@ -78,18 +79,9 @@ std::shared_ptr<RTMPVantlePreset> RTMPVantlePreset::withFileAtPath(const QString
     if (!VantlePresetPrivate::readBaseFromFile(*preset, path))
         return nullptr;
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         const auto decoded = RTMPPrivate::decode(json.root());
-        preset->data().streamingURL = decoded->data().streamingURL;
-        preset->data().streamingProtocol = decoded->data().streamingProtocol;
-        preset->data().portNumber = decoded->data().portNumber;
-        preset->data().authenticate = decoded->data().authenticate;
-        preset->data().authenticationLogin = decoded->data().authenticationLogin;
-        preset->data().authenticationPassword = decoded->data().authenticationPassword;
-        preset->data().isBackup = decoded->data().isBackup;
-        preset->data().streamKey = decoded->data().streamKey;
-        preset->data().application = decoded->data().application;
-        preset->data().takeDecodedBase(decoded->data());
+        preset->data().takeDecoded(decoded->data());
     } catch (const std::exception &error) {
         logLine("Error reading file: "_L1 + QString::fromUtf8(error.what()));
         return nullptr;

@@ -4,6 +4,7 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/ConnectionPrivate.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 namespace vantle {
 namespace {
@@ -80,7 +81,7 @@ std::shared_ptr<SRTVantlePreset> SRTVantlePreset::withFileAtPath(const QString &
     if (!VantlePresetPrivate::readBaseFromFile(*preset, path))
         return nullptr;
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         const auto decoded = RTMPPrivate::decode(json.root());
         preset->data().streamingURL = decoded->streamingURL();
         preset->data().portNumber = decoded->portNumber();
@@ -115,7 +116,7 @@ const QList<Field> &SRTPrivate::classFields()
 
 std::shared_ptr<SRTVantlePreset> SRTVantlePreset::decoded(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     return SRTPrivate::decode(json.root());
 }
 

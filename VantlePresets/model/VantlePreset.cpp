@@ -5,6 +5,7 @@
 #include "VantlePresets/core/ResourceBundle.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/ConnectionPrivate.h"
+#include "VantlePresets/model/PresetKeys.h"
 
 #include <algorithm>
 
@@ -85,7 +86,7 @@ std::shared_ptr<VantlePreset> VantlePreset::withFileAtPath(const QString &path)
 
 std::shared_ptr<VantlePreset> VantlePreset::decoded(QByteArrayView document)
 {
-    const document::Document json(document);
+    const document::Document json(document, isPresetKey);
     auto preset = std::make_shared<VantlePreset>(Key{});
     Data::decodeBase(*preset, json.root());
     return preset;
@@ -309,7 +310,7 @@ void VantlePresetPrivate::separateDefaultTrack(VantlePreset &preset)
 bool VantlePresetPrivate::readBaseFromFile(VantlePreset &preset, const QString &path)
 {
     try {
-        const document::Document json(readFile(fileSystemPath(path)));
+        const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
         decodeBase(preset, json.root());
     } catch (const std::exception &) {
         return false;

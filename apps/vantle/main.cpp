@@ -4,13 +4,13 @@
 
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "apps/support/StandardStreams.h"
 #include "apps/support/StopOnSignal.h"
 
 #include <CLI/CLI.hpp>
 
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 #include <QtGui/QCursor>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
@@ -115,17 +115,20 @@ int run(const Options &options)
                              : std::make_shared<PresetsManager>([&options] {
                                    return QStringList{QString::fromStdString(options.dataDirectory)};
                                });
-    if (options.screenshot.empty()) {
+    const bool isPicture = !options.screenshot.empty();
+    QObject::connect(manager.get(), &PresetsManager::startFailed, qApp, [isPicture](const QString &error) {
+        std::fprintf(stderr, "vantle: %s\n", qUtf8Printable(error));
+        if (isPicture)
+            QCoreApplication::exit(1);
+    });
+    if (!isPicture) {
         const StopOnSignal stopOnSignal; // quits as the last window does: what was edited is saved
         const auto controller = makeWindow(manager, options);
         controller->showWindow();
         return QCoreApplication::exec();
     }
     const auto takeAndQuit = [&] { QCoreApplication::exit(takePicture(*manager, options)); };
-    if (manager->presetsFolderURL())
-        QObject::connect(manager.get(), &PresetsManager::didLoad, qApp, takeAndQuit);
-    else
-        QTimer::singleShot(0, qApp, takeAndQuit);
+    QObject::connect(manager.get(), &PresetsManager::didLoad, qApp, takeAndQuit);
     return QCoreApplication::exec();
 }
 
@@ -134,6 +137,7 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 try {
+    vantle::reserveStandardStreams();
     vantle::Options options;
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 
-#include "VantlePresets/document/FileAccess.h"
-#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/model/VantlePreset.h"
 
 namespace vantle::ctl {
 namespace {
@@ -22,15 +22,14 @@ ExitCode convert(const Options &options, Output &out)
 {
     fs::path concerned = options.source;
     try {
-        const auto preset = readPresetFile(concerned);
+        const auto preset = readPresetArgument(concerned);
         const QByteArray document = preset->encoded(document::Format::pretty);
         concerned = options.target;
-        requireFileOrNothing(concerned);
-        StagedFile file(concerned, document);
-        file.commit();
-        file.syncFolder();
-        out.line("wrote "_L1 + shown(concerned) + "  "_L1 + displayName(preset->type()) + "  "_L1 +
-                 countsOf(*preset));
+        const OutputFile file(concerned);
+        file.writeCopy(document, options.source, out);
+        if (file.isReplaced())
+            out.line("wrote "_L1 + shown(concerned) + "  "_L1 + displayName(preset->type()) + "  "_L1 +
+                     countsOf(*preset));
         return ExitCode::good;
     } catch (const OutputError &) {
         throw;
@@ -46,8 +45,11 @@ void addConvertCommand(CLI::App &app, Command &chosen)
 {
     CLI::App *const command = app.add_subcommand("convert", "Read a preset and write it pretty-printed");
     const auto options = std::make_shared<Options>();
-    command->add_option("FILE", options->source, "The preset file to read")->required();
-    command->add_option("OUT", options->target, "The file to write; one that exists is replaced whole")
+    command->add_option("FILE", options->source, "The preset file to read, or - for standard input")
+        ->required();
+    command
+        ->add_option("OUT", options->target,
+                     "The file to write, or - for standard output; one that exists is replaced whole")
         ->required();
     command->callback(
         [options, &chosen] { chosen = [options](Output &out) { return convert(*options, out); }; });

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/NamedPreset.h"
 
+#include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/PresetText.h"
-
-#include "VantlePresets/model/PresetFactory.h"
 
 namespace vantle::ctl {
 namespace {
@@ -12,6 +11,8 @@ bool namesAFile(const std::string &argument, const StoreOptions &options)
 {
     if (argument.find('/') != std::string::npos)
         return true; // no preset's name holds one
+    if (argument == kStandardStream)
+        return true;
     std::error_code ignored;
     return options.dataDirectory.empty() && argument.ends_with(".json") &&
            std::filesystem::is_regular_file(argument, ignored);
@@ -24,7 +25,7 @@ std::shared_ptr<VantlePreset> namedPreset(const std::string &argument, const Sto
     if (!namesAFile(argument, options))
         return StoreSession(options).preset(argument);
     try {
-        return readPresetFile(argument);
+        return readPresetArgument(argument);
     } catch (const std::exception &error) {
         throw Refusal(shown(argument) + QLatin1StringView(": ") + Failure(error).message());
     }

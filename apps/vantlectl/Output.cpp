@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Output.h"
 
-#include <cerrno>
+#include "VantlePresets/document/FileAccess.h"
+
 #include <cstdio>
 
 #include <unistd.h>
@@ -24,13 +25,10 @@ void Output::bytes(QByteArrayView content)
 
 void Output::flush()
 {
-    QByteArrayView rest = m_buffer;
-    while (!rest.isEmpty()) {
-        const ssize_t written = ::write(STDOUT_FILENO, rest.data(), static_cast<std::size_t>(rest.size()));
-        if (written >= 0)
-            rest = rest.sliced(written);
-        else if (errno != EINTR)
-            throw OutputError(errno, std::generic_category());
+    try {
+        writeFully(STDOUT_FILENO, m_buffer);
+    } catch (const std::system_error &error) {
+        throw OutputError(error.code());
     }
     m_buffer.clear();
 }

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
 
-#include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/Secrets.h"
 #include "VantlePresets/store/NameRules.h"
 
 #include <QtCore/QSet>
+
+#include <algorithm>
+#include <optional>
 
 namespace vantle::ctl {
 namespace {
@@ -18,6 +21,7 @@ namespace fs = std::filesystem;
 
 struct ImportOptions : StoreOptions
 {
+    std::optional<std::string> name;
     std::vector<std::string> files;
 };
 
@@ -28,8 +32,26 @@ struct ExportOptions : StoreOptions
     bool withSecrets = false;
 };
 
+/// The name that was asked for, or none.
+QString wantedName(const ImportOptions &options)
+{
+    const bool isOne = options.files.size() == 1;
+    if (!options.name) {
+        if (std::find(options.files.begin(), options.files.end(), kStandardStream) != options.files.end())
+            throw Refusal(u"what comes from standard input needs --name"_s);
+        return {};
+    }
+    const QString name = trimmedName(QString::fromStdString(*options.name));
+    if (!isOne)
+        throw Refusal(u"--name is for one file"_s);
+    if (name.isEmpty() || name.contains(u'/') || name.startsWith(u'.'))
+        throw Refusal(u"This name is invalid or already taken."_s);
+    return name;
+}
+
 ExitCode import(const ImportOptions &options, Output &out)
 {
+    const QString name = wantedName(options);
     StoreSession session(options);
     PresetsManager &manager = session.manager();
     bool isComplete = true;
@@ -37,7 +59,9 @@ ExitCode import(const ImportOptions &options, Output &out)
     QSet<QString> names;
     for (const fs::path file : options.files) {
         try {
-            const auto preset = readPresetFile(file);
+            const auto preset = readPresetArgument(file);
+            if (!name.isEmpty())
+                preset->setName(name);
             if (manager.presetWithName(preset->name()) || names.contains(canonicalName(preset->name())))
                 throw std::runtime_error("a preset of this name exists");
             names.insert(canonicalName(preset->name()));
@@ -65,24 +89,20 @@ ExitCode exportPreset(const ExportOptions &options, Output &out)
 {
     StoreSession session(options);
     const auto preset = session.preset(options.name);
-    const QByteArray document =
-        (options.withSecrets ? preset : withoutSecrets(*preset))->encoded(document::Format::pretty);
-    if (options.file == "-") {
-        out.bytes(document);
-        out.line();
-        return ExitCode::good;
-    }
-    const fs::path target = options.file;
+    const QByteArray harmless = withoutSecrets(*preset)->encoded(document::Format::pretty);
+    const QByteArray document = options.withSecrets ? preset->encoded(document::Format::pretty) : harmless;
+    bool isReplaced = false;
     try {
-        requireFileOrNothing(target);
-        using Access = StagedFile::Access;
-        StagedFile file(target, document, options.withSecrets ? Access::ownerOnly : Access::asBefore);
-        file.commit();
-        file.syncFolder();
+        const OutputFile file(options.file);
+        isReplaced = file.isReplaced();
+        using Content = OutputFile::Content;
+        file.write(document, document == harmless ? Content::open : Content::secret, out);
+    } catch (const OutputError &) {
+        throw;
     } catch (const std::system_error &error) {
-        throw Refusal(shown(target) + ": "_L1 + QString::fromUtf8(error.what()));
+        throw Refusal(shown(options.file) + ": "_L1 + QString::fromUtf8(error.what()));
     }
-    if (options.json)
+    if (options.json && isReplaced)
         printPreset(out, *preset, true);
     return ExitCode::good;
 }
@@ -94,7 +114,8 @@ void addTransferCommands(CLI::App &app, Command &chosen)
     CLI::App *const importing = app.add_subcommand("import", "Add presets from files, named after them");
     const auto imported = std::make_shared<ImportOptions>();
     imported->addTo(*importing);
-    importing->add_option("FILE", imported->files, "Preset files")->required();
+    importing->add_option("FILE", imported->files, "Preset files, or - for standard input")->required();
+    importing->add_option("--name", imported->name, "Its name, in place of the file's");
     importing->callback([imported, &chosen] {
         chosen = [imported](Output &out) { return guarded([&] { return import(*imported, out); }); };
     });

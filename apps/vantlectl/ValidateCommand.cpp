@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/Table.h"
 
@@ -45,7 +46,7 @@ std::vector<fs::path> presetFilesOf(const fs::path &folder)
 Result judge(const fs::path &path)
 {
     try {
-        return {path, readPresetFile(path), {}};
+        return {path, readPresetArgument(path), {}};
     } catch (const std::exception &error) {
         return {path, nullptr, Failure(error)};
     }
@@ -87,7 +88,7 @@ ExitCode validate(const Options &options, Output &out)
     std::vector<fs::path> files;
     for (const fs::path path : options.paths) {
         std::error_code ignored;
-        if (!fs::is_directory(path, ignored)) {
+        if (path == kStandardStream || !fs::is_directory(path, ignored)) {
             files.push_back(path);
             continue;
         }
@@ -120,7 +121,10 @@ void addValidateCommand(CLI::App &app, Command &chosen)
 {
     CLI::App *const command = app.add_subcommand("validate", "Check preset files, one line per file");
     const auto options = std::make_shared<Options>();
-    command->add_option("PATH", options->paths, "Preset files, or folders with *.json files")->required();
+    command
+        ->add_option("PATH", options->paths,
+                     "Preset files, - for standard input, or folders with *.json files")
+        ->required();
     command->add_flag("--json", options->json, "One JSON object per line");
     command->callback(
         [options, &chosen] { chosen = [options](Output &out) { return validate(*options, out); }; });

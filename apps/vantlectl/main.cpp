@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/support/StandardStreams.h"
 #include "apps/vantlectl/Command.h"
 
 #include "VantlePresets/core/Log.h"
@@ -121,6 +122,7 @@ ExitCode run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    reserveStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);
     const QCoreApplication application(argc, argv);
     // The width of characters depends on the locale, which Qt has just taken from the environment; texts are

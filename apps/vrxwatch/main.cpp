@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/support/StandardStreams.h"
 #include "apps/support/StopOnSignal.h"
 #include "watchfolder/NativePath.h"
 #include "watchfolder/VRXWatchFolder.h"
@@ -137,6 +138,7 @@ int watch(const Options &options)
 
 int main(int argc, char **argv)
 try {
+    reserveStandardStreams();
     Options options;
     CLI::App commandLine("Prints what appears, changes and disappears in a folder.", "vrxwatch");
     commandLine.add_option("DIR", options.folder, "The folder to watch")->required();

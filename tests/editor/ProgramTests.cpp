@@ -63,6 +63,16 @@ TEST(Program, EndsInGoodOrderOnASignal)
     }
 }
 
+TEST(Program, EndsWhenThereIsNothingToTakeAPictureOf)
+{
+    const test::LiveStore store;
+    ASSERT_TRUE(store.runElsewhere(u"rmdir ../*Presets; touch '../Streaming Presets'"_s));
+    const auto finished = runProcess({VANTLE, "--data-dir", store.dataDirectory().toStdString(),
+                                      "--screenshot", store.folder().parent_path() / "picture.png"});
+    EXPECT_EQ(finished.exitCode, 1);
+    EXPECT_NE(finished.errors.indexOf("vantle: " + store.folder().string() + ": Not a directory\n"), -1);
+}
+
 TEST(Program, APictureChangesNothing)
 {
     const test::LiveStore store;

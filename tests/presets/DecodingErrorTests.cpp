@@ -1,13 +1,24 @@
 // SPDX-License-Identifier: MIT
+#include "VantlePresets/document/FileAccess.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace vantle::test {
 namespace {
 
 using namespace Qt::StringLiterals;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsSanitized = true; // their bookkeeping is in the figure
+#else
+constexpr bool kIsSanitized = false;
+#endif
 
 struct Row
 {
@@ -126,15 +137,58 @@ TEST(DecodingErrors, TextThatIsNotJsonIsNamedByLineAndColumn)
     });
 }
 
-TEST(DecodingErrors, MillionsOfNestedBracketsAreAnError)
+TEST(DecodingErrors, NestingEndsAt256)
 {
-    const QByteArray deep(1'000'000, '[');
-    const QByteArray objects = QByteArray(R"({"a":)").repeated(1'000'000);
-    EXPECT_THROW((void)decodePreset(deep), DecodingError);
-    EXPECT_THROW((void)decodePreset(objects), DecodingError);
-    // Well-formed, in a key that nobody reads.
-    const QByteArray closed = deep + QByteArray(1'000'000, ']');
-    EXPECT_TRUE(decodePreset(presetText("HLS").with("notes", closed).text()));
+    const QString tooDeep = u"nested more than 256 deep"_s;
+    const auto nested = [](qsizetype depth) -> QByteArray {
+        return QByteArray(depth, '[') + QByteArray(depth, ']');
+    };
+    expectErrors({{QByteArray(1'000'000, '['), u"line 1, column 257"_s, tooDeep},
+                  {QByteArray(R"({"a":)").repeated(1'000'000), u"line 1, column 1281"_s, tooDeep},
+                  {"{\n\"notes\":" + nested(256) + '}', u"line 2, column 264"_s, tooDeep},
+                  {"{\"type\":" + nested(255) + '}', u"type"_s, u"expected a string, found an array"_s}});
+}
+
+TEST(DecodingErrors, WhatNobodyReadsIsCheckedAndLeftOut)
+{
+    for (const QByteArray value : {"null", "-1.5e3", R"("\u00e9")", "[]", "{}",
+                                   R"([{"type":[1,{"b":{}}]},2])", R"({"type":{"type":3},"a":[[],{}]})"}) {
+        const ObjectText video = videoText().with("later", value);
+        const auto preset = presetText("RTMP").with("notes", value).with("videoSettings", list({video}));
+        EXPECT_EQ(decodePreset(preset.text())->encoded(document::Format::compact),
+                  decodePreset(presetText("RTMP").text())->encoded(document::Format::compact))
+            << value.toStdString();
+    }
+    expectErrors({{"{\"a\":[1,}", u"line 1, column 9"_s, u"Invalid value"_s}});
+}
+
+TEST(DecodingErrors, NoFileTakesMoreThan300MiB)
+{
+    struct Text
+    {
+        const char *begin, *unit;
+    };
+    for (const Text &text : {Text{"", "["}, {"{\"a\":[0", ",0"}, {"{\"type\":[0", ",0"}}) {
+        const pid_t child = ::fork(); // whose memory is measured
+        if (child == 0) {
+            QByteArray file = text.begin;
+            file.reserve(kMaximumFileSize);
+            while (file.size() + 2 < kMaximumFileSize)
+                file += text.unit;
+            try {
+                (void)decodePreset(file);
+            } catch (const DecodingError &) {
+                ::_exit(0);
+            }
+            ::_exit(1);
+        }
+        int status = 0;
+        rusage usage = {};
+        ASSERT_EQ(::wait4(child, &status, 0, &usage), child);
+        EXPECT_EQ(status, 0) << text.begin;
+        if (!kIsSanitized)
+            EXPECT_LT(usage.ru_maxrss, 300 * 1024) << text.begin;
+    }
 }
 
 } // namespace

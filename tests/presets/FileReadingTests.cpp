@@ -69,7 +69,7 @@ TEST(FileReading, PermissionDeniedIsCalledSo)
     EXPECT_EQ(errorOf(open), std::error_code());
 }
 
-TEST(FileReading, UpTo64MiBAndNoFurther)
+TEST(FileReading, UpTo16MiBAndNoFurther)
 {
     const TemporaryFolder folder;
     const auto path = folder.write("large.json", "{");

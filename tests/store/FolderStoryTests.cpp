@@ -188,18 +188,6 @@ TEST(FolderStories, APresetAddedBeforeTheFolderIsReadLeavesItsFilesAlone)
     EXPECT_EQ(store.onDisk("Mine")->videoSettings().first()->bitRate(), 1);
 }
 
-TEST(FolderStories, AFolderThatGoesBeforeItIsReadIsTold)
-{
-    for (int round = 0; round < 20; ++round) {
-        const LiveStore store;
-        PresetsManager manager([&] { return QStringList{store.dataDirectory()}; });
-        bool isGone = false;
-        QObject::connect(&manager, &PresetsManager::folderBecameUnreachable, [&] { isGone = true; });
-        std::filesystem::remove(store.folder()); // the first inventory may be quicker
-        ASSERT_TRUE(waitFor([&] { return isGone || manager.isLoaded(); }));
-    }
-}
-
 TEST_F(OpenList, RenamingTakesAForeignChangeAlong)
 {
     ASSERT_TRUE(m_store.runElsewhere(u"sed -i 's/4500/3333/' A.json"_s));
@@ -347,7 +335,7 @@ TEST(FolderStories, HostileFilesCostOneLineEachAndNothingElse)
     lines.sort();
     EXPECT_EQ(lines.size(), 10) << lines.join(u'\n').toStdString();
     EXPECT_TRUE(lines.contains(u"Error loading Preset fifo.json: Not a regular file"_s));
-    EXPECT_TRUE(lines.contains(u"Error loading Preset huge.json: File is larger than 64 MiB"_s));
+    EXPECT_TRUE(lines.contains(u"Error loading Preset huge.json: File is larger than 16 MiB"_s));
     EXPECT_TRUE(lines.contains(u"Error loading Preset bad\uFFFDname.json: File name is not UTF-8"_s));
     EXPECT_EQ(store.logOf("Error loading Preset two\\u000alines.json: "_L1).size(), 1);
     EXPECT_TRUE(lines.contains(u"Error loading Preset loop.json: Too many levels of symbolic links"_s));
