@@ -1,5 +1,5 @@
 # vantle_shared_library(ARCHIVE EXPORT_NAME NAME EXPORT_HEADER FILE EXPORT_MACRO MACRO COMPONENT COMPONENT
-#                       DESCRIPTION TEXT HEADERS... LIBS... PRIVATE_LIBS... PKG_CONFIG_REQUIRES...)
+#                       DESCRIPTION TEXT HEADERS... GENERATED_HEADERS... LIBS... PRIVATE_LIBS... PKG_CONFIG_REQUIRES...)
 #
 # The shared library that hosts link, VantlePresets::NAME, with an interface of the public headers alone; its
 # installation as part of COMPONENT, and what CMake and pkg-config have to know of it. The library is
@@ -14,7 +14,7 @@ set(VANTLE_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/VantlePresets")
 
 function(vantle_shared_library archive)
   cmake_parse_arguments(arg "" "EXPORT_NAME;EXPORT_HEADER;EXPORT_MACRO;COMPONENT;DESCRIPTION"
-                        "HEADERS;LIBS;PRIVATE_LIBS;PKG_CONFIG_REQUIRES" ${ARGN})
+                        "HEADERS;GENERATED_HEADERS;LIBS;PRIVATE_LIBS;PKG_CONFIG_REQUIRES" ${ARGN})
   set(shared "${archive}Shared")
   set(generated "${PROJECT_BINARY_DIR}/generated")
   set_target_properties(
@@ -41,10 +41,11 @@ function(vantle_shared_library archive)
     ${shared} BASE_NAME ${archive} EXPORT_MACRO_NAME ${arg_EXPORT_MACRO} NO_EXPORT_MACRO_NAME ${no_export_macro}
     EXPORT_FILE_NAME "${generated}/${arg_EXPORT_HEADER}")
   list(TRANSFORM arg_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  list(TRANSFORM arg_GENERATED_HEADERS PREPEND "${generated}/")
   target_sources(
     ${shared}
     PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${arg_HEADERS}
-    PUBLIC FILE_SET export_header TYPE HEADERS BASE_DIRS "${generated}" FILES "${generated}/${arg_EXPORT_HEADER}")
+    PUBLIC FILE_SET export_header TYPE HEADERS BASE_DIRS "${generated}" FILES "${generated}/${arg_EXPORT_HEADER}" ${arg_GENERATED_HEADERS})
 
   install(
     TARGETS ${shared}

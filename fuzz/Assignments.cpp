@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/FuzzTarget.h"
 
+#include "VantlePresets/model/Assignment.h"
 #include "VantlePresets/model/PresetFactory.h"
-#include "apps/vantlectl/Assignment.h"
 #include "apps/vantlectl/PresetView.h"
 
 #include <algorithm>
@@ -14,9 +14,6 @@ namespace vantle::fuzz {
 namespace {
 
 using namespace Qt::StringLiterals;
-using ctl::Assignment;
-using ctl::AssignmentError;
-
 std::shared_ptr<VantlePreset> presetFor(uchar choice)
 {
     const auto types = streamingTypes().values();
@@ -37,16 +34,10 @@ void checkPreset(const VantlePreset &preset)
             "the preset can be shown");
 }
 
-bool readsFile(const QString &assignment)
-{
-    const QString value = assignment.section(u'=', 1);
-    return value.startsWith(u'@') && !value.startsWith("@@"_L1);
-}
-
 void assign(const QString &text, VantlePreset &preset)
 {
     const auto assignment = Assignment::parse(text);
-    if (!assignment || readsFile(text))
+    if (!assignment)
         return;
     require(text.startsWith(assignment->path()), "an assignment begins with its path");
     const QByteArray before = preset.encoded(document::Format::compact);

@@ -2,7 +2,6 @@
 #include "fuzz/FuzzTarget.h"
 
 #include "VantlePresets/advice/Advice.h"
-#include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -27,8 +26,7 @@ std::shared_ptr<VantlePreset> decodeAny(QByteArrayView text)
 template <class Preset>
 std::shared_ptr<VantlePreset> decodeAs(QByteArrayView text)
 {
-    const document::Document json(text);
-    return Preset::decode(json.root());
+    return Preset::decoded(text);
 }
 
 using Decode = std::shared_ptr<VantlePreset> (*)(QByteArrayView);

@@ -59,7 +59,10 @@ vantle_package(
 set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/postinst"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/postrm")
-set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
-set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers")
+# What packages of hosts depend on follows from the symbols that they use; packaging/symbols keeps the files.
+set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
+                                                 "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresets0/symbols")
+set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
+                                              "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresetseditor0/symbols")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ffmpeg, qt6-wayland")
 include(CPack)

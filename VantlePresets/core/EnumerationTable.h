@@ -9,15 +9,14 @@
 #include <QtCore/QStringList>
 #include <QtCore/QUtf8StringView>
 
-#include <array>
-#include <cstddef>
 #include <optional>
+#include <span>
 
 namespace vantle {
 
 /// The cases of an enumeration with their display strings, in the enumeration's order. The single source
-/// for lists of choices, display texts, and the strings in preset files.
-template <class Enumeration, std::size_t Size>
+/// for lists of choices, display texts, and the strings in preset files. Later versions can have more cases.
+template <class Enumeration>
 struct EnumerationTable
 {
     /// A value and its display string.
@@ -27,8 +26,8 @@ struct EnumerationTable
         QLatin1StringView text; ///< its display string
     };
 
-    const char *unexpectedValue;  ///< the fault's text when a value is none of the cases
-    std::array<Case, Size> cases; ///< in the order of the enumeration
+    const char *unexpectedValue; ///< the fault's text when a value is none of the cases
+    std::span<const Case> cases; ///< in the order of the enumeration
 
     /// In the order of the cases.
     [[nodiscard]] QList<Enumeration> values() const

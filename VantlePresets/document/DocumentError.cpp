@@ -11,14 +11,33 @@ QString join(const QString &place, const QString &description)
 
 } // namespace
 
-DecodingError::DecodingError(const QString &place, const QString &description)
-    : std::runtime_error(join(place, description).toStdString()), m_place(place), m_description(description)
+struct DecodingError::Details
 {
+    QString place;
+    QString description;
+};
+
+DecodingError::DecodingError(const QString &place, const QString &description)
+    : std::runtime_error(join(place, description).toStdString()),
+      d(std::make_shared<Details>(Details{place, description}))
+{
+}
+
+DecodingError::~DecodingError() = default;
+
+const QString &DecodingError::place() const noexcept
+{
+    return d->place;
+}
+
+const QString &DecodingError::description() const noexcept
+{
+    return d->description;
 }
 
 QString DecodingError::message() const
 {
-    return join(m_place, m_description);
+    return join(d->place, d->description);
 }
 
 } // namespace vantle

@@ -13,7 +13,8 @@ class VANTLE_PRESETS_EXPORT HLSVantlePreset : public VantlePreset
 
 public:
     /// For the static functions that make objects.
-    using VantlePreset::VantlePreset;
+    explicit HLSVantlePreset(Key);
+    ~HLSVantlePreset() override;
 
     /// A new preset with one default rendition and one default track.
     [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withName(const QString &name);
@@ -22,8 +23,11 @@ public:
     /// As the base class reads it: silent on failure, tracks with their delegate.
     [[nodiscard]] static std::shared_ptr<HLSVantlePreset> withFileAtPath(const QString &path);
 
-    /// Reads a whole HLS document; throws DecodingError.
-    [[nodiscard]] static std::shared_ptr<HLSVantlePreset> decode(const document::ObjectReader &root);
+    /// Reads a whole HLS document; throws DecodingError. See decodePreset().
+    [[nodiscard]] static std::shared_ptr<HLSVantlePreset> decoded(QByteArrayView document);
+
+private:
+    friend class VantlePresetPrivate;
 };
 
 } // namespace vantle

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/PresetFactory.h"
 
-#include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/ConnectionPrivate.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetKeys.h"
-#include "VantlePresets/model/RTMPVantlePreset.h"
-#include "VantlePresets/model/SRTVantlePreset.h"
 
 #include <typeinfo>
 
@@ -28,6 +26,22 @@ std::shared_ptr<VantlePreset> makePreset(StreamingType type, const QString &name
     programmingFault("unexpected StreamingType value");
 }
 
+const QList<Field> &presetFields(StreamingType type)
+{
+    switch (type) {
+    case StreamingType::hls:
+        return VantlePresetPrivate::baseFields();
+    case StreamingType::youTube:
+    case StreamingType::rtmp:
+    case StreamingType::wowza:
+    case StreamingType::facebook:
+        return RTMPPrivate::classFields();
+    case StreamingType::srt:
+        return SRTPrivate::classFields();
+    }
+    programmingFault("unexpected StreamingType value");
+}
+
 std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
 {
     const document::Document json(document, isPresetKey);
@@ -36,14 +50,14 @@ std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document)
     // reading of these keys alone would, so that the first error of a document is the same.
     switch (streamingTypes().fromText(root.text("type")).value_or(StreamingType::hls)) {
     case StreamingType::hls:
-        return HLSVantlePreset::decode(root);
+        return VantlePresetPrivate::decodeHLS(root);
     case StreamingType::youTube:
     case StreamingType::rtmp:
     case StreamingType::wowza:
     case StreamingType::facebook:
-        return RTMPVantlePreset::decode(root);
+        return RTMPPrivate::decode(root);
     case StreamingType::srt:
-        return SRTVantlePreset::decode(root);
+        return SRTPrivate::decode(root);
     }
     programmingFault("unexpected StreamingType value");
 }

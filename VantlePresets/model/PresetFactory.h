@@ -16,6 +16,11 @@ namespace vantle {
 [[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset> makePreset(StreamingType type,
                                                                              const QString &name);
 
+/// The fields that presets of the kind have, in the order in which files hold them; of those, isKept() tells
+/// which ones the kind's files do hold. A kind outside the enumeration stops the process. Callable from any
+/// thread.
+[[nodiscard]] VANTLE_PRESETS_EXPORT const QList<Field> &presetFields(StreamingType type);
+
 /// Reads a document of any kind as the class of its kind; an unknown kind reads as HLS. Throws
 /// DecodingError. The name is "Untitled Preset". Callable from any thread, to which the preset belongs.
 [[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset> decodePreset(QByteArrayView document);
@@ -25,7 +30,8 @@ namespace vantle {
 [[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset>
 readPresetFile(const std::filesystem::path &path);
 
-/// Takes over all that the class's document keeps, with the class's own update(). False, without a change,
+/// The right way to update a preset from another one, whatever their classes: takes over all that the class's
+/// document keeps, with the class's own update(). False, without a change,
 /// when the two presets are not of the same class.
 VANTLE_PRESETS_EXPORT bool updatePreset(VantlePreset &preset, const VantlePreset &source);
 

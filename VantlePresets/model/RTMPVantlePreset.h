@@ -6,6 +6,8 @@
 
 namespace vantle {
 
+class RTMPPrivate;
+
 /// A preset that pushes to a server: YouTube, RTMP, Wowza and Facebook.
 ///
 /// YouTube and Facebook documents keep isBackup, streamKey and application; RTMP and Wowza documents do
@@ -37,7 +39,8 @@ private:
 public:
     using VantlePreset::update;
     /// For the static functions that make objects.
-    using VantlePreset::VantlePreset;
+    explicit RTMPVantlePreset(Key);
+    ~RTMPVantlePreset() override;
 
     /// A new preset with its kind's defaults. YouTube and Facebook bring their service's host and
     /// application.
@@ -49,29 +52,27 @@ public:
     /// "Error reading file: " and the reason.
     [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> withFileAtPath(const QString &path);
 
-    /// Reads a whole document of one of the four kinds; throws DecodingError.
-    [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> decode(const document::ObjectReader &root);
-
-    void encode(document::DocumentWriter &writer) const override;
+    /// Reads a whole document of one of the four kinds; throws DecodingError. See decodePreset().
+    [[nodiscard]] static std::shared_ptr<RTMPVantlePreset> decoded(QByteArrayView document);
 
     /// For the host application, which gives it its effect.
-    [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    [[nodiscard]] bool isBackup() const;
     /// A secret that names the stream to the server.
-    [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
+    [[nodiscard]] const QString &streamKey() const;
     /// The server's host name or URL.
-    [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    [[nodiscard]] const QString &streamingURL() const;
     /// RTMP in a new preset.
-    [[nodiscard]] StreamingProtocol streamingProtocol() const { return m_streamingProtocol; }
+    [[nodiscard]] StreamingProtocol streamingProtocol() const;
     /// Any number that the file or the user gave.
-    [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    [[nodiscard]] qint64 portNumber() const;
     /// Whether the server asks for login and password.
-    [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    [[nodiscard]] bool authenticate() const;
     /// Kept in the file while authenticate() is on.
-    [[nodiscard]] const QString &authenticationLogin() const { return m_authenticationLogin; }
+    [[nodiscard]] const QString &authenticationLogin() const;
     /// Kept in the file, in plain text, while authenticate() is on.
-    [[nodiscard]] const QString &authenticationPassword() const { return m_authenticationPassword; }
+    [[nodiscard]] const QString &authenticationPassword() const;
     /// The application's name on the server.
-    [[nodiscard]] const QString &application() const { return m_application; }
+    [[nodiscard]] const QString &application() const;
 
     /// @{
     /// Stores the value and announces it, see ObservableRecord.
@@ -104,22 +105,14 @@ Q_SIGNALS:
     /// @}
 
 private:
-    void decodeConnection(const document::ObjectReader &root);
-    [[nodiscard]] bool keepsServiceKeys() const;
+    friend class RTMPPrivate;
 
-    bool m_isBackup = false;
-    QString m_streamKey;
-    QString m_streamingURL;
-    StreamingProtocol m_streamingProtocol = StreamingProtocol::rtmp;
-    qint64 m_portNumber = 1935;
-    bool m_authenticate = false;
-    QString m_authenticationLogin;
-    QString m_authenticationPassword;
-    QString m_application;
+    [[nodiscard]] RTMPPrivate &data();
+    [[nodiscard]] const RTMPPrivate &data() const;
 };
 
 /// The four transports in order, with the strings shown to users and kept in preset files.
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<RTMPVantlePreset::StreamingProtocol, 4> &
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<RTMPVantlePreset::StreamingProtocol> &
 streamingProtocols();
 /// The display string; a value outside the enumeration stops the process.
 [[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(RTMPVantlePreset::StreamingProtocol protocol);

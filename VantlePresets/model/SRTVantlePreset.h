@@ -6,6 +6,8 @@
 
 namespace vantle {
 
+class SRTPrivate;
+
 /// A preset for Secure Reliable Transport.
 ///
 /// Its document keeps address, port and the authentication flag; isBackup, streamKey and application last
@@ -22,7 +24,8 @@ class VANTLE_PRESETS_EXPORT SRTVantlePreset : public VantlePreset
 
 public:
     /// For the static functions that make objects.
-    using VantlePreset::VantlePreset;
+    explicit SRTVantlePreset(Key);
+    ~SRTVantlePreset() override;
 
     /// For hosts; no field of the preset, and in no document. Encoded on its own it is its raw value.
     enum class SRTMode : int { caller = 1, listener = 2 };
@@ -35,23 +38,21 @@ public:
     /// null and one "Error reading file: " line. PresetFactory.h reads SRT files.
     [[nodiscard]] static std::shared_ptr<SRTVantlePreset> withFileAtPath(const QString &path);
 
-    /// Reads a whole SRT document; throws DecodingError.
-    [[nodiscard]] static std::shared_ptr<SRTVantlePreset> decode(const document::ObjectReader &root);
-
-    void encode(document::DocumentWriter &writer) const override;
+    /// Reads a whole SRT document; throws DecodingError. See decodePreset().
+    [[nodiscard]] static std::shared_ptr<SRTVantlePreset> decoded(QByteArrayView document);
 
     /// For the host application, which gives it its effect.
-    [[nodiscard]] bool isBackup() const { return m_isBackup; }
+    [[nodiscard]] bool isBackup() const;
     /// For the host application; in no file.
-    [[nodiscard]] const QString &streamKey() const { return m_streamKey; }
+    [[nodiscard]] const QString &streamKey() const;
     /// The server's host name or URL.
-    [[nodiscard]] const QString &streamingURL() const { return m_streamingURL; }
+    [[nodiscard]] const QString &streamingURL() const;
     /// 0 until the user names one.
-    [[nodiscard]] qint64 portNumber() const { return m_portNumber; }
+    [[nodiscard]] qint64 portNumber() const;
     /// Whether the server asks for a login, which no file keeps.
-    [[nodiscard]] bool authenticate() const { return m_authenticate; }
+    [[nodiscard]] bool authenticate() const;
     /// For the host application; in no file.
-    [[nodiscard]] const QString &application() const { return m_application; }
+    [[nodiscard]] const QString &application() const;
 
     /// @{
     /// Stores the value and announces it, see ObservableRecord.
@@ -82,19 +83,14 @@ Q_SIGNALS:
     /// @}
 
 private:
-    template <class Preset>
-    void takeFrom(const Preset &other);
+    friend class SRTPrivate;
 
-    bool m_isBackup = false;
-    QString m_streamKey;
-    QString m_streamingURL;
-    qint64 m_portNumber = 0;
-    bool m_authenticate = false;
-    QString m_application;
+    [[nodiscard]] SRTPrivate &data();
+    [[nodiscard]] const SRTPrivate &data() const;
 };
 
 /// Both modes in order, with their display strings.
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<SRTVantlePreset::SRTMode, 2> &srtModes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<SRTVantlePreset::SRTMode> &srtModes();
 /// The display string; a value outside the enumeration stops the process.
 [[nodiscard]] VANTLE_PRESETS_EXPORT QString displayName(SRTVantlePreset::SRTMode mode);
 

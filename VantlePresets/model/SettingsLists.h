@@ -3,12 +3,20 @@
 
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/settings/AudioSettingsPrivate.h"
+#include "VantlePresets/settings/VideoSettingsPrivate.h"
 
 #include <QtCore/QList>
 
 #include <memory>
+#include <type_traits>
 
 namespace vantle {
+
+/// What reads and writes settings objects of a class.
+template <class Settings>
+using SettingsPrivate =
+    std::conditional_t<std::is_same_v<Settings, VideoSettings>, VideoSettingsPrivate, AudioSettingsPrivate>;
 
 /// Reads a member that is an array of settings objects; throws DecodingError.
 template <class Settings>
@@ -19,7 +27,7 @@ template <class Settings>
     QList<std::shared_ptr<Settings>> list;
     list.reserve(array.size());
     for (qsizetype i = 0; i < array.size(); ++i)
-        list.append(Settings::decode(array.objectAt(i)));
+        list.append(SettingsPrivate<Settings>::decode(array.objectAt(i)));
     return list;
 }
 
@@ -31,7 +39,7 @@ void encodeList(document::DocumentWriter &writer, const char *key,
     writer.key(key);
     writer.beginArray();
     for (const auto &settings : list)
-        settings->encode(writer);
+        SettingsPrivate<Settings>::encode(*settings, writer);
     writer.endArray();
 }
 

@@ -3,10 +3,9 @@
 
 #include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/core/ResourceBundle.h"
-#include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/model/ConnectionPrivate.h"
 #include "VantlePresets/model/PresetKeys.h"
-#include "VantlePresets/model/SettingsLists.h"
 
 #include <algorithm>
 
@@ -35,50 +34,85 @@ QList<std::shared_ptr<Settings>> withoutFirstEqual(QList<std::shared_ptr<Setting
     return list;
 }
 
+using Data = VantlePresetPrivate;
+using Shared = SharedRows<VantlePreset, Data>;
+
+constexpr auto kId = [] {
+    FieldRow<VantlePreset, Data> row;
+    row.key = "id"_L1;
+    row.label = "Identifier"_L1;
+    row.type = Field::Type::identifier;
+    row.meaning = "The preset's identifier. Without a valid one a new one is taken."_L1;
+    row.isAssignable = false;
+    row.read = [](Data &data, const document::ObjectReader &object, const FieldFacts &field) {
+        const auto uuid = uuidFromText(object.stringIfAny(field.key.data()).value_or(QString()));
+        data.uuid = uuid ? *uuid : newObjectId();
+    };
+    row.write = [](const Data &data, document::DocumentWriter &writer, const FieldFacts &field) {
+        writer.string(field.key.data(), data.uuid.toString(QUuid::WithoutBraces));
+    };
+    return row;
+}();
+
+// The base's document, and that of HLS presets. Every class reads these fields before its own.
+constexpr RecordTable kFields{std::array{
+    Shared::kName,
+    Shared::kType.order(1, 1),
+    Shared::kVideo.order(2, 2),
+    Shared::kAudio.order(3, 3),
+    kId.order(4, 0),
+}};
+
+[[maybe_unused]] const bool kConverted = registerConversions<StreamingType>();
+
 } // namespace
+
+VantlePreset::VantlePreset(Key key) : VantlePreset(key, std::make_unique<VantlePresetPrivate>()) {}
+VantlePreset::VantlePreset(Key, std::unique_ptr<VantlePresetPrivate> data) : d(std::move(data)) {}
+VantlePreset::~VantlePreset() = default;
 
 std::shared_ptr<VantlePreset> VantlePreset::withType(StreamingType type, const QString &name)
 {
     auto preset = std::make_shared<VantlePreset>(Key{});
-    preset->makeDefaults(type, name);
+    Data::makeDefaults(*preset, type, name);
     return preset;
 }
 
 std::shared_ptr<VantlePreset> VantlePreset::withFileAtPath(const QString &path)
 {
     auto preset = std::make_shared<VantlePreset>(Key{});
-    return preset->readBaseFromFile(path) ? preset : nullptr;
+    return Data::readBaseFromFile(*preset, path) ? preset : nullptr;
 }
 
-std::shared_ptr<VantlePreset> VantlePreset::decode(const document::ObjectReader &root)
+std::shared_ptr<VantlePreset> VantlePreset::decoded(QByteArrayView document)
 {
+    const document::Document json(document, isPresetKey);
     auto preset = std::make_shared<VantlePreset>(Key{});
-    preset->decodeBase(root);
+    Data::decodeBase(*preset, json.root());
     return preset;
-}
-
-void VantlePreset::encode(document::DocumentWriter &writer) const
-{
-    writer.string("type", streamingTypes().text(m_type));
-    encodeLists(writer);
-    writer.string("id", m_uuid.toString(QUuid::WithoutBraces));
 }
 
 QByteArray VantlePreset::encoded(document::Format format) const
 {
-    return document::encode(format, [this](document::DocumentWriter &writer) { encodeDocument(writer); });
+    return document::encode(format, [this](document::DocumentWriter &writer) {
+        writer.beginObject();
+        d->encode(writer);
+        writer.endObject();
+    });
 }
 
 std::size_t VantlePreset::documentHash() const
 {
-    return document::hashOf([this](document::DocumentWriter &writer) { encodeDocument(writer); });
+    return document::hashOf([this](document::DocumentWriter &writer) {
+        writer.beginObject();
+        d->encode(writer);
+        writer.endObject();
+    });
 }
 
-void VantlePreset::encodeDocument(document::DocumentWriter &writer) const
+const QList<Field> &VantlePreset::fields() const
 {
-    writer.beginObject();
-    encode(writer);
-    writer.endObject();
+    return d->fields();
 }
 
 bool VantlePreset::writeToFileAtPath(const QString &path) const
@@ -96,35 +130,80 @@ QByteArray VantlePreset::imageForPresetType(StreamingType type)
     return resourceImage(vantle::displayName(type));
 }
 
+StreamingType VantlePreset::type() const
+{
+    return d->type;
+}
+
+const QString &VantlePreset::name() const
+{
+    return d->name;
+}
+
+const VideoSettingsList &VantlePreset::videoSettings() const
+{
+    return d->videoSettings;
+}
+
+const AudioSettingsList &VantlePreset::audioSettings() const
+{
+    return d->audioSettings;
+}
+
+const std::shared_ptr<AudioSettings> &VantlePreset::defaultAudioSettings() const
+{
+    return d->defaultAudioSettings;
+}
+
+const QUuid &VantlePreset::uuid() const
+{
+    return d->uuid;
+}
+
+const QUuid &VantlePreset::id() const
+{
+    return d->uuid;
+}
+
+QByteArray VantlePreset::presetImage() const
+{
+    return imageForPresetType(d->type);
+}
+
+void VantlePreset::setType(StreamingType type)
+{
+    d->type = type;
+}
+
 void VantlePreset::setName(const QString &name)
 {
-    assign(m_name, name, &VantlePreset::nameChanged);
+    assign(d->name, name, &VantlePreset::nameChanged);
 }
 
 void VantlePreset::setVideoSettings(const VideoSettingsList &settings)
 {
-    assign(m_videoSettings, settings, &VantlePreset::videoSettingsChanged);
+    assign(d->videoSettings, settings, &VantlePreset::videoSettingsChanged);
 }
 
 void VantlePreset::setAudioSettings(const AudioSettingsList &settings)
 {
-    assign(m_audioSettings, settings, &VantlePreset::audioSettingsChanged);
+    assign(d->audioSettings, settings, &VantlePreset::audioSettingsChanged);
 }
 
 void VantlePreset::setDefaultAudioSettings(const std::shared_ptr<AudioSettings> &track)
 {
-    assign(m_defaultAudioSettings, track, &VantlePreset::defaultAudioSettingsChanged);
+    assign(d->defaultAudioSettings, track, &VantlePreset::defaultAudioSettingsChanged);
 }
 
 void VantlePreset::newVideoSettings()
 {
-    setVideoSettings(m_videoSettings + VideoSettingsList{VideoSettings::create()});
+    setVideoSettings(d->videoSettings + VideoSettingsList{VideoSettings::create()});
 }
 
 void VantlePreset::removeVideoSetting(const VideoSettings &setting)
 {
-    const VideoSettingsList rest = withoutFirstEqual(m_videoSettings, setting);
-    if (rest.size() != m_videoSettings.size())
+    const VideoSettingsList rest = withoutFirstEqual(d->videoSettings, setting);
+    if (rest.size() != d->videoSettings.size())
         setVideoSettings(rest);
 }
 
@@ -132,21 +211,19 @@ void VantlePreset::newAudioSettings()
 {
     auto track = AudioSettings::create();
     track->setDelegate(weak_from_this());
-    setAudioSettings(m_audioSettings + AudioSettingsList{track});
+    setAudioSettings(d->audioSettings + AudioSettingsList{track});
 }
 
 void VantlePreset::removeAudioSettings(const AudioSettings &setting)
 {
-    const AudioSettingsList rest = withoutFirstEqual(m_audioSettings, setting);
-    if (rest.size() != m_audioSettings.size())
+    const AudioSettingsList rest = withoutFirstEqual(d->audioSettings, setting);
+    if (rest.size() != d->audioSettings.size())
         setAudioSettings(rest);
 }
 
 void VantlePreset::update(const VantlePreset &other)
 {
-    setType(other.m_type);
-    setVideoSettings(other.m_videoSettings);
-    setAudioSettings(other.m_audioSettings);
+    kFields.update(*this, *d, *other.d);
 }
 
 void VantlePreset::update()
@@ -157,20 +234,20 @@ void VantlePreset::update()
 void VantlePreset::moveWithSettingsToThread(QThread *thread)
 {
     moveToThread(thread);
-    for (const auto &rendition : std::as_const(m_videoSettings))
+    for (const auto &rendition : std::as_const(d->videoSettings))
         rendition->moveToThread(thread);
-    for (const auto &track : std::as_const(m_audioSettings))
+    for (const auto &track : std::as_const(d->audioSettings))
         track->moveToThread(thread);
     // After the factory's reading it is a track of its own; after others it is one of the list.
-    if (m_defaultAudioSettings && m_defaultAudioSettings->thread() != thread)
-        m_defaultAudioSettings->moveToThread(thread);
+    if (d->defaultAudioSettings && d->defaultAudioSettings->thread() != thread)
+        d->defaultAudioSettings->moveToThread(thread);
 }
 
 void VantlePreset::audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track, bool isDefault)
 {
     if (!isDefault)
         return;
-    const AudioSettingsList tracks = m_audioSettings; // observers of a flag may change the list
+    const AudioSettingsList tracks = d->audioSettings; // observers of a flag may change the list
     for (const auto &other : tracks) {
         if (*other != *track && other->isDefault())
             other->setIsDefault(false);
@@ -178,67 +255,75 @@ void VantlePreset::audioSettingsDidChangeDefault(const std::shared_ptr<AudioSett
     setDefaultAudioSettings(track);
 }
 
-void VantlePreset::makeDefaults(StreamingType type, const QString &name)
+void VantlePresetPrivate::encode(document::DocumentWriter &writer) const
 {
-    m_type = type;
-    m_name = name;
-    m_uuid = newObjectId();
-    m_videoSettings = {VideoSettings::create()};
-    const auto track = AudioSettings::create();
-    track->setIsDefault(true);
-    track->setDelegate(weak_from_this());
-    m_audioSettings = {track};
-    m_defaultAudioSettings = track;
+    kFields.write(*this, writer);
 }
 
-void VantlePreset::decodeBase(const document::ObjectReader &root)
+const QList<Field> &VantlePresetPrivate::fields() const
 {
-    // An unknown kind does not make a file unreadable.
-    m_type = streamingTypes().fromText(root.text("type")).value_or(StreamingType::hls);
-    m_videoSettings = decodeList<VideoSettings>(root, "videoSettings");
-    m_audioSettings = decodeList<AudioSettings>(root, "audioSettings");
-    const auto uuid = uuidFromText(root.stringIfAny("id").value_or(QString()));
-    m_uuid = uuid ? *uuid : newObjectId();
-    for (const auto &track : std::as_const(m_audioSettings)) {
-        track->setDelegate(weak_from_this());
+    return baseFields();
+}
+
+const QList<Field> &VantlePresetPrivate::baseFields()
+{
+    static const QList<Field> list = kFields.fields();
+    return list;
+}
+
+void VantlePresetPrivate::makeDefaults(VantlePreset &preset, StreamingType type, const QString &name)
+{
+    VantlePresetPrivate &data = of(preset);
+    data.type = type;
+    data.name = name;
+    data.uuid = newObjectId();
+    data.videoSettings = {VideoSettings::create()};
+    const auto track = AudioSettings::create();
+    track->setIsDefault(true);
+    track->setDelegate(preset.weak_from_this());
+    data.audioSettings = {track};
+    data.defaultAudioSettings = track;
+}
+
+void VantlePresetPrivate::decodeBase(VantlePreset &preset, const document::ObjectReader &root)
+{
+    VantlePresetPrivate &data = of(preset);
+    kFields.read(data, root);
+    for (const auto &track : std::as_const(data.audioSettings)) {
+        track->setDelegate(preset.weak_from_this());
         if (track->isDefault())
-            m_defaultAudioSettings = track;
+            data.defaultAudioSettings = track;
     }
 }
 
-void VantlePreset::separateDefaultTrack()
+void VantlePresetPrivate::separateDefaultTrack(VantlePreset &preset)
 {
-    for (const auto &track : std::as_const(m_audioSettings))
+    VantlePresetPrivate &data = of(preset);
+    for (const auto &track : std::as_const(data.audioSettings))
         track->setDelegate({});
-    if (!m_defaultAudioSettings)
+    if (!data.defaultAudioSettings)
         return;
-    m_defaultAudioSettings = m_defaultAudioSettings->copy();
-    m_defaultAudioSettings->setDelegate(weak_from_this());
+    data.defaultAudioSettings = data.defaultAudioSettings->copy();
+    data.defaultAudioSettings->setDelegate(preset.weak_from_this());
 }
 
-bool VantlePreset::readBaseFromFile(const QString &path)
+bool VantlePresetPrivate::readBaseFromFile(VantlePreset &preset, const QString &path)
 {
     try {
         const document::Document json(readFile(fileSystemPath(path)), isPresetKey);
-        decodeBase(json.root());
+        decodeBase(preset, json.root());
     } catch (const std::exception &) {
         return false;
     }
-    m_name = presetNameFromPath(path);
+    of(preset).name = presetNameFromPath(path);
     return true;
 }
 
-void VantlePreset::takeDecodedBase(const VantlePreset &decoded)
+void VantlePresetPrivate::takeDecodedBase(const VantlePresetPrivate &decoded)
 {
-    m_type = decoded.m_type;
-    m_videoSettings = decoded.m_videoSettings;
-    m_audioSettings = decoded.m_audioSettings;
-}
-
-void VantlePreset::encodeLists(document::DocumentWriter &writer) const
-{
-    encodeList(writer, "videoSettings", m_videoSettings);
-    encodeList(writer, "audioSettings", m_audioSettings);
+    type = decoded.type;
+    videoSettings = decoded.videoSettings;
+    audioSettings = decoded.audioSettings;
 }
 
 QString presetNameFromPath(const QString &path)

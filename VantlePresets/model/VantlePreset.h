@@ -2,22 +2,21 @@
 #pragma once
 
 #include "VantlePresets/Export.h"
+#include "VantlePresets/core/Field.h"
 #include "VantlePresets/document/DocumentFormat.h"
 #include "VantlePresets/model/StreamingType.h"
 #include "VantlePresets/settings/AudioSettings.h"
 #include "VantlePresets/settings/VideoSettings.h"
 
 #include <QtCore/QByteArray>
+#include <QtCore/QList>
 #include <QtCore/QUuid>
 
 #include <memory>
 
 namespace vantle {
 
-namespace document {
-class DocumentWriter;
-class ObjectReader;
-} // namespace document
+class VantlePresetPrivate;
 
 using VideoSettingsList = QList<std::shared_ptr<VideoSettings>>;
 using AudioSettingsList = QList<std::shared_ptr<AudioSettings>>;
@@ -50,7 +49,8 @@ protected:
 
 public:
     /// For the static functions that make objects.
-    explicit VantlePreset(Key) {}
+    explicit VantlePreset(Key);
+    ~VantlePreset() override;
 
     /// A new preset with one default rendition and one default track, which is the default track.
     [[nodiscard]] static std::shared_ptr<VantlePreset> withType(StreamingType type, const QString &name);
@@ -59,13 +59,12 @@ public:
     /// as the class of its kind, see PresetFactory.h.
     [[nodiscard]] static std::shared_ptr<VantlePreset> withFileAtPath(const QString &path);
 
-    /// Reads the document of this class; throws DecodingError. The name is "Untitled Preset".
-    [[nodiscard]] static std::shared_ptr<VantlePreset> decode(const document::ObjectReader &root);
+    /// Reads the keys that all kinds share from a document's JSON text; throws DecodingError. The name is
+    /// "Untitled Preset". To read a document as the class of its kind, see decodePreset(). Callable from any
+    /// thread, to which the preset belongs.
+    [[nodiscard]] static std::shared_ptr<VantlePreset> decoded(QByteArrayView document);
 
-    /// Writes the members of this object's own document. Throws EncodingError.
-    virtual void encode(document::DocumentWriter &writer) const;
-
-    /// The document's UTF-8 text; throws EncodingError.
+    /// The UTF-8 text of this object's own document; throws EncodingError.
     [[nodiscard]] QByteArray encoded(document::Format format) const;
     /// Equal for presets whose documents are equal; throws EncodingError. See document::hashOf().
     [[nodiscard]] std::size_t documentHash() const;
@@ -74,32 +73,34 @@ public:
     /// of it. False when the preset can't be encoded or the file can't be written.
     bool writeToFileAtPath(const QString &path) const;
 
+    /// What there is to know of the fields of this object's class, in the order in which they are written; of
+    /// those, isKept() tells which ones the documents of type() hold. Callable from any thread.
+    [[nodiscard]] const QList<Field> &fields() const;
+
     /// The kind, which decides how the preset is written.
-    [[nodiscard]] StreamingType type() const { return m_type; }
+    [[nodiscard]] StreamingType type() const;
     /// The preset's file is named after it.
-    [[nodiscard]] const QString &name() const { return m_name; }
+    [[nodiscard]] const QString &name() const;
     /// In the order of the file.
-    [[nodiscard]] const VideoSettingsList &videoSettings() const { return m_videoSettings; }
+    [[nodiscard]] const VideoSettingsList &videoSettings() const;
     /// In the order of the file.
-    [[nodiscard]] const AudioSettingsList &audioSettings() const { return m_audioSettings; }
+    [[nodiscard]] const AudioSettingsList &audioSettings() const;
     /// The track that was marked default last, or null. After PresetFactory's reading it equals a track
     /// of audioSettings() in content but is another object; it may also be one that was removed.
-    [[nodiscard]] const std::shared_ptr<AudioSettings> &defaultAudioSettings() const
-    {
-        return m_defaultAudioSettings;
-    }
+    [[nodiscard]] const std::shared_ptr<AudioSettings> &defaultAudioSettings() const;
     /// Kept in the files of some kinds; for the others, new whenever the file is read.
-    [[nodiscard]] const QUuid &uuid() const { return m_uuid; }
+    [[nodiscard]] const QUuid &uuid() const;
     /// The same as uuid().
-    [[nodiscard]] const QUuid &id() const { return m_uuid; }
+    [[nodiscard]] const QUuid &id() const;
 
     /// The icon of a kind, in SVG format, from the component's bundle; read when asked for.
     [[nodiscard]] static QByteArray imageForPresetType(StreamingType type);
     /// The icon of the preset's kind.
-    [[nodiscard]] QByteArray presetImage() const { return imageForPresetType(m_type); }
+    [[nodiscard]] QByteArray presetImage() const;
 
-    /// Not observable.
-    void setType(StreamingType type) { m_type = type; }
+    /// Not observable. Only kinds of the object's own class (see makePreset()) make sense: a document of
+    /// another kind has keys that this class does not write, and can't be read back.
+    void setType(StreamingType type);
     /// @{
     /// Stores the value and announces it, see ObservableRecord.
     void setName(const QString &name);
@@ -118,7 +119,10 @@ public:
     /// is the one removed.
     void removeAudioSettings(const AudioSettings &setting);
 
-    /// Takes over the other's kind, renditions and tracks. The settings objects are shared from then on.
+    /// Takes over the other's kind, renditions and tracks, whatever the objects' classes: of an
+    /// RTMPVantlePreset behind a reference to this class that is a part only, and with a kind of another
+    /// class the document can't be read back. To take over all that is kept, call updatePreset(). The
+    /// settings objects are shared from then on.
     void update(const VantlePreset &other);
     /// Emits objectWillChange() alone, after a change inside a settings object.
     void update();
@@ -139,34 +143,13 @@ Q_SIGNALS:
     /// @}
 
 protected:
-    /// Fills a new preset with its kind, its name and one default rendition and track.
-    void makeDefaults(StreamingType type, const QString &name);
-
-    /// Reads the shared keys: the first step of every class.
-    void decodeBase(const document::ObjectReader &root);
-
-    /// The last step of decode() in every derived class: afterwards the listed tracks have no delegate, and
-    /// defaultAudioSettings() is a track of its own, with a delegate, that equals the one in the list.
-    void separateDefaultTrack();
-
-    /// Fills the shared keys and the name from a file; false, silently, when that fails.
-    bool readBaseFromFile(const QString &path);
-
-    /// Takes the kind and the lists of a preset decoded from the same file, without announcing them.
-    void takeDecodedBase(const VantlePreset &decoded);
-
-    /// Writes "videoSettings" and "audioSettings".
-    void encodeLists(document::DocumentWriter &writer) const;
+    /// For derived classes, whose data are more.
+    VantlePreset(Key, std::unique_ptr<VantlePresetPrivate> data);
 
 private:
-    void encodeDocument(document::DocumentWriter &writer) const;
+    friend class VantlePresetPrivate;
 
-    StreamingType m_type = StreamingType::hls;
-    QString m_name = QStringLiteral("Untitled Preset");
-    VideoSettingsList m_videoSettings;
-    AudioSettingsList m_audioSettings;
-    std::shared_ptr<AudioSettings> m_defaultAudioSettings;
-    QUuid m_uuid;
+    const std::unique_ptr<VantlePresetPrivate> d;
 };
 
 /// The name that a preset file gives its preset: the last path component without its last extension.

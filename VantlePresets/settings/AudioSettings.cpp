@@ -2,20 +2,38 @@
 #include "VantlePresets/settings/AudioSettings.h"
 
 #include "VantlePresets/core/ObjectId.h"
-#include "VantlePresets/document/DocumentReader.h"
-#include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/settings/AudioSettingsPrivate.h"
+#include "VantlePresets/settings/EnumerationFacts.h"
 
 namespace vantle {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr EnumerationTable<AudioCodecID, 1> kCodecs{"unexpected AudioCodecID value",
-                                                    {{{AudioCodecID::aacLC, "AAC LC"_L1}}}};
+constexpr EnumerationTable<AudioCodecID>::Case kCodecCases[] = {{AudioCodecID::aacLC, "AAC LC"_L1}};
+constexpr EnumerationTable<AudioCodecID> kCodecs{"unexpected AudioCodecID value", kCodecCases};
+
+/// Source channels as scripts have them. A list with anything else but integers is none.
+std::optional<QList<qint64>> channelsFromVariants(const QVariantList &variants)
+{
+    QList<qint64> channels;
+    for (const QVariant &variant : variants) {
+        bool isInteger = false;
+        const double value = variant.toDouble(&isInteger);
+        channels.append(variant.toLongLong());
+        if (!isInteger || static_cast<double>(channels.last()) != value)
+            return std::nullopt;
+    }
+    return channels;
+}
+
+[[maybe_unused]] const bool kConverted =
+    registerConversions<AudioCodecID>() &&
+    registerConversion<QVariantList, QList<qint64>>(channelsFromVariants);
 
 } // namespace
 
-const EnumerationTable<AudioCodecID, 1> &audioCodecs()
+const EnumerationTable<AudioCodecID> &audioCodecs()
 {
     return kCodecs;
 }
@@ -31,34 +49,16 @@ quint32 audioCodecFormatID(AudioCodecID codec)
     return 0x61616320; // 'aac '
 }
 
-AudioSettings::AudioSettings(Key) : m_id(newObjectId()) {}
+AudioSettings::AudioSettings(Key) : d(std::make_unique<AudioSettingsPrivate>())
+{
+    d->id = newObjectId();
+}
+
+AudioSettings::~AudioSettings() = default;
 
 std::shared_ptr<AudioSettings> AudioSettings::create()
 {
     return std::make_shared<AudioSettings>(Key{});
-}
-
-std::shared_ptr<AudioSettings> AudioSettings::decode(const document::ObjectReader &object)
-{
-    auto track = create();
-    const QUtf8StringView codec = object.text("codec");
-    if (const auto known = kCodecs.fromText(codec))
-        track->m_codec = *known;
-    else
-        object.fail("codec", "Invalid AudioCodec display string: "_L1 + codec.toString());
-    const document::ArrayReader channels = object.array("inputChannels");
-    track->m_inputChannels.clear();
-    track->m_inputChannels.reserve(channels.size());
-    for (qsizetype i = 0; i < channels.size(); ++i)
-        track->m_inputChannels.append(channels.integerAt(i));
-    track->m_bitRate = object.integer("bitRate");
-    track->m_language = object.string("language");
-    track->m_trackName = object.string("trackName");
-    track->m_sampleRate = object.integer("sampleRate");
-    track->m_bitsPerSample = object.integer("bitsPerSample");
-    track->m_isDefault = object.boolean("isDefault");
-    track->m_pid = object.optionalInteger("pid").value_or(256);
-    return track;
 }
 
 std::shared_ptr<AudioSettings> AudioSettings::copy() const
@@ -68,100 +68,141 @@ std::shared_ptr<AudioSettings> AudioSettings::copy() const
     return track;
 }
 
-void AudioSettings::encode(document::DocumentWriter &writer) const
+qint64 AudioSettings::bitRate() const
 {
-    writer.beginObject();
-    writer.string("codec", kCodecs.text(m_codec));
-    writer.integer("audioCodecFormatID", audioCodecFormatID());
-    writer.integer("bitRate", m_bitRate);
-    writer.string("language", m_language);
-    writer.string("trackName", m_trackName);
-    writer.integer("sampleRate", m_sampleRate);
-    writer.integer("bitsPerSample", m_bitsPerSample);
-    writer.boolean("isDefault", m_isDefault);
-    writer.integers("inputChannels", m_inputChannels);
-    writer.integer("pid", m_pid);
-    writer.endObject();
+    return d->bitRate;
+}
+
+qint64 AudioSettings::bitsPerSample() const
+{
+    return d->bitsPerSample;
+}
+
+qint64 AudioSettings::sampleRate() const
+{
+    return d->sampleRate;
+}
+
+const QList<qint64> &AudioSettings::inputChannels() const
+{
+    return d->inputChannels;
+}
+
+AudioCodecID AudioSettings::codec() const
+{
+    return d->codec;
+}
+
+const QString &AudioSettings::language() const
+{
+    return d->language;
+}
+
+const QString &AudioSettings::trackName() const
+{
+    return d->trackName;
+}
+
+bool AudioSettings::isDefault() const
+{
+    return d->isDefault;
+}
+
+qint64 AudioSettings::pid() const
+{
+    return d->pid;
+}
+
+const QUuid &AudioSettings::id() const
+{
+    return d->id;
+}
+
+std::shared_ptr<AudioSettingsDelegate> AudioSettings::delegate() const
+{
+    return d->delegate.lock();
+}
+
+void AudioSettings::setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate)
+{
+    d->delegate = delegate;
+}
+
+quint32 AudioSettings::audioCodecFormatID() const
+{
+    return vantle::audioCodecFormatID(d->codec);
 }
 
 void AudioSettings::setBitRate(qint64 bitRate)
 {
-    assign(m_bitRate, bitRate, &AudioSettings::bitRateChanged);
+    assign(d->bitRate, bitRate, &AudioSettings::bitRateChanged);
 }
 
 void AudioSettings::setBitsPerSample(qint64 bitsPerSample)
 {
-    assign(m_bitsPerSample, bitsPerSample, &AudioSettings::bitsPerSampleChanged);
+    assign(d->bitsPerSample, bitsPerSample, &AudioSettings::bitsPerSampleChanged);
 }
 
 void AudioSettings::setSampleRate(qint64 sampleRate)
 {
-    assign(m_sampleRate, sampleRate, &AudioSettings::sampleRateChanged);
+    assign(d->sampleRate, sampleRate, &AudioSettings::sampleRateChanged);
 }
 
 void AudioSettings::setInputChannels(const QList<qint64> &channels)
 {
-    assign(m_inputChannels, channels, &AudioSettings::inputChannelsChanged);
+    assign(d->inputChannels, channels, &AudioSettings::inputChannelsChanged);
 }
 
 void AudioSettings::setCodec(AudioCodecID codec)
 {
-    assign(m_codec, codec, &AudioSettings::codecChanged);
+    assign(d->codec, codec, &AudioSettings::codecChanged);
 }
 
 void AudioSettings::setLanguage(const QString &language)
 {
-    assign(m_language, language, &AudioSettings::languageChanged);
+    assign(d->language, language, &AudioSettings::languageChanged);
 }
 
 void AudioSettings::setTrackName(const QString &trackName)
 {
-    assign(m_trackName, trackName, &AudioSettings::trackNameChanged);
+    assign(d->trackName, trackName, &AudioSettings::trackNameChanged);
 }
 
 void AudioSettings::setIsDefault(bool isDefault)
 {
-    const bool isChange = isDefault != m_isDefault;
-    assign(m_isDefault, isDefault, &AudioSettings::isDefaultChanged);
+    const bool isChange = isDefault != d->isDefault;
+    assign(d->isDefault, isDefault, &AudioSettings::isDefaultChanged);
     if (!isChange)
         return;
-    if (const auto delegate = m_delegate.lock())
+    if (const auto delegate = d->delegate.lock())
         delegate->audioSettingsDidChangeDefault(shared_from_this(), isDefault);
 }
 
 void AudioSettings::setPid(qint64 pid)
 {
-    assign(m_pid, pid, &AudioSettings::pidChanged);
+    assign(d->pid, pid, &AudioSettings::pidChanged);
 }
 
 QString AudioSettings::variantName() const
 {
-    QString name = m_trackName + u'_' + QString::number(m_bitRate);
+    QString name = d->trackName + u'_' + QString::number(d->bitRate);
     return name.replace(u' ', u'_').replace(u'.', u'_');
 }
 
 QString AudioSettings::displayName() const
 {
-    return "Audio Track "_L1 + m_trackName;
+    return "Audio Track "_L1 + d->trackName;
 }
 
 QString AudioSettings::aggregateDescription() const
 {
-    return m_trackName + " ("_L1 + m_language + ") - "_L1 + displayValue(m_codec) + " - @ "_L1 +
-           QString::number(m_sampleRate) + "Hz - "_L1 + QString::number(m_bitRate) + " kbps"_L1;
+    return d->trackName + " ("_L1 + d->language + ") - "_L1 + displayValue(d->codec) + " - @ "_L1 +
+           QString::number(d->sampleRate) + "Hz - "_L1 + QString::number(d->bitRate) + " kbps"_L1;
 }
 
 void AudioSettings::update(const AudioSettings &other)
 {
-    setCodec(other.m_codec);
-    setBitRate(other.m_bitRate);
-    setLanguage(other.m_language);
-    setTrackName(other.m_trackName);
-    setInputChannels(other.m_inputChannels);
-    setSampleRate(other.m_sampleRate);
-    setBitsPerSample(other.m_bitsPerSample);
-    setIsDefault(other.m_isDefault);
-    setPid(other.m_pid);
+    AudioSettingsPrivate::update(*this, other);
 }
 
 } // namespace vantle

@@ -3,29 +3,27 @@
 
 #include "VantlePresets/Export.h"
 #include "VantlePresets/core/EnumerationTable.h"
+#include "VantlePresets/core/Field.h"
 #include "VantlePresets/core/ObservableRecord.h"
+#include "VantlePresets/document/DocumentFormat.h"
 
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
 #include <QtCore/QUuid>
 
 #include <memory>
 
 namespace vantle {
 
-namespace document {
-class DocumentWriter;
-class ObjectReader;
-} // namespace document
-
-enum class AudioCodecID : int { aacLC = 0 };
-
 /// "AAC LC": shown to users and kept in preset files.
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AudioCodecID, 1> &audioCodecs();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AudioCodecID> &audioCodecs();
 /// The display string; a value outside the enumeration stops the process.
 [[nodiscard]] VANTLE_PRESETS_EXPORT QString displayValue(AudioCodecID codec);
 /// The Core Audio format identifier, for AAC LC 'aac ' (1633772320).
 [[nodiscard]] VANTLE_PRESETS_EXPORT quint32 audioCodecFormatID(AudioCodecID codec);
 
 class AudioSettings;
+class AudioSettingsPrivate;
 
 /// Is told when a track's default flag changes. Held weakly by the track.
 class VANTLE_PRESETS_EXPORT AudioSettingsDelegate
@@ -75,39 +73,45 @@ class VANTLE_PRESETS_EXPORT AudioSettings : public ObservableRecord,
 public:
     /// For the static functions that make objects.
     explicit AudioSettings(Key);
+    ~AudioSettings() override;
 
     /// New settings: AAC LC, 128 kbit/s, 44100 Hz, 16 bits, the source's first two channels, "English".
     [[nodiscard]] static std::shared_ptr<AudioSettings> create();
 
-    /// Reads one element of "audioSettings"; throws DecodingError. The track has no delegate.
-    [[nodiscard]] static std::shared_ptr<AudioSettings> decode(const document::ObjectReader &object);
+    /// Reads the JSON text of one element of "audioSettings"; throws DecodingError. The track has no
+    /// delegate. Callable from any thread.
+    [[nodiscard]] static std::shared_ptr<AudioSettings> decoded(QByteArrayView object);
 
     /// A track of its own with these values and no delegate.
     [[nodiscard]] std::shared_ptr<AudioSettings> copy() const;
 
-    /// Writes one element of "audioSettings".
-    void encode(document::DocumentWriter &writer) const;
+    /// One element of "audioSettings" as UTF-8 text.
+    [[nodiscard]] QByteArray encoded(document::Format format) const;
+
+    /// What there is to know of the fields that files keep, in the order in which they are written. Callable
+    /// from any thread.
+    [[nodiscard]] static const QList<Field> &fields();
 
     /// In kbit/s.
-    [[nodiscard]] qint64 bitRate() const { return m_bitRate; }
+    [[nodiscard]] qint64 bitRate() const;
     /// Of the samples before encoding.
-    [[nodiscard]] qint64 bitsPerSample() const { return m_bitsPerSample; }
+    [[nodiscard]] qint64 bitsPerSample() const;
     /// In hertz.
-    [[nodiscard]] qint64 sampleRate() const { return m_sampleRate; }
+    [[nodiscard]] qint64 sampleRate() const;
     /// Source channels by index from 0, in the order of the track's own channels.
-    [[nodiscard]] const QList<qint64> &inputChannels() const { return m_inputChannels; }
+    [[nodiscard]] const QList<qint64> &inputChannels() const;
     /// The only one so far is AAC LC.
-    [[nodiscard]] AudioCodecID codec() const { return m_codec; }
+    [[nodiscard]] AudioCodecID codec() const;
     /// A language code such as "en".
-    [[nodiscard]] const QString &language() const { return m_language; }
+    [[nodiscard]] const QString &language() const;
     /// What players show.
-    [[nodiscard]] const QString &trackName() const { return m_trackName; }
+    [[nodiscard]] const QString &trackName() const;
     /// Whether players choose this track by themselves.
-    [[nodiscard]] bool isDefault() const { return m_isDefault; }
+    [[nodiscard]] bool isDefault() const;
     /// The MPEG-TS packet identifier of the stream.
-    [[nodiscard]] qint64 pid() const { return m_pid; }
+    [[nodiscard]] qint64 pid() const;
     /// Identifies this object in memory; never in a file.
-    [[nodiscard]] const QUuid &id() const { return m_id; }
+    [[nodiscard]] const QUuid &id() const;
 
     /// @{
     /// Stores the value and announces it, see ObservableRecord.
@@ -124,12 +128,12 @@ public:
     /// @}
 
     /// The delegate, or null when there is none or it is gone.
-    [[nodiscard]] std::shared_ptr<AudioSettingsDelegate> delegate() const { return m_delegate.lock(); }
+    [[nodiscard]] std::shared_ptr<AudioSettingsDelegate> delegate() const;
     /// The delegate is held weakly.
-    void setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate) { m_delegate = delegate; }
+    void setDelegate(const std::weak_ptr<AudioSettingsDelegate> &delegate);
 
     /// That of the codec.
-    [[nodiscard]] quint32 audioCodecFormatID() const { return vantle::audioCodecFormatID(m_codec); }
+    [[nodiscard]] quint32 audioCodecFormatID() const;
     /// "English_128".
     [[nodiscard]] QString variantName() const;
     /// "Audio Track English".
@@ -137,11 +141,11 @@ public:
     /// "English (en) - AAC LC - @ 44100Hz - 128 kbps".
     [[nodiscard]] QString aggregateDescription() const;
 
-    /// Assigns the other's settings one by one; identifier and delegate stay.
+    /// Assigns the other's fields one by one; identifier and delegate stay.
     void update(const AudioSettings &other);
 
     /// The same identifier, whatever the values.
-    friend bool operator==(const AudioSettings &a, const AudioSettings &b) { return a.m_id == b.m_id; }
+    friend bool operator==(const AudioSettings &a, const AudioSettings &b) { return a.id() == b.id(); }
 
 Q_SIGNALS:
     /// @{
@@ -158,17 +162,9 @@ Q_SIGNALS:
     /// @}
 
 private:
-    qint64 m_bitRate = 128;
-    qint64 m_bitsPerSample = 16;
-    qint64 m_sampleRate = 44100;
-    QList<qint64> m_inputChannels{0, 1};
-    AudioCodecID m_codec = AudioCodecID::aacLC;
-    QString m_language = QStringLiteral("en");
-    QString m_trackName = QStringLiteral("English");
-    bool m_isDefault = false;
-    qint64 m_pid = 256;
-    QUuid m_id;
-    std::weak_ptr<AudioSettingsDelegate> m_delegate;
+    friend class AudioSettingsPrivate;
+
+    const std::unique_ptr<AudioSettingsPrivate> d;
 };
 
 } // namespace vantle

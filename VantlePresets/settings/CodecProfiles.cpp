@@ -8,35 +8,34 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr EnumerationTable<H264ProfileType, 4> kH264Types{"unexpected H264ProfileType value",
-                                                          {{{H264ProfileType::baseline, "Baseline"_L1},
-                                                            {H264ProfileType::main, "Main"_L1},
-                                                            {H264ProfileType::high, "High"_L1},
-                                                            {H264ProfileType::extended, "Extended"_L1}}}};
+constexpr EnumerationTable<H264ProfileType>::Case kH264TypeCases[] = {
+    {H264ProfileType::baseline, "Baseline"_L1},
+    {H264ProfileType::main, "Main"_L1},
+    {H264ProfileType::high, "High"_L1},
+    {H264ProfileType::extended, "Extended"_L1}};
+constexpr EnumerationTable<H264ProfileType> kH264Types{"unexpected H264ProfileType value", kH264TypeCases};
 
-constexpr EnumerationTable<H264ProfileLevel, 10> kH264Levels{
-    "unexpected H264ProfileLevel value",
-    {{{H264ProfileLevel::_3_0, "_3_0"_L1},
-      {H264ProfileLevel::_3_1, "_3_1"_L1},
-      {H264ProfileLevel::_3_2, "_3_2"_L1},
-      {H264ProfileLevel::_4_0, "_4_0"_L1},
-      {H264ProfileLevel::_4_1, "_4_1"_L1},
-      {H264ProfileLevel::_4_2, "_4_2"_L1},
-      {H264ProfileLevel::_5_0, "_5_0"_L1},
-      {H264ProfileLevel::_5_1, "_5_1"_L1},
-      {H264ProfileLevel::_5_2, "_5_2"_L1},
-      {H264ProfileLevel::_AutoLevel, "_AutoLevel"_L1}}}};
+constexpr EnumerationTable<H264ProfileLevel>::Case kH264LevelCases[] = {
+    {H264ProfileLevel::_3_0, "_3_0"_L1}, {H264ProfileLevel::_3_1, "_3_1"_L1},
+    {H264ProfileLevel::_3_2, "_3_2"_L1}, {H264ProfileLevel::_4_0, "_4_0"_L1},
+    {H264ProfileLevel::_4_1, "_4_1"_L1}, {H264ProfileLevel::_4_2, "_4_2"_L1},
+    {H264ProfileLevel::_5_0, "_5_0"_L1}, {H264ProfileLevel::_5_1, "_5_1"_L1},
+    {H264ProfileLevel::_5_2, "_5_2"_L1}, {H264ProfileLevel::_AutoLevel, "_AutoLevel"_L1}};
+constexpr EnumerationTable<H264ProfileLevel> kH264Levels{"unexpected H264ProfileLevel value",
+                                                         kH264LevelCases};
 
-constexpr EnumerationTable<HEVCProfileType, 5> kHEVCTypes{
-    "unexpected HEVCProfileType value",
-    {{{HEVCProfileType::main, "Main"_L1},
-      {HEVCProfileType::main10, "Main 10"_L1},
-      {HEVCProfileType::main42210, "Main 422-10"_L1},
-      {HEVCProfileType::monochrome, "Monochrome"_L1},
-      {HEVCProfileType::monochrome10, "Monochrome 10"_L1}}}};
+constexpr EnumerationTable<HEVCProfileType>::Case kHEVCTypeCases[] = {
+    {HEVCProfileType::main, "Main"_L1},
+    {HEVCProfileType::main10, "Main 10"_L1},
+    {HEVCProfileType::main42210, "Main 422-10"_L1},
+    {HEVCProfileType::monochrome, "Monochrome"_L1},
+    {HEVCProfileType::monochrome10, "Monochrome 10"_L1}};
+constexpr EnumerationTable<HEVCProfileType> kHEVCTypes{"unexpected HEVCProfileType value", kHEVCTypeCases};
 
-constexpr EnumerationTable<HEVCProfileLevel, 1> kHEVCLevels{
-    "unexpected HEVCProfileLevel value", {{{HEVCProfileLevel::_AutoLevel, "_AutoLevel"_L1}}}};
+constexpr EnumerationTable<HEVCProfileLevel>::Case kHEVCLevelCases[] = {
+    {HEVCProfileLevel::_AutoLevel, "_AutoLevel"_L1}};
+constexpr EnumerationTable<HEVCProfileLevel> kHEVCLevels{"unexpected HEVCProfileLevel value",
+                                                         kHEVCLevelCases};
 
 struct LevelLimits
 {
@@ -91,19 +90,19 @@ std::optional<MacroBlocks> macroBlocks(qint64 width, qint64 height, double frame
 
 } // namespace
 
-const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes()
+const EnumerationTable<H264ProfileType> &h264ProfileTypes()
 {
     return kH264Types;
 }
-const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels()
+const EnumerationTable<H264ProfileLevel> &h264ProfileLevels()
 {
     return kH264Levels;
 }
-const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes()
+const EnumerationTable<HEVCProfileType> &hevcProfileTypes()
 {
     return kHEVCTypes;
 }
-const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels()
+const EnumerationTable<HEVCProfileLevel> &hevcProfileLevels()
 {
     return kHEVCLevels;
 }

@@ -21,10 +21,10 @@ enum class HEVCProfileLevel { _AutoLevel };
 // NOLINTEND(bugprone-reserved-identifier)
 
 /// The cases in order, with their raw values: the texts that profile names are made of.
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileType, 4> &h264ProfileTypes();
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileLevel, 10> &h264ProfileLevels();
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileType, 5> &hevcProfileTypes();
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileLevel, 1> &hevcProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileType> &h264ProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<H264ProfileLevel> &h264ProfileLevels();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileType> &hevcProfileTypes();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<HEVCProfileLevel> &hevcProfileLevels();
 
 /// An H.264 profile at a level. Limits are those of ITU-T H.264, Table A-1, and depend on the level alone.
 struct VANTLE_PRESETS_EXPORT H264Profile

@@ -2,8 +2,8 @@
 #include "VantlePresets/settings/VideoSettings.h"
 
 #include "VantlePresets/core/ObjectId.h"
-#include "VantlePresets/document/DocumentReader.h"
-#include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/settings/EnumerationFacts.h"
+#include "VantlePresets/settings/VideoSettingsPrivate.h"
 
 #include <charconv>
 #include <cmath>
@@ -48,49 +48,21 @@ QString withoutBlanksAndDots(QString text)
     return text.replace(u' ', u'_').replace(u'.', u'_');
 }
 
+[[maybe_unused]] const bool kConverted =
+    registerConversions<VideoCodec>() && registerConversions<VideoResolution>();
+
 } // namespace
 
-VideoSettings::VideoSettings(Key) : m_id(newObjectId()) {}
+VideoSettings::VideoSettings(Key) : d(std::make_unique<VideoSettingsPrivate>())
+{
+    d->id = newObjectId();
+}
+
+VideoSettings::~VideoSettings() = default;
 
 std::shared_ptr<VideoSettings> VideoSettings::create()
 {
     return std::make_shared<VideoSettings>(Key{});
-}
-
-std::shared_ptr<VideoSettings> VideoSettings::decode(const document::ObjectReader &object)
-{
-    auto settings = create();
-    const QUtf8StringView codec = object.text("codec");
-    if (const auto known = videoCodecs().fromText(codec))
-        settings->m_codec = *known;
-    else
-        object.fail("codec", "Invalid VideoCodec display string: "_L1 + codec.toString());
-    const QUtf8StringView resolution = object.text("resolution");
-    if (const auto known = videoResolutions().fromText(resolution))
-        settings->m_resolution = *known;
-    else
-        object.fail("resolution", "Invalid Resolution display string: "_L1 + resolution.toString());
-    settings->m_customWidth = object.integer("customWidth");
-    settings->m_customHeight = object.integer("customHeight");
-    settings->m_frameRate = object.number("frameRate");
-    settings->m_bitRate = object.integer("bitRate");
-    settings->m_profile = object.string("profile");
-    settings->m_pid = object.optionalInteger("pid").value_or(256);
-    return settings;
-}
-
-void VideoSettings::encode(document::DocumentWriter &writer) const
-{
-    writer.beginObject();
-    writer.string("codec", videoCodecs().text(m_codec));
-    writer.string("resolution", videoResolutions().text(m_resolution));
-    writer.integer("customWidth", m_customWidth);
-    writer.integer("customHeight", m_customHeight);
-    writer.number("frameRate", m_frameRate);
-    writer.integer("bitRate", m_bitRate);
-    writer.string("profile", m_profile);
-    writer.integer("pid", m_pid);
-    writer.endObject();
 }
 
 QList<double> VideoSettings::availableFrameRates()
@@ -98,15 +70,85 @@ QList<double> VideoSettings::availableFrameRates()
     return {23.976, 24.0, 25.0, 29.97, 30.0, 50.0, 59.94, 60.0};
 }
 
+VideoCodec VideoSettings::codec() const
+{
+    return d->codec;
+}
+
+VideoResolution VideoSettings::resolution() const
+{
+    return d->resolution;
+}
+
+qint64 VideoSettings::customWidth() const
+{
+    return d->customWidth;
+}
+
+qint64 VideoSettings::customHeight() const
+{
+    return d->customHeight;
+}
+
+double VideoSettings::frameRate() const
+{
+    return d->frameRate;
+}
+
+qint64 VideoSettings::bitRate() const
+{
+    return d->bitRate;
+}
+
+const QString &VideoSettings::profile() const
+{
+    return d->profile;
+}
+
+qint64 VideoSettings::pid() const
+{
+    return d->pid;
+}
+
+const QUuid &VideoSettings::id() const
+{
+    return d->id;
+}
+
+const QList<H264Profile> &VideoSettings::availableH264Profiles() const
+{
+    return d->availableH264Profiles;
+}
+
+const QList<HEVCProfile> &VideoSettings::availableHEVCProfiles() const
+{
+    return d->availableHEVCProfiles;
+}
+
+void VideoSettings::setAvailableH264Profiles(const QList<H264Profile> &profiles)
+{
+    d->availableH264Profiles = profiles;
+}
+
+void VideoSettings::setAvailableHEVCProfiles(const QList<HEVCProfile> &profiles)
+{
+    d->availableHEVCProfiles = profiles;
+}
+
+QString VideoSettings::videoCodecType() const
+{
+    return vantle::videoCodecType(d->codec);
+}
+
 void VideoSettings::setCodec(VideoCodec codec)
 {
-    assign(m_codec, codec, &VideoSettings::codecChanged);
+    assign(d->codec, codec, &VideoSettings::codecChanged);
 }
 
 void VideoSettings::setResolution(VideoResolution resolution)
 {
-    assign(m_resolution, resolution, &VideoSettings::resolutionChanged);
-    if (m_resolution != VideoResolution::_custom) {
+    assign(d->resolution, resolution, &VideoSettings::resolutionChanged);
+    if (d->resolution != VideoResolution::_custom) {
         setCustomWidth(0);
         setCustomHeight(0);
     }
@@ -114,57 +156,57 @@ void VideoSettings::setResolution(VideoResolution resolution)
 
 void VideoSettings::setCustomWidth(qint64 width)
 {
-    assign(m_customWidth, width, &VideoSettings::customWidthChanged);
+    assign(d->customWidth, width, &VideoSettings::customWidthChanged);
 }
 
 void VideoSettings::setCustomHeight(qint64 height)
 {
-    assign(m_customHeight, height, &VideoSettings::customHeightChanged);
+    assign(d->customHeight, height, &VideoSettings::customHeightChanged);
 }
 
 void VideoSettings::setFrameRate(double frameRate)
 {
-    assign(m_frameRate, frameRate, &VideoSettings::frameRateChanged);
+    assign(d->frameRate, frameRate, &VideoSettings::frameRateChanged);
 }
 
 void VideoSettings::setBitRate(qint64 bitRate)
 {
-    assign(m_bitRate, bitRate, &VideoSettings::bitRateChanged);
-    if (m_bitRate < 0)
+    assign(d->bitRate, bitRate, &VideoSettings::bitRateChanged);
+    if (d->bitRate < 0)
         setBitRate(0);
-    else if (const qint64 maximum = maxBitRate(); maximum < m_bitRate)
+    else if (const qint64 maximum = maxBitRate(); maximum < d->bitRate)
         setBitRate(maximum);
 }
 
 void VideoSettings::setProfile(const QString &profile)
 {
-    assign(m_profile, profile, &VideoSettings::profileChanged);
+    assign(d->profile, profile, &VideoSettings::profileChanged);
 }
 
 void VideoSettings::setPid(qint64 pid)
 {
-    assign(m_pid, pid, &VideoSettings::pidChanged);
+    assign(d->pid, pid, &VideoSettings::pidChanged);
 }
 
 qint64 VideoSettings::width() const
 {
-    return m_resolution == VideoResolution::_custom ? m_customWidth : sizePiece(m_resolution, 0);
+    return d->resolution == VideoResolution::_custom ? d->customWidth : sizePiece(d->resolution, 0);
 }
 
 qint64 VideoSettings::height() const
 {
-    return m_resolution == VideoResolution::_custom ? m_customHeight : sizePiece(m_resolution, 1);
+    return d->resolution == VideoResolution::_custom ? d->customHeight : sizePiece(d->resolution, 1);
 }
 
 QString VideoSettings::videoToolboxProfile() const
 {
-    switch (m_codec) {
+    switch (d->codec) {
     case VideoCodec::h264:
-        if (const auto *profile = findProfile(m_availableH264Profiles, m_profile))
+        if (const auto *profile = findProfile(d->availableH264Profiles, d->profile))
             return profile->videoToolboxProfile();
         return H264Profile{H264ProfileType::main, H264ProfileLevel::_AutoLevel}.videoToolboxProfile();
     case VideoCodec::hevc:
-        if (const auto *profile = findProfile(m_availableHEVCProfiles, m_profile))
+        if (const auto *profile = findProfile(d->availableHEVCProfiles, d->profile))
             return profile->videoToolboxProfile();
         return HEVCProfile{HEVCProfileType::main, HEVCProfileLevel::_AutoLevel}.videoToolboxProfile();
     }
@@ -173,22 +215,22 @@ QString VideoSettings::videoToolboxProfile() const
 
 QString VideoSettings::variantName() const
 {
-    return withoutBlanksAndDots(vantle::displayName(m_codec) + u'_' + QString::number(width()) + u'x' +
-                                QString::number(height()) + u'_' + QString::number(m_bitRate));
+    return withoutBlanksAndDots(vantle::displayName(d->codec) + u'_' + QString::number(width()) + u'x' +
+                                QString::number(height()) + u'_' + QString::number(d->bitRate));
 }
 
 QString VideoSettings::displayName() const
 {
-    return "Video Variant: "_L1 + vantle::displayName(m_codec) + u' ' + displayValue(m_resolution) +
-           " @ "_L1 + decimalText(m_frameRate);
+    return "Video Variant: "_L1 + vantle::displayName(d->codec) + u' ' + displayValue(d->resolution) +
+           " @ "_L1 + decimalText(d->frameRate);
 }
 
 QString VideoSettings::aggregateDescription() const
 {
     // The first word is the enumeration's name, not the codec's, and one parenthesis stays open: observers
     // know the text in this form.
-    return "VideoCodec ("_L1 + displayValue(m_resolution) + " @ "_L1 + decimalText(m_frameRate) + " ("_L1 +
-           m_profile + u')';
+    return "VideoCodec ("_L1 + displayValue(d->resolution) + " @ "_L1 + decimalText(d->frameRate) + " ("_L1 +
+           d->profile + u')';
 }
 
 QStringList VideoSettings::profileLevels(VideoCodec codec, VideoResolution resolution, double frameRate) const
@@ -205,7 +247,7 @@ QStringList VideoSettings::profileLevels(VideoCodec codec, VideoResolution resol
 QStringList VideoSettings::h264ProfileLevels(VideoResolution, double frameRate) const
 {
     QStringList names;
-    for (const H264Profile &profile : m_availableH264Profiles) {
+    for (const H264Profile &profile : d->availableH264Profiles) {
         if (profile.isCompatible(width(), height(), frameRate))
             names.append(profile.displayName());
     }
@@ -215,7 +257,7 @@ QStringList VideoSettings::h264ProfileLevels(VideoResolution, double frameRate) 
 QStringList VideoSettings::hevcProfileLevels(VideoResolution, double) const
 {
     QStringList names;
-    for (const HEVCProfile &profile : m_availableHEVCProfiles)
+    for (const HEVCProfile &profile : d->availableHEVCProfiles)
         names.append(profile.displayName());
     return names;
 }
@@ -224,11 +266,11 @@ qint64 VideoSettings::maximumBitRate(VideoCodec codec, const QString &profile, V
 {
     switch (codec) {
     case VideoCodec::h264: {
-        const auto *found = findProfile(m_availableH264Profiles, profile);
+        const auto *found = findProfile(d->availableH264Profiles, profile);
         return found ? found->maxBitRate() : 0;
     }
     case VideoCodec::hevc: {
-        const auto *found = findProfile(m_availableHEVCProfiles, profile);
+        const auto *found = findProfile(d->availableHEVCProfiles, profile);
         return found ? found->maxBitRate() : 0;
     }
     }
@@ -237,25 +279,18 @@ qint64 VideoSettings::maximumBitRate(VideoCodec codec, const QString &profile, V
 
 qint64 VideoSettings::maxBitRate() const
 {
-    return maximumBitRate(m_codec, m_profile, m_resolution, m_frameRate);
+    return maximumBitRate(d->codec, d->profile, d->resolution, d->frameRate);
 }
 
 void VideoSettings::update(const VideoSettings &other)
 {
-    setCodec(other.m_codec);
-    setResolution(other.m_resolution);
-    setCustomWidth(other.m_customWidth);
-    setCustomHeight(other.m_customHeight);
-    setFrameRate(other.m_frameRate);
-    setBitRate(other.m_bitRate);
-    setProfile(other.m_profile);
-    setPid(other.m_pid);
+    VideoSettingsPrivate::update(*this, other);
 }
 
 bool operator==(const VideoSettings &a, const VideoSettings &b)
 {
-    return a.m_codec == b.m_codec && a.m_resolution == b.m_resolution && a.m_frameRate == b.m_frameRate &&
-           a.m_profile == b.m_profile;
+    return a.d->codec == b.d->codec && a.d->resolution == b.d->resolution &&
+           a.d->frameRate == b.d->frameRate && a.d->profile == b.d->profile;
 }
 
 } // namespace vantle

@@ -2,10 +2,13 @@
 #pragma once
 
 #include "VantlePresets/Export.h"
+#include "VantlePresets/core/Field.h"
 #include "VantlePresets/core/ObservableRecord.h"
+#include "VantlePresets/document/DocumentFormat.h"
 #include "VantlePresets/settings/CodecProfiles.h"
 #include "VantlePresets/settings/VideoFormats.h"
 
+#include <QtCore/QByteArray>
 #include <QtCore/QStringList>
 #include <QtCore/QUuid>
 
@@ -13,10 +16,7 @@
 
 namespace vantle {
 
-namespace document {
-class DocumentWriter;
-class ObjectReader;
-} // namespace document
+class VideoSettingsPrivate;
 
 /// The encoding choices of one video rendition of a preset.
 ///
@@ -54,38 +54,43 @@ public:
 
     /// For the static functions that make objects.
     explicit VideoSettings(Key);
+    ~VideoSettings() override;
 
     /// New settings: H.264 Main, automatic level, 1920 x 1080 at 30 frames per second, 4500 kbit/s.
     [[nodiscard]] static std::shared_ptr<VideoSettings> create();
 
-    /// Reads one element of "videoSettings"; throws DecodingError. Nothing is corrected: a bit rate above
-    /// the profile's limit stays until the next assignment.
-    [[nodiscard]] static std::shared_ptr<VideoSettings> decode(const document::ObjectReader &object);
+    /// Reads the JSON text of one element of "videoSettings"; throws DecodingError. Nothing is corrected: a
+    /// bit rate above the profile's limit stays until the next assignment. Callable from any thread.
+    [[nodiscard]] static std::shared_ptr<VideoSettings> decoded(QByteArrayView object);
 
-    /// Writes one element of "videoSettings"; throws EncodingError when the frame rate is not finite.
-    void encode(document::DocumentWriter &writer) const;
+    /// One element of "videoSettings" as UTF-8 text; throws EncodingError when the frame rate is not finite.
+    [[nodiscard]] QByteArray encoded(document::Format format) const;
+
+    /// What there is to know of the fields that files keep, in the order in which they are written. Callable
+    /// from any thread.
+    [[nodiscard]] static const QList<Field> &fields();
 
     /// The frame rates that forms offer, in frames per second.
     [[nodiscard]] static QList<double> availableFrameRates();
 
     /// Decides which profiles there are.
-    [[nodiscard]] VideoCodec codec() const { return m_codec; }
+    [[nodiscard]] VideoCodec codec() const;
     /// See width() and height() for the pixels.
-    [[nodiscard]] VideoResolution resolution() const { return m_resolution; }
+    [[nodiscard]] VideoResolution resolution() const;
     /// In pixels; counts only while the resolution is custom.
-    [[nodiscard]] qint64 customWidth() const { return m_customWidth; }
+    [[nodiscard]] qint64 customWidth() const;
     /// In pixels; counts only while the resolution is custom.
-    [[nodiscard]] qint64 customHeight() const { return m_customHeight; }
+    [[nodiscard]] qint64 customHeight() const;
     /// In frames per second.
-    [[nodiscard]] double frameRate() const { return m_frameRate; }
+    [[nodiscard]] double frameRate() const;
     /// In kbit/s.
-    [[nodiscard]] qint64 bitRate() const { return m_bitRate; }
+    [[nodiscard]] qint64 bitRate() const;
     /// The display name of an H264Profile or HEVCProfile; may name a profile of the other codec.
-    [[nodiscard]] const QString &profile() const { return m_profile; }
+    [[nodiscard]] const QString &profile() const;
     /// The MPEG-TS packet identifier of the stream.
-    [[nodiscard]] qint64 pid() const { return m_pid; }
+    [[nodiscard]] qint64 pid() const;
     /// Identifies this object in memory; never in a file.
-    [[nodiscard]] const QUuid &id() const { return m_id; }
+    [[nodiscard]] const QUuid &id() const;
 
     /// @{
     /// Stores the value and announces it, see ObservableRecord.
@@ -105,10 +110,10 @@ public:
     /// @{
     /// The profiles that this object offers, in order. Belong to each object; a host may replace the
     /// H.264 ones, and with an empty list every bit-rate limit is 0. Not observable.
-    [[nodiscard]] const QList<H264Profile> &availableH264Profiles() const { return m_availableH264Profiles; }
-    void setAvailableH264Profiles(const QList<H264Profile> &profiles) { m_availableH264Profiles = profiles; }
-    [[nodiscard]] const QList<HEVCProfile> &availableHEVCProfiles() const { return m_availableHEVCProfiles; }
-    void setAvailableHEVCProfiles(const QList<HEVCProfile> &profiles) { m_availableHEVCProfiles = profiles; }
+    [[nodiscard]] const QList<H264Profile> &availableH264Profiles() const;
+    void setAvailableH264Profiles(const QList<H264Profile> &profiles);
+    [[nodiscard]] const QList<HEVCProfile> &availableHEVCProfiles() const;
+    void setAvailableHEVCProfiles(const QList<HEVCProfile> &profiles);
     /// @}
 
     /// The frame size in pixels. Custom sizes are not checked.
@@ -116,7 +121,7 @@ public:
     /// In pixels.
     [[nodiscard]] qint64 height() const;
     /// The name of the platform's codec type constant.
-    [[nodiscard]] QString videoCodecType() const { return vantle::videoCodecType(m_codec); }
+    [[nodiscard]] QString videoCodecType() const;
     /// The name of the VideoToolbox constant; Main at the automatic level when the profile is unknown.
     [[nodiscard]] QString videoToolboxProfile() const;
     /// "H_264_1920x1080_4500".
@@ -131,7 +136,7 @@ public:
     /// H264Profile::isComputable() is false.
     [[nodiscard]] QStringList profileLevels(VideoCodec codec, VideoResolution resolution,
                                             double frameRate) const;
-    /// As profileLevels() for H.264.
+    /// As profileLevels() for H.264. Not to be taken for vantle::h264ProfileLevels(), the levels alone.
     [[nodiscard]] QStringList h264ProfileLevels(VideoResolution resolution, double frameRate) const;
     /// All offered HEVC profiles, unfiltered.
     [[nodiscard]] QStringList hevcProfileLevels(VideoResolution resolution, double frameRate) const;
@@ -143,7 +148,7 @@ public:
     /// The limit of the object's own profile, in kbit/s.
     [[nodiscard]] qint64 maxBitRate() const;
 
-    /// Assigns the other's settings one by one, the profile after the bit rate: the bit rate is limited by
+    /// Assigns the other's fields one by one, the profile after the bit rate: the bit rate is limited by
     /// the profile that this object had before.
     void update(const VideoSettings &other);
 
@@ -164,17 +169,9 @@ Q_SIGNALS:
     /// @}
 
 private:
-    VideoCodec m_codec = VideoCodec::h264;
-    VideoResolution m_resolution = VideoResolution::_1920_1080;
-    qint64 m_customWidth = 0;
-    qint64 m_customHeight = 0;
-    double m_frameRate = 30;
-    qint64 m_bitRate = 4500;
-    QString m_profile = QStringLiteral("H264_Main_AutoLevel");
-    qint64 m_pid = 256;
-    QUuid m_id;
-    QList<H264Profile> m_availableH264Profiles = offeredH264Profiles();
-    QList<HEVCProfile> m_availableHEVCProfiles = offeredHEVCProfiles();
+    friend class VideoSettingsPrivate;
+
+    const std::unique_ptr<VideoSettingsPrivate> d;
 };
 
 } // namespace vantle

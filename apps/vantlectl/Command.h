@@ -27,6 +27,7 @@ void addFfmpegCommand(CLI::App &app, Command &chosen);
 void addListCommand(CLI::App &app, Command &chosen);
 void addEditCommands(CLI::App &app, Command &chosen);
 void addSetCommand(CLI::App &app, Command &chosen);
+void addFieldCommands(CLI::App &app, Command &chosen);
 void addTransferCommands(CLI::App &app, Command &chosen);
 void addWatchCommand(CLI::App &app, Command &chosen);
 

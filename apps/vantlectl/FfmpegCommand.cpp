@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/AdviceLines.h"
-#include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/Assignments.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/encoder/EncoderPlan.h"
 #include "apps/vantlectl/encoder/EncoderRun.h"
@@ -31,11 +31,7 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
 {
     auto preset = namedPreset(options.preset, options);
     try {
-        for (const Assignment &assignment : assignments) {
-            assignment.apply(*preset);
-            if (const QString limitation = assignment.limitation(*preset); !limitation.isEmpty())
-                complain(assignment.path() + ": "_L1 + limitation);
-        }
+        applyAll(withTextsRead(assignments), *preset);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()));
     }
@@ -73,7 +69,7 @@ void print(const Arguments &arguments, const Options &options, Output &out)
 
 ExitCode ffmpeg(const Options &options, Output &out)
 {
-    const auto assignments = Assignment::parseAll(options.assignments);
+    const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);

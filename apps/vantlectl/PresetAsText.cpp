@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/LevelFit.h"
-#include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/PresetView.h"
-#include "apps/vantlectl/Secret.h"
 #include "apps/vantlectl/Table.h"
-#include "apps/vantlectl/encoder/StreamAddress.h"
 
 #include "VantlePresets/core/Log.h"
-#include "VantlePresets/model/RTMPVantlePreset.h"
-#include "VantlePresets/model/SRTVantlePreset.h"
+#include "VantlePresets/model/Secrets.h"
+#include "VantlePresets/settings/LevelFit.h"
 
 #include <QtCore/QLocale>
+#include <QtCore/QVariant>
 
 namespace vantle::ctl {
 namespace {
@@ -27,41 +24,35 @@ QString yesNo(bool value)
     return value ? u"yes"_s : u"no"_s;
 }
 
-void addConnection(Table &table, const RTMPVantlePreset &preset, bool reveal)
+/// What the preset's files keep beside the lists, as labels and values.
+Table connectionOf(const VantlePreset &preset, bool reveal, const QString &indentation)
 {
-    table.add({u"Server"_s, orDash(shownAddress(preset.streamingURL(), reveal))});
-    table.add({u"Port"_s, QString::number(preset.portNumber())});
-    table.add({u"Protocol"_s, displayName(preset.streamingProtocol())});
-    if (preset.type() == StreamingType::youTube || preset.type() == StreamingType::facebook) {
-        table.add({u"Application"_s, orDash(preset.application())});
-        table.add({u"Stream key"_s, orDash(secret(preset.streamKey(), reveal))});
-        table.add({u"Backup"_s, yesNo(preset.isBackup())});
+    Table table(indentation);
+    for (const Field &field : preset.fields()) {
+        const char *const flag = field.keptWhile().data();
+        const bool isKept = field.isKept(preset.type()) && (!flag || preset.property(flag).toBool());
+        if (!isKept || !field.isAssignable())
+            continue;
+        const QVariant value = preset.property(field.key().data());
+        QString text = reveal ? value.toString() : shownValue(preset, field);
+        if (field.type() == Field::Type::boolean)
+            text = yesNo(value.toBool());
+        table.add({field.label(), orDash(text)});
     }
-    table.add({u"Authentication"_s, yesNo(preset.authenticate())});
-    if (preset.authenticate()) {
-        table.add({u"Login"_s, orDash(preset.authenticationLogin())});
-        table.add({u"Password"_s, orDash(secret(preset.authenticationPassword(), reveal))});
-    }
-}
-
-void addConnection(Table &table, const SRTVantlePreset &preset, bool reveal)
-{
-    table.add({u"Server"_s, orDash(shownAddress(preset.streamingURL(), reveal))});
-    table.add({u"Port"_s, QString::number(preset.portNumber())});
-    table.add({u"Authentication"_s, yesNo(preset.authenticate())});
+    return table;
 }
 
 /// Whether the named level suffices, in words.
 QString verdictOf(const LevelFit &fit)
 {
-    if (!fit.isKnownProfile)
+    if (!fit.isKnownProfile())
         return u"no such profile for this codec"_s;
-    if (!fit.sizeFits)
+    if (!fit.sizeFits())
         return u"frame size and rate too large to check"_s;
     QStringList faults;
-    if (!fit.bitRateFits)
-        faults += "bit rate above "_L1 + QString::number(fit.maxBitRate);
-    if (!*fit.sizeFits)
+    if (!fit.bitRateFits())
+        faults += "bit rate above "_L1 + QString::number(fit.maxBitRate());
+    if (!*fit.sizeFits())
         faults += u"frame size and rate too large"_s;
     return faults.isEmpty() ? u"fits"_s : faults.join(u", "_s);
 }
@@ -74,38 +65,59 @@ void addRenditions(Table &table, const VideoSettingsList &renditions)
                u"Lowest level"_s, u"Level check"_s});
     for (qsizetype i = 0; i < renditions.size(); ++i) {
         const VideoSettings &video = *renditions[i];
-        const LevelFit fit = levelFitOf(video);
+        const LevelFit fit(video);
         table.add({QString::number(i + 1), displayName(video.codec()),
                    QString::number(video.width()) + " x "_L1 + QString::number(video.height()),
                    QString::number(video.frameRate(), 'g', QLocale::FloatingPointShortest),
                    QString::number(video.bitRate()), QString::number(video.pid()), orDash(video.profile()),
-                   fit.lowestLevel.value_or(u"none"_s), verdictOf(fit)});
+                   fit.lowestLevel().value_or(u"none"_s), verdictOf(fit)});
     }
 }
 
 /// The source's channels as the forms number them, from 1.
-QString channelsOf(const AudioSettings &track)
+QString channelsText(const QList<qint64> &channels)
 {
     QStringList numbers;
-    for (const qint64 channel : track.inputChannels())
+    for (const qint64 channel : channels)
         numbers +=
             channel < 0 ? QString::number(channel) : QString::number(static_cast<quint64>(channel) + 1);
-    return orDash(numbers.join(u' '));
+    return numbers.join(u' ');
 }
 
-void addTracks(Table &table, const AudioSettingsList &tracks)
+QString trackText(const AudioSettings &track, const Field &field)
 {
-    if (tracks.isEmpty())
-        return;
-    table.add({u"#"_s, u"Name"_s, u"Language"_s, u"Codec"_s, u"Hz"_s, u"Bits"_s, u"kbit/s"_s, u"PID"_s,
-               u"Channels"_s, u"Default"_s});
-    for (qsizetype i = 0; i < tracks.size(); ++i) {
-        const AudioSettings &track = *tracks[i];
-        table.add({QString::number(i + 1), orDash(track.trackName()), orDash(track.language()),
-                   displayValue(track.codec()), QString::number(track.sampleRate()),
-                   QString::number(track.bitsPerSample()), QString::number(track.bitRate()),
-                   QString::number(track.pid()), channelsOf(track), track.isDefault() ? u"yes"_s : u"-"_s});
+    const QVariant value = track.property(field.key().data());
+    if (field.type() == Field::Type::integers)
+        return channelsText(value.value<QList<qint64>>());
+    if (field.type() == Field::Type::boolean)
+        return value.toBool() ? u"yes"_s : QString();
+    return value.toString();
+}
+
+Table tracksOf(const AudioSettingsList &tracks, const QString &indentation)
+{
+    QStringList titles{u"#"_s};
+    QList<qsizetype> numbers{0};
+    QList<Field> columns;
+    for (const Field &field : AudioSettings::fields()) {
+        if (!field.isAssignable())
+            continue;
+        columns.append(field);
+        const bool isPlain = field.unit().isEmpty() || field.unit() == "bits per sample"_L1;
+        titles.append(isPlain ? field.label() : field.unit());
+        if (field.type() == Field::Type::integer)
+            numbers.append(columns.size());
     }
+    Table table(indentation, numbers);
+    if (!tracks.isEmpty())
+        table.add(titles);
+    for (qsizetype i = 0; i < tracks.size(); ++i) {
+        QStringList cells{QString::number(i + 1)};
+        for (const Field &field : std::as_const(columns))
+            cells.append(orDash(trackText(*tracks[i], field)));
+        table.add(cells);
+    }
+    return table;
 }
 
 } // namespace
@@ -119,11 +131,7 @@ QStringList presetAsText(const VantlePreset &preset, bool reveal)
         lines << QString() << title << (isEmpty ? QStringList{u"  none"_s} : table.lines());
     };
 
-    Table connection(indentation);
-    if (const auto *rtmp = dynamic_cast<const RTMPVantlePreset *>(&preset))
-        addConnection(connection, *rtmp, reveal);
-    else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&preset))
-        addConnection(connection, *srt, reveal);
+    const Table connection = connectionOf(preset, reveal, indentation);
     if (!connection.lines().isEmpty())
         section(u"Connection"_s, connection);
 
@@ -131,9 +139,7 @@ QStringList presetAsText(const VantlePreset &preset, bool reveal)
     addRenditions(renditions, preset.videoSettings());
     section(u"Video renditions"_s, renditions);
 
-    Table tracks(indentation, {0, 4, 5, 6, 7});
-    addTracks(tracks, preset.audioSettings());
-    section(u"Audio tracks"_s, tracks);
+    section(u"Audio tracks"_s, tracksOf(preset.audioSettings(), indentation));
     return lines;
 }
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/AdviceLines.h"
-#include "apps/vantlectl/Assignment.h"
+#include "apps/vantlectl/Assignments.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/StoreSession.h"
-
-#include "VantlePresets/document/DocumentWriter.h"
 
 #include <QtCore/QHash>
 
@@ -21,21 +19,6 @@ struct Options : StoreOptions
     std::vector<std::string> assignments;
     bool forService = false;
 };
-
-/// Fields of the preset itself that its document would not hold: they would be gone with this process.
-void requireKept(const VantlePreset &preset, const QList<Assignment> &assignments)
-{
-    const QByteArray document = preset.encoded(document::Format::compact);
-    for (const Assignment &assignment : assignments) {
-        const QString &path = assignment.path();
-        if (path.contains(u'.') || document.contains(QByteArray('"' + path.toUtf8() + "\":")))
-            continue;
-        const bool isLogin = path.startsWith("authentication"_L1);
-        throw AssignmentError(path, isLogin ? u"kept only while authenticate is true"_s
-                                            : "not kept in the files of "_L1 + displayName(preset.type()) +
-                                                  " presets"_L1);
-    }
-}
 
 /// The renditions and tracks that assignments name by their position, as they were when the user looked.
 class Positions
@@ -73,9 +56,7 @@ private:
     {
         QByteArrayList texts;
         for (const auto &settings : list)
-            texts.append(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
-                settings->encode(writer);
-            }));
+            texts.append(settings->encoded(document::Format::compact));
         return texts;
     }
 
@@ -87,16 +68,6 @@ private:
 
     const Lists m_lists;
 };
-
-void apply(const QList<Assignment> &assignments, VantlePreset &preset)
-{
-    for (const Assignment &assignment : assignments) {
-        assignment.apply(preset);
-        if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
-            complain(assignment.path() + ": "_L1 + limitation);
-    }
-    requireKept(preset, assignments);
-}
 
 /// Applies the assignments until they are on disk: when another process was faster, to what that one wrote.
 ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset> &preset,
@@ -113,7 +84,9 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
         positions.require(*preset, assignments);
         if (options.forService)
             setForService(*preset);
-        apply(assignments, *preset);
+        applyAll(assignments, *preset);
+        for (const Assignment &assignment : assignments)
+            assignment.requireKept(*preset);
         if (isFirst)
             tellAdvice(*preset, fileInStore(options.name, options));
         manager.saveUnlessChanged(preset);
@@ -127,7 +100,7 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
 
 ExitCode set(const Options &options, Output &out)
 {
-    const auto assignments = Assignment::parseAll(options.assignments);
+    const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
 
@@ -135,7 +108,7 @@ ExitCode set(const Options &options, Output &out)
     const auto preset = session.preset(options.name);
     ExitCode code = ExitCode::failed;
     try {
-        code = applyAndSave(session, preset, options, *assignments);
+        code = applyAndSave(session, preset, options, withTextsRead(*assignments));
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }

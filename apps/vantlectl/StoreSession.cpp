@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/StoreSession.h"
 
+#include "apps/vantlectl/PresetView.h"
+
 #include "VantlePresets/core/Log.h"
-#include "VantlePresets/document/DocumentWriter.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
@@ -91,14 +92,7 @@ void printPreset(Output &out, const VantlePreset &preset, bool json)
         out.line(escapedControls(preset.name()));
         return;
     }
-    out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
-        writer.beginObject();
-        writer.string("name", preset.name());
-        writer.string("kind", displayName(preset.type()));
-        writer.integer("videoSettings", preset.videoSettings().size());
-        writer.integer("audioSettings", preset.audioSettings().size());
-        writer.endObject();
-    }));
+    out.bytes(presetAsJson(preset, false));
     out.line();
 }
 

@@ -54,7 +54,7 @@ private:
 /// Runs a command's work and turns what it refuses into a complaint.
 [[nodiscard]] ExitCode guarded(const std::function<ExitCode()> &work);
 
-/// A preset's line in listings; with json an object.
+/// A preset's line in listings; with json the object of presetAsJson(), secrets masked.
 void printPreset(Output &out, const VantlePreset &preset, bool json);
 
 } // namespace vantle::ctl

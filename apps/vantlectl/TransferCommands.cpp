@@ -4,11 +4,9 @@
 #include "apps/vantlectl/OutputFile.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
-#include "apps/vantlectl/encoder/StreamAddress.h"
 
 #include "VantlePresets/model/PresetFactory.h"
-#include "VantlePresets/model/RTMPVantlePreset.h"
-#include "VantlePresets/model/SRTVantlePreset.h"
+#include "VantlePresets/model/Secrets.h"
 #include "VantlePresets/store/NameRules.h"
 
 #include <QtCore/QSet>
@@ -89,21 +87,6 @@ ExitCode import(const ImportOptions &options, Output &out)
         isComplete = isComplete && imported[i]->name() == wanted[i];
     }
     return isComplete ? code : ExitCode::failed;
-}
-
-/// A copy without stream key and password, those in its address included: empty where the document requires
-/// them.
-std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset)
-{
-    auto copy = decodePreset(preset.encoded(document::Format::compact));
-    if (auto *const rtmp = dynamic_cast<RTMPVantlePreset *>(copy.get())) {
-        rtmp->setStreamKey({});
-        rtmp->setAuthenticationPassword({});
-        rtmp->setStreamingURL(addressWithoutSecrets(rtmp->streamingURL()));
-    } else if (auto *const srt = dynamic_cast<SRTVantlePreset *>(copy.get())) {
-        srt->setStreamingURL(addressWithoutSecrets(srt->streamingURL()));
-    }
-    return copy;
 }
 
 ExitCode exportPreset(const ExportOptions &options, Output &out)

@@ -77,7 +77,7 @@ void printJson(Output &out, const Result &result, qsizetype)
             writer.string("place", result.failure->place);
             writer.string("error", result.failure->description);
         } else {
-            writer.string("kind", displayName(result.preset->type()));
+            writer.string("type", displayName(result.preset->type()));
             writer.integer("videoSettings", result.preset->videoSettings().size());
             writer.integer("audioSettings", result.preset->audioSettings().size());
             writeAdvice(writer, result.advice);

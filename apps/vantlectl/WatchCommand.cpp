@@ -38,7 +38,7 @@ private:
                 writer.beginObject();
                 writer.string("event", QString::fromLatin1(event));
                 writer.string("name", preset.name());
-                writer.string("kind", displayName(preset.type()));
+                writer.string("type", displayName(preset.type()));
                 writer.endObject();
             }));
         else

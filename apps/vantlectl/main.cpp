@@ -82,6 +82,7 @@ ExitCode run(int argc, char **argv)
     addListCommand(app, chosen);
     addEditCommands(app, chosen);
     addSetCommand(app, chosen);
+    addFieldCommands(app, chosen);
     addTransferCommands(app, chosen);
     addWatchCommand(app, chosen);
 

@@ -99,6 +99,10 @@ class PresetSchema(unittest.TestCase):
         self.assertIn(done.returncode, (0, 1), done.stderr)
         return done.returncode == 0
 
+    def test_is_what_the_program_prints(self):
+        printed = subprocess.run([VANTLECTL, "schema"], capture_output=True, check=True).stdout
+        self.assertEqual(printed.decode(), pathlib.Path(SCHEMA).read_text(encoding="utf-8"))
+
     def test_takes_the_samples(self):
         kinds = set()
         for sample in SAMPLES.glob("*.json"):

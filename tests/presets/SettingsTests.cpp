@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/document/DocumentReader.h"
-#include "VantlePresets/document/DocumentWriter.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
 
@@ -16,15 +14,13 @@ using namespace Qt::StringLiterals;
 template <class Settings>
 QByteArray compact(const Settings &settings)
 {
-    return document::encode(document::Format::compact,
-                            [&](document::DocumentWriter &writer) { settings.encode(writer); });
+    return settings.encoded(document::Format::compact);
 }
 
 template <class Settings>
 std::shared_ptr<Settings> decode(const ObjectText &object)
 {
-    const document::Document json(object.text());
-    return Settings::decode(json.root());
+    return Settings::decoded(object.text());
 }
 
 TEST(Settings, NewObjectsWriteTheirDefaults)

@@ -17,7 +17,7 @@ TEST(Validate, TheSamplesAreGoodAndOfEveryKind)
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
     EXPECT_EQ(run.output.count("\"advice\":[]"), 6) << run.output.toStdString();
     for (const QString &kind : streamingTypes().texts())
-        EXPECT_TRUE(run.output.contains(QByteArray("\"kind\":\"" + kind.toUtf8() + '"')))
+        EXPECT_TRUE(run.output.contains(QByteArray("\"type\":\"" + kind.toUtf8() + '"')))
             << kind.toStdString();
     for (const auto &entry : std::filesystem::directory_iterator(VANTLE_SAMPLES)) {
         const auto preset = readPresetFile(entry.path());
@@ -96,7 +96,7 @@ TEST(Validate, JsonHasOneObjectPerLine)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.output.toStdString(),
               R"({"file":")" + good +
-                  R"(","ok":true,"kind":"SRT","videoSettings":1,"audioSettings":0,"advice":[]})" + '\n' +
+                  R"(","ok":true,"type":"SRT","videoSettings":1,"audioSettings":0,"advice":[]})" + '\n' +
                   R"({"file":")" + bad +
                   R"(","ok":false,"place":"portNumber","error":"required key is missing"})" + '\n' +
                   R"({"file":"/missing.json","ok":false,"place":"","error":"No such file or directory"})" +

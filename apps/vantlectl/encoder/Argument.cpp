@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/encoder/Argument.h"
 
-#include "apps/vantlectl/Secret.h"
+#include "VantlePresets/model/Secrets.h"
 
 #include <QtCore/QRegularExpression>
 
@@ -36,7 +36,7 @@ QString Argument::text(bool reveal) const
 {
     QString text;
     for (const Part &part : m_parts)
-        text += part.isSecret ? ctl::secret(part.text, reveal) : part.text;
+        text += part.isSecret && !reveal ? masked(part.text) : part.text;
     return text;
 }
 

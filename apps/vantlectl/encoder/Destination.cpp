@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/encoder/PlanDraft.h"
-#include "apps/vantlectl/encoder/StreamAddress.h"
+#include "apps/vantlectl/encoder/ServerArgument.h"
 
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
@@ -164,7 +164,7 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     draft.container = transport.container;
     setPort(draft, *server, preset.portNumber());
     setLogin(draft, preset, server->address);
-    Argument target = server->address.server();
+    Argument target = serverArgument(server->address);
     addPath(draft, preset, *server, target);
     if (server->address.scheme == "rtmps"_L1)
         draft.note(server->field, kUncheckedCertificate);
@@ -249,7 +249,7 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
     }
     if (values.contains(u"passphrase"_s))
         draft.destination.add({u"-pbkeylen"_s, u"16"_s});
-    draft.destination.add(address.server());
+    draft.destination.add(serverArgument(address));
 }
 
 } // namespace

@@ -2,11 +2,11 @@
 #include "apps/vantlectl/encoder/EncoderRun.h"
 
 #include "apps/support/StopOnSignal.h"
-#include "apps/vantlectl/Secret.h"
 #include "apps/vantlectl/StoreSession.h"
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/model/Secrets.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcess>
@@ -118,7 +118,7 @@ private:
     void complainMasked(QByteArray line)
     {
         for (const QString &secret : m_secrets)
-            line.replace(secret.toUtf8(), ctl::secret(secret, false).toUtf8());
+            line.replace(secret.toUtf8(), masked(secret).toUtf8());
         complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(line)));
     }
 

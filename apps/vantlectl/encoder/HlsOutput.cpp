@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/encoder/PlanDraft.h"
-#include "apps/vantlectl/encoder/StreamAddress.h"
+#include "apps/vantlectl/encoder/ServerArgument.h"
 
 #include <QtCore/QRegularExpression>
 
@@ -26,8 +26,7 @@ std::optional<Argument> baseOf(PlanDraft &draft, bool &isUpload)
             !address->host.isEmpty() && address->query.isEmpty()) {
             if (address->scheme == "https"_L1)
                 draft.note(u"--output"_s, kUncheckedCertificate);
-            return Argument(address->server())
-                .plain(address->path.isEmpty() ? QString() : u'/' + address->path);
+            return serverArgument(*address).plain(address->path.isEmpty() ? QString() : u'/' + address->path);
         }
         draft.problem(u"--output"_s,
                       u"is neither a folder nor an http or https address without parameters"_s);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/LevelFit.h"
 #include "apps/vantlectl/encoder/PlanDraft.h"
+
+#include "VantlePresets/settings/LevelFit.h"
 
 #include <QtCore/QLocale>
 
@@ -121,8 +122,8 @@ void checkSize(PlanDraft &draft, qsizetype index, const VideoSettings &video, co
 
 void checkLevel(PlanDraft &draft, qsizetype index, const VideoSettings &video)
 {
-    const LevelFit fit = levelFitOf(video);
-    if (!fit.bitRateFits || fit.sizeFits == false)
+    const LevelFit fit(video);
+    if (!fit.bitRateFits() || fit.sizeFits() == false)
         draft.note(fieldPath(kList, index, "profile"_L1),
                    "the level of "_L1 + video.profile() + " is too low for size, frame rate or bit rate"_L1);
 }

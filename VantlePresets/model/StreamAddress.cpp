@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/StreamAddress.h"
+#include "VantlePresets/model/StreamAddress.h"
 
-#include "apps/vantlectl/Secret.h"
+#include "VantlePresets/model/Secrets.h"
 
 #include <QtCore/QRegularExpression>
 
-namespace vantle::ctl {
+namespace vantle {
 
 using namespace Qt::StringLiterals;
 
@@ -60,19 +60,9 @@ std::optional<StreamAddress> StreamAddress::parse(const QString &text)
     return address;
 }
 
-Argument StreamAddress::server() const
+QString shownAddress(const QString &text)
 {
-    Argument server;
-    server.plain(scheme + "://"_L1);
-    if (!login.isEmpty() || !password.isEmpty())
-        server.plain(login + u':').secret(password).plain(u"@"_s);
-    server.plain(port.isEmpty() ? host : host + u':' + port);
-    return server;
-}
-
-QString shownAddress(const QString &text, bool reveal)
-{
-    return reveal || text.isEmpty() ? text : withSecretsAs(secret(text, false), text);
+    return text.isEmpty() ? text : withSecretsAs(masked(text), text);
 }
 
 QString addressWithoutSecrets(const QString &text)
@@ -80,4 +70,4 @@ QString addressWithoutSecrets(const QString &text)
     return withSecretsAs({}, text);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/model/Assignment.h"
+
+#include <string>
+#include <vector>
+
+namespace vantle::ctl {
+
+/// All assignments of a command line; complains and gives nothing when one has none of their forms.
+[[nodiscard]] std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string> &texts);
+
+/// The assignments with the texts that @FILE and @- stand for (see TextValue.h). Throws AssignmentError.
+[[nodiscard]] QList<Assignment> withTextsRead(const QList<Assignment> &assignments);
+
+/// Carries them out in their order and says which values were limited. Throws AssignmentError at the first
+/// that can't be.
+void applyAll(const QList<Assignment> &assignments, VantlePreset &preset);
+
+} // namespace vantle::ctl

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/Table.h"
+
+#include "VantlePresets/document/DocumentWriter.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/model/PresetSchema.h"
+
+#include <memory>
+
+namespace vantle::ctl {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Options
+{
+    std::string kind;
+    bool namesOnly = false;
+    bool json = false;
+};
+
+/// A field as an assignment names it.
+struct Assignable
+{
+    QString path;
+    Field field;
+};
+
+/// What presets of the kind keep and `set` can change.
+QList<Assignable> assignableFields(StreamingType type)
+{
+    QList<Assignable> list;
+    const auto add = [&list](const QString &prefix, const Field &field) {
+        if (field.isAssignable())
+            list.append({prefix + field.key(), field});
+    };
+    for (const Field &field : presetFields(type)) {
+        if (field.isKept(type))
+            add({}, field);
+    }
+    for (const Field &field : VideoSettings::fields())
+        add(u"videoSettings.0."_s, field);
+    for (const Field &field : AudioSettings::fields())
+        add(u"audioSettings.0."_s, field);
+    return list;
+}
+
+QString typeText(const Field &field)
+{
+    switch (field.type()) {
+    case Field::Type::integer:
+        return u"integer"_s;
+    case Field::Type::number:
+        return u"number"_s;
+    case Field::Type::boolean:
+        return u"boolean"_s;
+    case Field::Type::choice:
+        return u"choice"_s;
+    case Field::Type::integers:
+        return u"integers"_s;
+    default:
+        return u"text"_s;
+    }
+}
+
+QString valuesText(const Field &field)
+{
+    if (field.type() == Field::Type::choice)
+        return field.choices().join(", "_L1);
+    QStringList parts;
+    if (field.minimum() && field.maximum())
+        parts.append(u"%1 to %2"_s.arg(*field.minimum()).arg(*field.maximum()));
+    if (!field.unit().isEmpty())
+        parts.append(field.unit());
+    return parts.join(u' ');
+}
+
+QByteArray asJson(const Assignable &assignable)
+{
+    const Field &field = assignable.field;
+    return document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+        writer.beginObject();
+        writer.string("field", assignable.path);
+        writer.string("label", field.label());
+        writer.string("type", typeText(field));
+        if (field.type() == Field::Type::choice) {
+            writer.key("choices");
+            writer.beginArray();
+            for (const QString &choice : field.choices())
+                writer.string(choice);
+            writer.endArray();
+        }
+        if (field.minimum())
+            writer.integer("minimum", *field.minimum());
+        if (field.maximum())
+            writer.integer("maximum", *field.maximum());
+        if (!field.unit().isEmpty())
+            writer.string("unit", field.unit());
+        if (!field.keptWhile().isEmpty())
+            writer.string("keptWhile", field.keptWhile());
+        writer.boolean("isSecret", field.isSecret());
+        writer.endObject();
+    });
+}
+
+ExitCode fields(const Options &options, Output &out)
+{
+    const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
+    Table table(QString{});
+    for (const Assignable &assignable : assignableFields(type)) {
+        if (options.json) {
+            out.bytes(asJson(assignable));
+            out.line();
+        } else if (options.namesOnly) {
+            out.line(assignable.path);
+        } else {
+            table.add({assignable.path, assignable.field.label(), typeText(assignable.field),
+                       valuesText(assignable.field)});
+        }
+    }
+    for (const QString &line : table.lines())
+        out.line(line);
+    return ExitCode::good;
+}
+
+} // namespace
+
+void addFieldCommands(CLI::App &app, Command &chosen)
+{
+    CLI::App *const listing = app.add_subcommand("fields", "List what can be set in presets of a kind");
+    const auto options = std::make_shared<Options>();
+    listing->add_option("KIND", options->kind, "HLS, YouTube, RTMP, Wowza, Facebook or SRT")
+        ->required()
+        ->check(kindLabel());
+    listing->add_flag("--names", options->namesOnly, "Names alone, one a line");
+    listing->add_flag("--json", options->json, "For machines: one JSON object per line");
+    listing->callback(
+        [options, &chosen] { chosen = [options](Output &out) { return fields(*options, out); }; });
+
+    CLI::App *const schema = app.add_subcommand("schema", "Print the JSON schema of preset files");
+    schema->callback([&chosen] {
+        chosen = [](Output &out) {
+            out.bytes(presetSchema());
+            out.line();
+            return ExitCode::good;
+        };
+    });
+}
+
+} // namespace vantle::ctl
