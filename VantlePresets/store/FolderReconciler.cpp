@@ -20,6 +20,16 @@ namespace vantle {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+bool isThere(const std::string &path)
+{
+    std::error_code unknown;
+    return std::filesystem::symlink_status(path, unknown).type() != std::filesystem::file_type::not_found;
+}
+
+} // namespace
+
 struct FolderReconciler::FolderFile
 {
     std::string path; // the file system's bytes
@@ -66,9 +76,7 @@ std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, con
         return listed;
     } catch (const std::exception &error) {
         noteListed(file, false);
-        std::error_code unknown;
-        if (std::filesystem::symlink_status(file.path, unknown).type() ==
-            std::filesystem::file_type::not_found)
+        if (!isThere(file.path))
             return nullptr; // removed before it could be read, which the watcher is about to report
         if (read.stamp.inode != 0 && isBeingWritten(file, read.stamp))
             return nullptr; // and reported when its writer closes it
@@ -143,7 +151,11 @@ void FolderReconciler::add(const std::string &path)
         return;
     const FolderReader folder(std::string(splitPath(path).directory));
     QByteArray buffer;
+    const KnownFile before{
+        .name = file->name, .stamp = {}, .documentHash = {}, .since = std::chrono::steady_clock::now()};
     const auto listed = load(*file, folder, buffer);
+    if (!listed && !isThere(file->path)) // whoever asks for a look wants to know that, too
+        m_queue.post([this, before] { m_receiver.presetGone(before); });
     if (!listed)
         return;
     listed->preset->moveWithSettingsToThread(m_mainThread);

@@ -84,6 +84,8 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         return;
     if (duty == SaveDuty::giveFreeName)
         giveFreeName(entry);
+    else if (result.outcome == Outcome::skipped && entry->relation.file->name() != entry->name)
+        m_list.removePreset(entry); // others had removed the file that was to get the new name
     else if (duty == SaveDuty::lookAgain)
         lookAgain(entry->name);
 }

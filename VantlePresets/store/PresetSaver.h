@@ -31,6 +31,7 @@ public:
         /// The first free name after one that was taken.
         [[nodiscard]] virtual QString nextName(const Entry &entry) const = 0;
         virtual void renamePreset(const Entry &entry, const QString &name) = 0;
+        virtual void removePreset(const Entry &entry) = 0;
         /// This process has deleted the file, or moved it away.
         virtual void fileDeleted(const QString &name) = 0;
         virtual void failed(const PresetsFailure &failure) = 0;

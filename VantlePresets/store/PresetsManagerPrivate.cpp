@@ -198,14 +198,19 @@ void PresetsManager::Private::renamePreset(const Entry &entry, const QString &na
     announceList();
 }
 
+void PresetsManager::Private::removePreset(const Entry &entry)
+{
+    removeEntry(entry);
+    announceList();
+}
+
 /// A file that was read while this store was about to delete it.
 void PresetsManager::Private::fileDeleted(const QString &name)
 {
     const auto entry = index.findFile(name);
     if (!entry || entry->relation.isUnderWay() || entry->relation.file->name() != name || isInFolder(name))
         return;
-    removeEntry(entry);
-    announceList();
+    removePreset(entry);
 }
 
 /// As far as has been reported, the changes of this process included.
@@ -274,8 +279,7 @@ void PresetsManager::Private::presetRemoved(const QString &name)
     // What the folder's inventory has was made again since: what becomes of that is reported.
     if (!entry || !saver->hear(entry) || isInFolder(name))
         return;
-    removeEntry(entry);
-    announceList();
+    removePreset(entry);
 }
 
 /// Whether what was read may be older than what this store has put there since; it is read again then.
@@ -293,8 +297,7 @@ void PresetsManager::Private::presetGone(const KnownFile &read)
     const auto entry = entryOfFile(read.name);
     if (!entry || !saver->hear(entry) || isOutdated(entry, read))
         return;
-    removeEntry(entry);
-    announceList();
+    removePreset(entry);
 }
 
 void PresetsManager::Private::readLater(const QString &name)

@@ -44,6 +44,7 @@ public:
     bool endNameEdit(const Entry &entry) override;
     [[nodiscard]] QString nextName(const Entry &entry) const override;
     void renamePreset(const Entry &entry, const QString &name) override;
+    void removePreset(const Entry &entry) override;
     void fileDeleted(const QString &name) override;
     void failed(const PresetsFailure &failure) override { Q_EMIT q.failed(failure); }
     void recovered(const PresetsFailure &failure) override { Q_EMIT q.recovered(failure); }

@@ -297,6 +297,15 @@ TEST_F(OpenList, AnUneditedRenameMovesTheFile)
     EXPECT_EQ(namesOf(*m_manager), (QStringList{u"A"_s, u"C"_s, u"Edited"_s}));
 }
 
+TEST_F(OpenList, WhatSomebodyHasJustRemovedIsNotRenamed)
+{
+    ASSERT_TRUE(m_store.runElsewhere(u"rm B.json; cp C.json New.json"_s)); // within the latency
+    EXPECT_TRUE(m_manager->rename(m_manager->presetWithName(u"B"_s), u"B"_s, u"New"_s));
+    ASSERT_TRUE(LiveStore::settle(*m_manager));
+    EXPECT_TRUE(waitFor([&] { return !m_manager->hasPendingSaves(); }));
+    EXPECT_EQ(namesOf(*m_manager), (QStringList{u"A"_s, u"C"_s, u"New"_s}));
+}
+
 TEST_F(OpenList, DeletingLeavesWhatSomebodyHasJustChanged)
 {
     ASSERT_TRUE(m_store.runElsewhere(u"sed -i 's/4500/3333/' A.json"_s));
@@ -328,11 +337,12 @@ TEST_F(OpenList, SelectingDoesNotBringBackWhatOthersRemoved)
     m_manager = m_store.makeManager();
     ASSERT_TRUE(m_store.runElsewhere(u"rm *.json"_s));
     ASSERT_TRUE(waitFor([&] { return m_manager->presets().size() < 303; }));
-    while (!m_manager->presets().isEmpty()) { // while the burst is worked off
-        m_manager->setSelectedPreset(m_manager->presets().last());
+    EXPECT_TRUE(waitFor([&] { // while the burst is worked off
+        if (!m_manager->presets().isEmpty())
+            m_manager->setSelectedPreset(m_manager->presets().last());
         m_manager->waitForFileTasks();
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
+        return m_manager->presets().isEmpty();
+    }));
     EXPECT_EQ(m_store.fileNames(), QStringList());
 }
 

@@ -208,6 +208,37 @@ TEST_F(StoreCommands, TextsCanComeFromAFileOrStandardInput)
     }
 }
 
+/// Commands that run at once, as the same user and as others: no change is lost, and names have no gaps.
+TEST_F(StoreCommands, CommandsThatRunAtOnceLoseNothing)
+{
+    ASSERT_EQ(ctl({"add", "RTMP", "--name", "A"}).exitCode, 0);
+    const std::string options = " --data-dir '" + m_data.path() + "' ";
+    const std::string set = "'" VANTLECTL "' set A" + options;
+    for (int round = 1; round <= 5; ++round) {
+        const std::string n = std::to_string(round);
+        runScript(m_data.path(), set + "portNumber=" + n + " & " + set + "videoSettings.0.bitRate=" + n +
+                                     " & " + set + "audioSettings.0.trackName=" + n + " & wait");
+        const auto a = readPresetFile(file("A"));
+        EXPECT_EQ(a->property("portNumber").toLongLong(), round);
+        EXPECT_EQ(a->videoSettings().first()->bitRate(), round);
+        EXPECT_EQ(a->audioSettings().first()->trackName(), QString::number(round));
+    }
+    runScript(m_data.path(),
+              "for i in 1 2 3 4 5 6 7 8; do '" VANTLECTL "' add HLS" + options + "& done; wait");
+    EXPECT_EQ(ctl({"list", "--names"}).output, "A\nHLS Preset\nHLS Preset 2\nHLS Preset 3\nHLS Preset 4\n"
+                                               "HLS Preset 5\nHLS Preset 6\nHLS Preset 7\nHLS Preset 8\n");
+}
+
+TEST_F(StoreCommands, AnImportKeepsTheModeOfItsFile)
+{
+    const auto source = m_data.write("Mine.json", presetText("SRT").text());
+    std::filesystem::permissions(source, std::filesystem::perms(0600));
+    EXPECT_EQ(ctl({"import", source.string()}).exitCode, 0);
+    EXPECT_EQ(std::filesystem::status(file("Mine")).permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(ctl({"rename", "Mine", "Yours"}).exitCode, 0);
+    EXPECT_EQ(std::filesystem::status(file("Yours")).permissions(), std::filesystem::perms(0600));
+}
+
 TEST_F(StoreCommands, AWordIsAStoredPresetAndAPathAFile)
 {
     ASSERT_EQ(ctl({"add", "SRT", "--name", "A"}).exitCode, 0);
