@@ -11,13 +11,17 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QUtf8StringView>
 
+#include <algorithm>
 #include <cstdio>
 #include <system_error>
 
 using namespace vantle;
 
 namespace {
+
+constexpr int kWrongUsage = 2;
 
 struct Options
 {
@@ -31,9 +35,9 @@ struct Options
     bool json = false;
 };
 
-const std::map<std::string, WatchBackend> backends = {{"auto", WatchBackend::Automatic},
-                                                      {"fanotify", WatchBackend::Fanotify},
-                                                      {"inotify", WatchBackend::Inotify}};
+const std::map<std::string, WatchBackend> kBackends = {{"auto", WatchBackend::Automatic},
+                                                       {"fanotify", WatchBackend::Fanotify},
+                                                       {"inotify", WatchBackend::Inotify}};
 
 QStringList toStrings(const std::vector<std::string> &texts)
 {
@@ -41,6 +45,41 @@ QStringList toStrings(const std::vector<std::string> &texts)
     for (const std::string &text : texts)
         strings.append(QString::fromStdString(text));
     return strings;
+}
+
+bool canBePrinted(QUtf8StringView character)
+{
+    if (!character.isValidUtf8())
+        return false;
+    const QString text = character.toString();
+    return std::none_of(text.begin(), text.end(), [](QChar c) {
+        return c == u'\\' || c.category() == QChar::Other_Control || c.category() == QChar::Other_Format ||
+               c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+    });
+}
+
+/// A path on one line that says nothing to the terminal: bytes that are not UTF-8, control and format
+/// characters and backslashes come as \xNN.
+std::string printable(std::string_view path)
+{
+    std::string text;
+    while (!path.empty()) {
+        std::size_t size = 1;
+        while (size < path.size() && (static_cast<unsigned char>(path[size]) & 0xC0) == 0x80)
+            ++size; // to the next character's first byte
+        const std::string_view character = path.substr(0, size);
+        if (canBePrinted(QUtf8StringView(character.data(), static_cast<qsizetype>(size)))) {
+            text += character;
+        } else {
+            for (const char byte : character) {
+                char escape[sizeof "\\xNN"];
+                std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned char>(byte));
+                text += escape;
+            }
+        }
+        path.remove_prefix(size);
+    }
+    return text;
 }
 
 /// Prints each callback as a line: words, or with --json an object.
@@ -78,7 +117,8 @@ public:
     bool shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *, const std::error_code &error,
                                                      const QUrl &url) override
     {
-        std::fprintf(stderr, "vrxwatch: %s: %s\n", nativePathOfUrl(url).c_str(), error.message().c_str());
+        std::fprintf(stderr, "vrxwatch: %s: %s\n", printable(nativePathOfUrl(url)).c_str(),
+                     error.message().c_str());
         return true;
     }
 
@@ -91,7 +131,7 @@ private:
                                {QStringLiteral("url"), QString::fromLatin1(url.toEncoded())},
                                {QStringLiteral("directory"), isDirectory}});
         else
-            print(std::string(word) + ' ' + path);
+            print(std::string(word) + ' ' + printable(path));
     }
     void printWord(const char *word)
     {
@@ -122,11 +162,12 @@ int watch(const Options &options)
     VRXWatchFolder watcher(folder, printer, options.deep, options.latency, toStrings(options.types),
                            toStrings(options.extensions));
     watcher.setIgnoreSelf(!options.includeSelf);
-    watcher.setBackend(backends.at(options.backend));
+    watcher.setBackend(kBackends.at(options.backend));
     WatchFolderError error;
     if (!watcher.startWatching(&error)) {
         const QString reason = error.reason.isEmpty() ? QString() : QStringLiteral(": ") + error.reason;
-        std::fprintf(stderr, "vrxwatch: %s%s\n", qUtf8Printable(error.description), qUtf8Printable(reason));
+        std::fprintf(stderr, "vrxwatch: %s%s\n", printable(error.description.toStdString()).c_str(),
+                     qUtf8Printable(reason));
         return 1;
     }
     const int result = QCoreApplication::exec();
@@ -155,9 +196,14 @@ try {
     commandLine.add_flag("--include-self", options.includeSelf, "Report what vrxwatch itself changes");
     commandLine.add_option("--backend", options.backend, "Where events come from")
         ->capture_default_str()
-        ->check(CLI::IsMember(backends));
+        ->check(CLI::IsMember(kBackends));
     commandLine.add_flag("--json", options.json, "Print one JSON object per line");
-    CLI11_PARSE(commandLine, argc, argv);
+    commandLine.set_version_flag("--version", "vrxwatch " VANTLE_VERSION);
+    try {
+        commandLine.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return commandLine.exit(error) == 0 ? 0 : kWrongUsage;
+    }
 
     const QCoreApplication application(argc, argv);
     const StopOnSignal stopOnSignal;

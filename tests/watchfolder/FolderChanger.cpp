@@ -47,7 +47,7 @@ private:
     void change()
     {
         std::error_code ignored;
-        switch (pick(16)) {
+        switch (pick(19)) {
         case 0:
         case 1:
         case 2:
@@ -78,8 +78,21 @@ private:
             return removeTree(directory());
         case 14:
             return fs::rename(directory(), directory(), ignored);
-        default:
+        case 15:
             return fs::create_hard_link(file(), file(), ignored);
+        case 16: {
+            // A directory gives way to a link to another, or to where it went.
+            const fs::path path = directory();
+            const fs::path other = path.parent_path() / ("d" + std::to_string(pick(3)));
+            if (pick(2) == 0)
+                fs::rename(path, other, ignored);
+            removeTree(path);
+            return fs::create_directory_symlink(other.filename(), path, ignored);
+        }
+        case 17:
+            return fs::permissions(file(), fs::perms(0600 + 044 * pick(2)), ignored);
+        default:
+            return fs::permissions(directory(), fs::perms(0700 + 055 * pick(2)), ignored);
         }
     }
 
