@@ -12,9 +12,9 @@ namespace {
 using namespace Qt::StringLiterals;
 using advice::AdviceList;
 
-constexpr EnumerationTable<AdviceSeverity, 2> kSeverities{
-    "unexpected AdviceSeverity value",
-    {{{AdviceSeverity::error, "error"_L1}, {AdviceSeverity::warning, "warning"_L1}}}};
+constexpr EnumerationTable<AdviceSeverity>::Case kSeverityCases[] = {
+    {AdviceSeverity::error, "error"_L1}, {AdviceSeverity::warning, "warning"_L1}};
+constexpr EnumerationTable<AdviceSeverity> kSeverities{"unexpected AdviceSeverity value", kSeverityCases};
 
 /// A text of a document that reads as another.
 struct Misreading
@@ -68,7 +68,7 @@ void advise(AdviceList &list, const VantlePreset &preset)
 
 } // namespace
 
-const EnumerationTable<AdviceSeverity, 2> &adviceSeverities()
+const EnumerationTable<AdviceSeverity> &adviceSeverities()
 {
     return kSeverities;
 }

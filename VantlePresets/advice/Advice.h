@@ -19,7 +19,7 @@ enum class AdviceSeverity {
 };
 
 /// The two with the words shown to users, "error" and "warning".
-[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AdviceSeverity, 2> &adviceSeverities();
+[[nodiscard]] VANTLE_PRESETS_EXPORT const EnumerationTable<AdviceSeverity> &adviceSeverities();
 
 /// What should be otherwise in a preset before it goes on air.
 struct VANTLE_PRESETS_EXPORT Advice
