@@ -216,19 +216,13 @@ void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl 
     const auto file = folderFile(nativePathOfUrl(url));
     if (!file)
         return;
-    forget(file->path);
+    noteListed(*file, true); // there is nothing left to read
     m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
 }
 
 void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
     readAgain(nativePathOfUrl(url));
-}
-
-void FolderReconciler::forget(const std::string &path)
-{
-    if (const auto file = folderFile(path))
-        noteListed(*file, true); // there is nothing left to read
 }
 
 void FolderReconciler::readAgain(const std::string &path)

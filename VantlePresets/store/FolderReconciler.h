@@ -66,8 +66,6 @@ public:
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
     void reread(const std::string &path);
-    /// The file is gone by this process's doing. Callable from any thread.
-    void forget(const std::string &path);
     /// add() for a file that could not be loaded, else reread(). Callable from any thread.
     void readAgain(const std::string &path);
 

@@ -84,9 +84,11 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         return;
     if (duty == SaveDuty::giveFreeName)
         giveFreeName(entry);
-    else if (result.outcome == Outcome::skipped && entry->relation.file->name() != entry->name)
-        m_list.removePreset(entry); // others had removed the file that was to get the new name
-    else if (duty == SaveDuty::lookAgain)
+    else if (const QString left = entry->relation.file->name();
+             result.outcome == Outcome::skipped && left != entry->name) {
+        m_reconciler->noteUnlisted(left); // others had removed the file that was to get the new name
+        m_list.removePreset(entry);
+    } else if (duty == SaveDuty::lookAgain)
         lookAgain(entry->name);
 }
 
@@ -139,7 +141,7 @@ void PresetSaver::deletionEnded(const PresetFiles::Deletion &deletion)
         m_reconciler->noteUnlisted(name); // until others do something with it
         fail({Operation::deletion, name, pathOf(name), deletion.reason});
     } else {
-        m_reconciler->forget(pathOf(name).toStdString());
+        recover(Operation::load, name);
         recover(Operation::deletion, name);
         m_list.fileDeleted(name);
     }

@@ -16,6 +16,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace vantle::test {
@@ -89,6 +90,46 @@ TEST(StagedFile, KeepsModeOwnerAndGroupOfTheFileReplaced)
     EXPECT_EQ(after.st_mode & 07777, 0640u) << "and no set-id bits, which would become the writer's";
     EXPECT_EQ(after.st_uid, before.st_uid);
     EXPECT_EQ(after.st_gid, before.st_gid);
+}
+
+/// An access list as the system keeps it: the owner and user 12345 may read and write, the group may not.
+QByteArray accessList()
+{
+    QByteArray list("\2\0\0\0", 4);
+    const auto entry = [&list](char tag, char permissions, quint32 id) {
+        for (const char byte : {tag, char{0}, permissions, char{0}})
+            list.append(byte);
+        for (int byte = 0; byte < 4; ++byte)
+            list.append(static_cast<char>(id >> 8 * byte));
+    };
+    entry(0x01, 6, ~0U);
+    entry(0x02, 6, 12345);
+    entry(0x04, 0, ~0U);
+    entry(0x10, 6, ~0U);
+    entry(0x20, 0, ~0U);
+    return list;
+}
+
+TEST(StagedFile, KeepsTheAccessListOfTheFileReplacedOrLike)
+{
+    const TemporaryFolder folder;
+    const auto path = folder.write("Show.json", "old");
+    constexpr const char *kName = "system.posix_acl_access";
+    const QByteArray list = accessList();
+    if (::setxattr(path.c_str(), kName, list.constData(), static_cast<std::size_t>(list.size()), 0) != 0)
+        GTEST_SKIP() << "the file system has no access lists";
+    replace(path, "new");
+    StagedFile(folder.path("Copy.json"), "new", StagedFile::Access::asBefore, path).commit();
+    std::filesystem::create_symlink("Show.json", folder.path("Link.json"));
+    replace(folder.path("Link.json"), "new");
+    for (const char *name : {"Show.json", "Copy.json", "Link.json"}) {
+        QByteArray kept(256, '\0');
+        kept.resize(std::max<ssize_t>(::getxattr(folder.path(name).c_str(), kName, kept.data(), 256), 0));
+        EXPECT_EQ(kept, list) << name;
+        EXPECT_EQ(statusOf(folder.path(name)).st_mode & 0777, 0660U) << name;
+    }
+    replace(folder.path("Plain.json"), "new");
+    EXPECT_LE(::getxattr(folder.path("Plain.json").c_str(), kName, nullptr, 0), 0);
 }
 
 TEST(StagedFile, NewFilesObeyTheUmaskAndTheFolder)

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -149,6 +150,50 @@ TEST_F(WatcherOnFakeStream, ForeignChangeBehindAnOwnOneIsReported)
         stream->deliver("b", ItemIsFile | ItemCreated);
         ASSERT_TRUE(flushed(*watching.watcher));
         EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("added b"));
+    }
+}
+
+TEST_F(WatcherOnFakeStream, WhatAStrangerDoesDuringAnOwnChangeIsReported)
+{
+    struct Case
+    {
+        const char *own; ///< makes .own, which is put at "a"; "" for nothing, "rm" for a removal
+        const char *stranger;
+        std::vector<std::string> heard;
+    };
+    for (const Case &c :
+         {Case{"echo own > .own", "true", {}},
+          Case{"echo own > .own", "echo his > .his; mv .his a", {"updated a"}},
+          Case{"echo own > .own", "echo his > a", {"updated a"}},
+          Case{"echo own > .own", "rm a", {"removed a"}}, Case{"rm", "true", {}},
+          Case{"rm", "echo his > a", {"added a"}}, Case{"", "true", {}},
+          Case{"", "echo his > .his; mv .his a", {"updated a"}}, Case{"", "rm a", {"removed a"}}}) {
+        SCOPED_TRACE(std::string(c.own) + " | " + c.stranger);
+        runScript(folder.path(), "rm -f a .own .his; echo before > a");
+        Watching watching(folder.path(), options);
+        watching.watcher->setNoticesReplacements(true);
+        {
+            OwnChange own = watching.watcher->beginOwnChange(folder.pathText("a"));
+            if (std::string(c.own) == "rm") {
+                std::filesystem::remove(folder.path("a"));
+                own.hasRemoved();
+            } else if (*c.own) {
+                runScript(folder.path(), c.own);
+                const int file = ::open(folder.path(".own").c_str(), O_RDONLY | O_CLOEXEC);
+                std::filesystem::rename(folder.path(".own"), folder.path("a"));
+                own.hasPut(file);
+                ::close(file);
+            }
+            runScript(folder.path(), c.stranger);
+            stream->deliver("a", ItemIsFile | ItemModified); // looked at when the change has ended
+            ASSERT_TRUE(flushed(*watching.watcher));
+            EXPECT_THAT(watching.recorder->takeLines(), IsEmpty());
+        }
+        ASSERT_TRUE(flushed(*watching.watcher));
+        std::vector<std::string> heard = watching.recorder->takeLines();
+        if (c.heard.empty() && *c.own && heard == std::vector<std::string>{"updated a"})
+            heard.clear(); // an event that says to be another's is believed
+        EXPECT_THAT(heard, testing::ElementsAreArray(c.heard));
     }
 }
 
