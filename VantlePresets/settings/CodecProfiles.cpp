@@ -124,6 +124,10 @@ qint64 H264Profile::maxMacroBlocksPerFrame() const
 
 bool H264Profile::isCompatible(qint64 width, qint64 height, double frameRate) const
 {
+    qint64 pixels = 0;
+    if (!__builtin_mul_overflow(width, height, &pixels) &&
+        pixels / kPixelsPerMacroBlock > maxMacroBlocksPerFrame())
+        return false; // whatever the rate
     const auto count = macroBlocks(width, height, frameRate);
     if (!count)
         programmingFault("frame size or rate too large to count its macroblocks");

@@ -52,8 +52,9 @@ struct VANTLE_PRESETS_EXPORT H264Profile
     /// The table's MaxMBPS, in macroblocks per second.
     [[nodiscard]] qint64 maxMacroBlocksPerSecond() const { return maxMacroBlocksPerFrame(); }
 
-    /// Whether pictures of this size (in pixels) and rate (per second) keep within the level. A
-    /// computation that overflows stops the process; see isComputable().
+    /// Whether pictures of this size (in pixels) and rate (per second) keep within the level; a
+    /// picture that is too large does not, whatever the rate. Otherwise a computation that overflows stops
+    /// the process; see isComputable().
     [[nodiscard]] bool isCompatible(qint64 width, qint64 height, double frameRate) const;
 
     /// Whether isCompatible() can compute with these values, whatever the level.

@@ -9,6 +9,8 @@
 
 #include <csignal>
 
+#include <sys/stat.h>
+
 namespace vantle::test {
 namespace {
 
@@ -38,6 +40,16 @@ TEST(EncoderRun, SignalsEndItWithCompleteFiles)
         EXPECT_EQ(run.finish(), 0);
         EXPECT_TRUE(folder.content("out/video0/index.m3u8").endsWith("#EXT-X-ENDLIST\n"));
     }
+}
+
+TEST(EncoderRun, ADeadInputIsGivenUp)
+{
+    const TemporaryFolder folder;
+    const std::string fifo = folder.path("dead");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const Finished run = runProcess({VANTLECTL, "ffmpeg", kLadder, "--input", fifo});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.errors, "vantlectl: --input: nothing was learnt of it in 20 seconds\n");
 }
 
 TEST(EncoderRun, ProblemsComeBeforeAnythingStarts)

@@ -125,6 +125,10 @@ TEST(CodecLevels, WhatCanBeComputed)
     EXPECT_FALSE(H264Profile::isComputable(kHuge, 1, 256)); // 2^63 macroblocks per second
     EXPECT_FALSE(H264Profile::isComputable(1, 1, inf));
     EXPECT_FALSE(H264Profile::isComputable(0, 1, std::nan("")));
+    // The picture alone decides first.
+    const H264Profile profile{H264ProfileType::main, Level::_5_2};
+    EXPECT_FALSE(profile.isCompatible(kHuge, 1, std::nan("")));
+    EXPECT_FALSE(profile.isCompatible(1 << 20, 1 << 10, inf));
 }
 
 TEST(CodecLevelsDeathTest, ImpossibleCountsStopTheProcess)

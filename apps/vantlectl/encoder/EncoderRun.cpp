@@ -21,6 +21,9 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// An address that answers at all does so long before.
+constexpr int kProbeMilliseconds = 20000;
+
 /// The whole lines of what has come in so far; ffmpeg ends some with a carriage return.
 QList<QByteArray> takeLines(QByteArray &buffer)
 {
@@ -182,7 +185,12 @@ int channelsOfInput(const QString &input)
                                u"stream=channels"_s, u"-of"_s, u"csv=p=0"_s, u"-i"_s, input});
     if (!probe.waitForStarted(-1))
         throw Refusal("can't run ffprobe: "_L1 + probe.errorString());
-    probe.waitForFinished(-1);
+    if (!probe.waitForFinished(kProbeMilliseconds)) {
+        probe.kill();
+        probe.waitForFinished(-1);
+        throw Refusal("--input: nothing was learnt of it in "_L1 +
+                      QString::number(kProbeMilliseconds / 1000) + " seconds"_L1);
+    }
     if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
         throw Refusal("--input: "_L1 +
                       escapedControls(QString::fromUtf8(probe.readAllStandardError().trimmed())));
