@@ -4,6 +4,7 @@
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/EditorStyle.h"
 #include "VantlePresets/editor/NotificationCenter.h"
+#include "VantlePresets/editor/PresetsFilter.h"
 #include "VantlePresets/editor/PresetsListDelegate.h"
 #include "VantlePresets/editor/PresetsListModel.h"
 
@@ -22,9 +23,25 @@ namespace vantle {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// A name is no markup, and the second text has room for a line instead of the width of the first one.
+void dressMessage(QMessageBox &message)
+{
+    constexpr int kWidest = 420;
+    for (auto *label : message.findChildren<QLabel *>()) {
+        label->setTextFormat(Qt::PlainText);
+        if (label->text() == message.informativeText())
+            label->setMinimumWidth(
+                std::min(kWidest, label->fontMetrics().horizontalAdvance(label->text()) + kInRow));
+    }
+}
+
+} // namespace
+
 PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
-    : UniformListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
-      m_model(new PresetsListModel(manager, this))
+    : QListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
+      m_model(new PresetsListModel(manager, this)), m_filter(new PresetsFilter(m_model, this))
 {
     setObjectName(u"presets"_s);
     setAccessibleName(tr("Presets"));
@@ -33,14 +50,15 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     setEditTriggers(EditKeyPressed | DoubleClicked);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
+    setUniformItemSizes(true); // else every insertion asks each of ten thousand rows for its size
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_Hover);
-    setModel(m_model);
+    setModel(m_filter);
 
     auto *delegate = new PresetsListDelegate(this);
     setItemDelegate(delegate);
     connect(delegate, &PresetsListDelegate::nameEditBegins, this,
-            [this](const QModelIndex &index) { m_nameEdit->begin(m_model->preset(index)); });
+            [this](const QModelIndex &index) { m_nameEdit->begin(presetAt(index)); });
     connect(delegate, &PresetsListDelegate::nameTyped, m_nameEdit, &NameEdit::type);
     connect(delegate, &PresetsListDelegate::nameEditEnds, this, &PresetsListView::leaveNameField);
     connect(delegate, &PresetsListDelegate::nameEditUndone, m_nameEdit, &NameEdit::undo);
@@ -48,8 +66,8 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
 
     connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this, &PresetsListView::followSelection);
     connect(m_manager.get(), &PresetsManager::nameEditMustEnd, this, &PresetsListView::endNameEdit);
-    connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PresetsListView::showSelection);
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+    connect(m_filter, &QAbstractItemModel::rowsRemoved, this, &PresetsListView::showSelection);
+    connect(m_filter, &QAbstractItemModel::modelReset, this, [this] {
         showSelection();
         reopenNameField();
     });
@@ -61,9 +79,26 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     showSelection();
 }
 
+QModelIndex PresetsListView::indexOf(const std::shared_ptr<VantlePreset> &preset) const
+{
+    return m_filter->mapFromSource(m_model->indexOf(preset));
+}
+
+std::shared_ptr<VantlePreset> PresetsListView::presetAt(const QModelIndex &index) const
+{
+    return m_model->preset(m_filter->mapToSource(index));
+}
+
+void PresetsListView::setFilter(const QString &text)
+{
+    m_filter->setText(text);
+    showSelection();
+    scrollTo(indexOf(m_manager->selectedPreset()));
+}
+
 void PresetsListView::endNameEdit()
 {
-    const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());
+    const QPersistentModelIndex index = indexOf(m_nameEdit->preset());
     finishRename();
     if (QWidget *editor = index.isValid() ? indexWidget(index) : nullptr)
         closeEditor(editor, QAbstractItemDelegate::NoHint);
@@ -83,14 +118,16 @@ void PresetsListView::finishRename()
 {
     const auto preset = m_nameEdit->preset();
     m_nameEdit->end();
+    if (preset)
+        Q_EMIT filterMustEnd();
     if (preset && preset == m_manager->selectedPreset())
-        scrollTo(m_model->indexOf(preset));
+        scrollTo(indexOf(preset));
 }
 
 /// A reload takes every field with it, but an edit only ends with its own preset.
 void PresetsListView::reopenNameField()
 {
-    const QModelIndex index = m_model->indexOf(m_nameEdit->preset());
+    const QModelIndex index = indexOf(m_nameEdit->preset());
     if (!index.isValid())
         return;
     edit(index);
@@ -102,12 +139,12 @@ void PresetsListView::reopenNameField()
 
 void PresetsListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    UniformListView::selectionChanged(selected, deselected);
+    QListView::selectionChanged(selected, deselected);
     const bool isChange = !selected.isEmpty() || !deselected.isEmpty(); // setting the model is none
-    if (!isChange || m_isShowingSelection || m_model->isChanging())
+    if (!isChange || m_isShowingSelection || m_model->isChanging() || m_filter->isChanging())
         return;
     const QModelIndexList rows = selectedIndexes();
-    const auto preset = rows.isEmpty() ? nullptr : m_model->preset(rows.first());
+    const auto preset = rows.isEmpty() ? nullptr : presetAt(rows.first());
     if (preset == m_manager->selectedPreset())
         return;
     saveBeforeLeaving(*m_manager);
@@ -126,7 +163,7 @@ void PresetsListView::followSelection(const std::shared_ptr<VantlePreset> &prese
 void PresetsListView::showSelection()
 {
     const QScopedValueRollback guard(m_isShowingSelection, true);
-    const QModelIndex index = m_model->indexOf(m_manager->selectedPreset());
+    const QModelIndex index = indexOf(m_manager->selectedPreset());
     if (index.isValid() && index == currentIndex() && selectionModel()->isSelected(index))
         return;
     if (index.isValid())
@@ -148,13 +185,20 @@ void PresetsListView::keyPressEvent(QKeyEvent *event)
         if (m_manager->selectedPreset() && !m_nameEdit->preset())
             confirmDelete(m_manager->selectedPreset());
         return;
+    case Qt::Key_F10:
+        if (event->modifiers() == Qt::ShiftModifier) {
+            const QPoint position = viewport()->mapToGlobal(visualRect(currentIndex()).center());
+            QContextMenuEvent menu(QContextMenuEvent::Keyboard, position, position);
+            contextMenuEvent(&menu);
+        }
+        return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if (state() != EditingState && currentIndex().isValid())
             edit(currentIndex());
         return;
     default:
-        UniformListView::keyPressEvent(event);
+        QListView::keyPressEvent(event);
     }
 }
 
@@ -172,29 +216,29 @@ void PresetsListView::mousePressEvent(QMouseEvent *event)
     // A press on the button neither selects the row nor begins a rename.
     m_pressedDeleteButton = deleteButtonAt(*event);
     if (!m_pressedDeleteButton.isValid())
-        UniformListView::mousePressEvent(event);
+        QListView::mousePressEvent(event);
 }
 
 void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
 {
     const QPersistentModelIndex pressed = std::exchange(m_pressedDeleteButton, QPersistentModelIndex());
     if (!pressed.isValid())
-        UniformListView::mouseReleaseEvent(event);
+        QListView::mouseReleaseEvent(event);
     else if (deleteButtonAt(*event) == pressed)
-        confirmDelete(m_model->preset(pressed));
+        confirmDelete(presetAt(pressed));
 }
 
 void PresetsListView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (!deleteButtonAt(*event).isValid())
-        UniformListView::mouseDoubleClickEvent(event);
+        QListView::mouseDoubleClickEvent(event);
 }
 
 void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
 {
     const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
     const QModelIndex index = isByKey ? currentIndex() : indexAt(event->pos());
-    const auto preset = m_model->preset(index);
+    const auto preset = presetAt(index);
     if (!preset)
         return;
     auto *menu = new QMenu(this);
@@ -209,12 +253,12 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
 void PresetsListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint)
 {
     // The Tab key ends a rename; it does not begin one of another preset.
-    UniformListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    QListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void PresetsListView::focusInEvent(QFocusEvent *event)
 {
-    UniformListView::focusInEvent(event);
+    QListView::focusInEvent(event);
     // The base class makes the first row the current one, and an arrow key would then skip it.
     if (!selectionModel()->hasSelection())
         selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
@@ -222,7 +266,7 @@ void PresetsListView::focusInEvent(QFocusEvent *event)
 
 void PresetsListView::showEvent(QShowEvent *event)
 {
-    UniformListView::showEvent(event);
+    QListView::showEvent(event);
     if (!m_keyMonitor)
         m_keyMonitor = std::make_unique<LocalKeyMonitor>(
             [this](const QKeyEvent &key) { return duplicateByShortcut(key); });
@@ -232,7 +276,7 @@ void PresetsListView::hideEvent(QHideEvent *event)
 {
     m_keyMonitor.reset();
     endNameEdit();
-    UniformListView::hideEvent(event);
+    QListView::hideEvent(event);
 }
 
 bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
@@ -242,6 +286,8 @@ bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
     if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset() ||
         QApplication::activeModalWidget())
         return false;
+    if (event.isAutoRepeat())
+        return true; // one press is one duplicate, however long it is held
     duplicate(m_manager->selectedPreset());
     takeFocusSoon();
     return true;
@@ -253,6 +299,7 @@ void PresetsListView::duplicate(const std::shared_ptr<VantlePreset> &preset)
     endNameEdit();
     saveBeforeLeaving(*m_manager);
     m_manager->duplicate(source);
+    Q_EMIT filterMustEnd();
 }
 
 void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
@@ -263,8 +310,7 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setText(tr("Are you sure you want to delete this preset?\nThis operation cannot be undone."));
     dialog->setInformativeText(preset->name());
-    for (auto *label : dialog->findChildren<QLabel *>())
-        label->setTextFormat(Qt::PlainText); // a name is no markup
+    dressMessage(*dialog);
     const QPushButton *confirm = dialog->addButton(tr("Delete"), QMessageBox::DestructiveRole);
     QPushButton *cancel = dialog->addButton(tr("Cancel"), QMessageBox::RejectRole);
     dialog->setDefaultButton(cancel);
@@ -296,6 +342,7 @@ void PresetsListView::showRenameFailed()
         new QMessageBox(QMessageBox::NoIcon, tr("Rename Failed"), tr("Rename Failed"), QMessageBox::Ok, this);
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setInformativeText(tr("This name is invalid or already taken."));
+    dressMessage(*alert);
     alert->open();
 }
 

@@ -160,6 +160,18 @@ TEST_F(ListOfPresets, HasAContextMenu)
     EXPECT_EQ(highlightedName(), u"Beta copy"_s);
 }
 
+TEST_F(ListOfPresets, ControlDThatIsHeldMakesOneDuplicate)
+{
+    clickRow(u"Beta"_s);
+    const auto count = m_manager->presets().size();
+    press(Qt::Key_D, Qt::ControlModifier);
+    for (int i = 0; i < 20; ++i) {
+        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_D, Qt::ControlModifier, QString(), true);
+        QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &repeat);
+    }
+    EXPECT_EQ(m_manager->presets().size(), count + 1);
+}
+
 TEST_F(ListOfPresets, ControlDDuplicatesWhereverTheFocusIs)
 {
     list().setFocus();
