@@ -66,7 +66,7 @@ std::shared_ptr<ListedPreset> FolderReconciler::load(const FolderFile &file, con
         if (std::filesystem::symlink_status(file.path, unknown).type() ==
             std::filesystem::file_type::not_found)
             return nullptr; // removed before it could be read, which the watcher is about to report
-        logLine("Error loading Preset "_L1 + file.fileName + ": "_L1 + QString::fromUtf8(error.what()));
+        tellFailure(file, u"loading"_s, QString::fromUtf8(error.what()));
         return nullptr;
     }
 }
@@ -149,11 +149,20 @@ void FolderReconciler::noteReadability(const FolderFile &file, bool isReadable)
     if (isReadable && !m_hasUnreadable)
         return;
     const std::lock_guard lock(m_mutex);
-    if (isReadable)
-        m_unreadable.remove(file.name);
-    else
+    if (!isReadable)
         m_unreadable.insert(file.name);
+    else if (m_unreadable.remove(file.name))
+        m_queue.post([this, path = QString::fromStdString(file.path)] { m_receiver.loadRecovered(path); });
     m_hasUnreadable = !m_unreadable.isEmpty();
+}
+
+void FolderReconciler::tellFailure(const FolderFile &file, const QString &operation, const QString &reason)
+{
+    logLine("Error "_L1 + operation + " Preset "_L1 + file.fileName + ": "_L1 + reason);
+    m_queue.post([this, failure = PresetsFailure{PresetsFailure::Operation::load, file.name,
+                                                 QString::fromStdString(file.path), reason}] {
+        m_receiver.loadFailed(failure);
+    });
 }
 
 bool FolderReconciler::isUnreadable(const QString &name) const
@@ -167,19 +176,30 @@ void FolderReconciler::watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl 
     const auto file = folderFile(nativePathOfUrl(url));
     if (!file)
         return;
-    noteReadability(*file, true); // there is nothing left to read
+    forget(file->path);
     m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
 }
 
 void FolderReconciler::watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
-    const auto file = folderFile(nativePathOfUrl(url));
+    readAgain(nativePathOfUrl(url));
+}
+
+void FolderReconciler::forget(const std::string &path)
+{
+    if (const auto file = folderFile(path))
+        noteReadability(*file, true); // there is nothing left to read
+}
+
+void FolderReconciler::readAgain(const std::string &path)
+{
+    const auto file = folderFile(path);
     if (!file)
         return;
     if (isUnreadable(file->name))
-        add(file->path);
+        add(path);
     else
-        reread(file->path);
+        reread(path);
 }
 
 void FolderReconciler::reread(const std::string &path)
@@ -196,10 +216,12 @@ void FolderReconciler::reread(const std::string &path)
             noteReadability(*file, false); // to the watcher it may still be there, and come back as an update
             m_queue.post([this, name = file->name] { m_receiver.presetRemoved(name); });
         } else {
-            logLine("Error updating Preset "_L1 + file->fileName + ": "_L1 + QString::fromUtf8(error.what()));
+            noteReadability(*file, false);
+            tellFailure(*file, u"updating"_s, QString::fromUtf8(error.what()));
         }
         return;
     }
+    noteReadability(*file, true);
     std::shared_ptr<VantlePreset> source;
     try {
         source = decodePreset(document);

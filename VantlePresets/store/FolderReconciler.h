@@ -2,6 +2,7 @@
 #pragma once
 
 #include "VantlePresets/store/PresetIndex.h"
+#include "VantlePresets/store/PresetsFailure.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 
 #include <QtCore/QSet>
@@ -33,6 +34,10 @@ public:
         /// The source is null when the content can't be understood.
         virtual void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
                                    const FileStamp &stamp) = 0;
+        /// A file can't be read. Also before presetsLoaded().
+        virtual void loadFailed(const PresetsFailure &failure) = 0;
+        /// It can be read again, or is gone.
+        virtual void loadRecovered(const QString &path) = 0;
 
     protected:
         ~Receiver() = default;
@@ -53,6 +58,10 @@ public:
     /// Reads a preset's file again and reports it as an update, or as removed when it is gone. Callable from
     /// any thread.
     void reread(const std::string &path);
+    /// A file that could not be loaded has been deleted by this process. Callable from any thread.
+    void forget(const std::string &path);
+    /// add() for a file that could not be loaded, else reread(). Callable from any thread.
+    void readAgain(const std::string &path);
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
     void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;
@@ -67,6 +76,7 @@ private:
     std::shared_ptr<ListedPreset> load(const FolderFile &file, const FolderReader &folder,
                                        QByteArray &buffer);
     void noteReadability(const FolderFile &file, bool isReadable);
+    void tellFailure(const FolderFile &file, const QString &operation, const QString &reason);
 
     MainThreadQueue &m_queue;
     Receiver &m_receiver;

@@ -35,8 +35,9 @@ struct Outdated
 } // namespace
 
 PresetFiles::PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher,
-                         FileAppeared fileAppeared)
-    : m_folder(std::move(folder)), m_watcher(std::move(watcher)), m_fileAppeared(std::move(fileAppeared))
+                         FileAppeared fileAppeared, DeletionEnded deletionEnded)
+    : m_folder(std::move(folder)), m_watcher(std::move(watcher)), m_fileAppeared(std::move(fileAppeared)),
+      m_deletionEnded(std::move(deletionEnded))
 {
 }
 
@@ -47,28 +48,29 @@ PresetFiles::~PresetFiles()
 
 void PresetFiles::write(const Save &save, const Done &done)
 {
-    start([this, save, done] { done(writeNow(save)); });
+    start([this, save, done] { done(saveNow(save)); });
 }
 
 void PresetFiles::rename(const Save &save, const Done &done)
 {
-    start([this, save, done] {
-        const QString oldName = save.file->name();
-        const bool isElsewhere = !oldName.isEmpty() && oldName != save.name;
-        if (isElsewhere && !save.hasEdits && moveChangedFile(save, oldName)) {
-            done(Outcome::outdated);
-            return;
-        }
-        const Outcome outcome = writeNow(save);
-        const bool isWritten = outcome == Outcome::written || outcome == Outcome::overtaken;
-        if (isWritten && isElsewhere) {
-            // Both names can be one file's, on a file system that folds case.
-            const auto old = stampOf(m_folder + '/' + oldName.toStdString() + ".json");
-            if (!old || old != save.file->stampAt(save.name))
-                removeNow(oldName);
-        }
-        done(outcome);
-    });
+    start([this, save, done] { done(renameNow(save)); });
+}
+
+PresetFiles::Result PresetFiles::renameNow(const Save &save) const
+{
+    const QString oldName = save.file->name();
+    const bool isElsewhere = !oldName.isEmpty() && oldName != save.name;
+    if (isElsewhere && !save.hasEdits && moveChangedFile(save, oldName))
+        return {Outcome::outdated, {}};
+    const Result result = saveNow(save);
+    const bool isWritten = result.outcome == Outcome::written || result.outcome == Outcome::overtaken;
+    if (isWritten && isElsewhere) {
+        // Both names can be one file's, on a file system that folds case.
+        const auto old = stampOf(m_folder + '/' + oldName.toStdString() + ".json");
+        if (!old || old != save.file->stampAt(save.name))
+            removeNow(oldName);
+    }
+    return result;
 }
 
 void PresetFiles::remove(const std::shared_ptr<PresetFile> &file)
@@ -110,6 +112,20 @@ std::string PresetFiles::pathOf(const QString &name) const
     return m_folder + '/' + name.toStdString() + ".json";
 }
 
+PresetFiles::Result PresetFiles::saveNow(const Save &save) const
+{
+    QString reason;
+    try {
+        return {writeNow(save), {}};
+    } catch (const std::exception &error) {
+        reason = QString::fromUtf8(error.what());
+    } catch (...) {
+        reason = u"Unknown error"_s;
+    }
+    logWriteError(save.name, reason);
+    return {Outcome::failed, reason};
+}
+
 PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
 {
     bool isStaged = false;
@@ -141,16 +157,13 @@ PresetFiles::Outcome PresetFiles::writeNow(const Save &save) const
     } catch (const Outdated &) {
         return Outcome::outdated;
     } catch (const std::system_error &error) {
-        logWriteError(save.name, QString::fromUtf8(error.what()));
         if (error.code() != std::errc::file_exists)
-            return Outcome::failed;
+            throw;
+        logWriteError(save.name, QString::fromUtf8(error.what()));
         // When it appeared in the last moment, the watcher has taken it for this process's own.
         if (isStaged)
             m_fileAppeared(pathOf(save.name));
         return Outcome::refused;
-    } catch (const std::exception &error) {
-        logWriteError(save.name, QString::fromUtf8(error.what()));
-        return Outcome::failed;
     }
     logLine("Preset Saved: "_L1 + save.name);
     return isOvertaken ? Outcome::overtaken : Outcome::written;
@@ -202,12 +215,21 @@ void PresetFiles::takeAway(const std::string &path, const std::function<void()> 
 void PresetFiles::removeNow(const QString &name) const
 {
     const QString path = QString::fromStdString(m_folder) + u'/' + name + ".json"_L1;
+    QString reason;
+    bool isGone = false;
     try {
         const std::string target = pathOf(name);
         takeAway(target, [&] { requireSuccess(::unlink(target.c_str())); });
+        isGone = true;
+    } catch (const std::system_error &error) {
+        reason = QString::fromUtf8(error.what());
+        isGone = error.code() == std::errc::no_such_file_or_directory;
     } catch (const std::exception &error) {
-        logLine("Error deleting file "_L1 + path + ": "_L1 + QString::fromUtf8(error.what()));
+        reason = QString::fromUtf8(error.what());
     }
+    if (!reason.isEmpty())
+        logLine("Error deleting file "_L1 + path + ": "_L1 + reason);
+    m_deletionEnded(name, isGone ? QString() : reason);
 }
 
 } // namespace vantle

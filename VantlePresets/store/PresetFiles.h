@@ -73,8 +73,13 @@ public:
         refused,   ///< not written: a file of this name is somebody else's
         failed,
     };
+    struct Result
+    {
+        Outcome outcome = Outcome::failed;
+        QString reason; ///< of a failure
+    };
     /// Called on the file thread.
-    using Done = std::function<void(Outcome)>;
+    using Done = std::function<void(const Result &)>;
 
     struct Save
     {
@@ -87,7 +92,11 @@ public:
     /// Told, on the file thread, of a file of somebody else's that the watcher will not report.
     using FileAppeared = std::function<void(const std::string &path)>;
 
-    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, FileAppeared fileAppeared);
+    /// Told, on the file thread, how a deletion ended: without a reason when the file is gone.
+    using DeletionEnded = std::function<void(const QString &name, const QString &reason)>;
+
+    PresetFiles(std::string folder, std::shared_ptr<VRXWatchFolder> watcher, FileAppeared fileAppeared,
+                DeletionEnded deletionEnded);
     ~PresetFiles();
     PresetFiles(const PresetFiles &) = delete;
     PresetFiles &operator=(const PresetFiles &) = delete;
@@ -109,7 +118,9 @@ public:
 
 private:
     [[nodiscard]] std::string pathOf(const QString &name) const;
-    Outcome writeNow(const Save &save) const;
+    [[nodiscard]] Result saveNow(const Save &save) const;
+    [[nodiscard]] Result renameNow(const Save &save) const;
+    [[nodiscard]] Outcome writeNow(const Save &save) const;
     [[nodiscard]] bool moveChangedFile(const Save &save, const QString &oldName) const;
     void takeAway(const std::string &path, const std::function<void()> &change) const;
     void removeNow(const QString &name) const;
@@ -117,6 +128,7 @@ private:
     std::string m_folder;
     std::shared_ptr<VRXWatchFolder> m_watcher;
     FileAppeared m_fileAppeared;
+    DeletionEnded m_deletionEnded;
     WorkingQueue m_queue{QualityOfService::Utility};
 };
 

@@ -70,6 +70,7 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
     const auto *const application = QCoreApplication::instance();
     if (application && application->thread() != QThread::currentThread())
         programmingFault("PresetsManager is made off the main thread");
+    qRegisterMetaType<PresetsFailure>();
     d->start(lookup());
     if (application) {
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
@@ -226,6 +227,7 @@ void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)
         return;
     if (d->files)
         d->files->remove(entry->file);
+    d->recover(PresetsFailure::Operation::save, d->pathOf(entry->name));
     d->removeEntry(entry);
     d->announceList();
 }
@@ -313,6 +315,19 @@ int PresetsManager::rowOf(const std::shared_ptr<VantlePreset> &preset) const
     requireMainThread(*this);
     const auto entry = d->index.find(preset.get());
     return entry ? d->index.rowOf(*entry) : -1;
+}
+
+QList<PresetsFailure> PresetsManager::failures() const
+{
+    requireMainThread(*this);
+    return d->failures.all();
+}
+
+void PresetsManager::retry(const PresetsFailure &failure)
+{
+    requireMainThread(*this);
+    if (d->files && d->failures.all().contains(failure))
+        d->retry(failure);
 }
 
 void PresetsManager::waitForFileTasks()

@@ -3,6 +3,7 @@
 
 #include "VantlePresets/Export.h"
 #include "VantlePresets/model/VantlePreset.h"
+#include "VantlePresets/store/PresetsFailure.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QUrl>
@@ -21,6 +22,7 @@ using PresetsList = QList<std::shared_ptr<VantlePreset>>;
 ///
 /// Files that other processes add, change or delete show up in the list by themselves. Failures never
 /// reach the caller: they are logged as one line (core/Log.h) and the store goes on with what it has.
+/// Observers hear of them by failed() and recovered().
 ///
 /// Main thread only: every operation and query checks it, and another thread is a programming fault. The
 /// files are read, written and removed on threads of the store's own. Files that were asked for are on
@@ -108,6 +110,14 @@ public:
     /// The row in presets(), or -1.
     [[nodiscard]] int rowOf(const std::shared_ptr<VantlePreset> &preset) const;
 
+    /// The failures that last, the oldest first: files of the folder that can't be read, presets whose last
+    /// save failed, files that could not be deleted and are still there. What a load finds is complete with
+    /// didLoad().
+    [[nodiscard]] QList<PresetsFailure> failures() const;
+    /// Tries again what failed: reads the file, saves the listed preset, deletes the file. The end comes as
+    /// recovered(), another failure as failed(). Nothing when that failure has ended.
+    void retry(const PresetsFailure &failure);
+
     /// Waits until the file tasks started so far are done. Their results need the event loop.
     void waitForFileTasks();
     /// Whether the outcome of a save is not known yet; it comes with the event loop.
@@ -126,6 +136,14 @@ Q_SIGNALS:
 
     /// A change of the preset's file by another process was applied to the listed object.
     void presetUpdated(const std::shared_ptr<vantle::VantlePreset> &preset);
+
+    /// A file could not be loaded, a preset not saved or a file not deleted; failures() has it. Again for
+    /// the same file when it fails anew. Not for a preset that gets another name because its name is taken,
+    /// for a file that is gone when it is read or deleted, nor for one that is still being written.
+    void failed(const vantle::PresetsFailure &failure);
+    /// The end of a failure: the file was loaded, saved or deleted after all, or is gone, or its preset is
+    /// not listed under the name any more.
+    void recovered(const vantle::PresetsFailure &failure);
 
     /// @{
     /// Rows in pairs for list models. A move goes before the row that stood at `to` at its start.

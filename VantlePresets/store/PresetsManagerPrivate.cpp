@@ -39,9 +39,13 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     watcher->setNoticesReplacements(true);
     files = std::make_unique<PresetFiles>(
-        folder.toStdString(), watcher, [watcher = watcher, reconciler = reconciler](const std::string &path) {
+        folder.toStdString(), watcher,
+        [watcher = watcher, reconciler = reconciler](const std::string &path) {
             watcher->checkChangesAtPaths({QString::fromStdString(path)},
                                          [reconciler, path] { reconciler->add(path); });
+        },
+        [this](const QString &name, const QString &reason) {
+            queue.post([this, name, reason] { deletionEnded(name, reason); });
         });
     WatchFolderError error;
     if (!watcher->startWatching(&error))
@@ -103,6 +107,7 @@ void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
 {
     if (!isLoaded)
         namesLeftEarly.insert(entry->name);
+    recover(PresetsFailure::Operation::save, pathOf(entry->name));
     ListedPreset moved = *entry;
     moved.setName(name);
     const int from = index.rowOf(*entry);
@@ -135,12 +140,12 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
     ++entry->savesInFlight;
     ++savesInFlight;
     // Weak: a preset must not be destroyed on the file thread.
-    const auto done = [this, weak = std::weak_ptr(entry),
-                       hasEdits = save.hasEdits](PresetFiles::Outcome outcome) {
-        queue.post([this, weak, hasEdits, outcome] {
+    const auto done = [this, weak = std::weak_ptr(entry), hasEdits = save.hasEdits,
+                       name = save.name](const PresetFiles::Result &result) {
+        queue.post([this, weak, hasEdits, name, result] {
             --savesInFlight;
             if (const auto saved = weak.lock())
-                finishSave(saved, hasEdits, outcome);
+                finishSave(saved, hasEdits, name, result);
         });
     };
     if (entry->isRenameDue)
@@ -149,9 +154,16 @@ void PresetsManager::Private::startSave(const Entry &entry, Way way)
         files->write(save, done);
 }
 
-void PresetsManager::Private::finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome)
+void PresetsManager::Private::finishSave(const Entry &entry, bool hadEdits, const QString &name,
+                                         const PresetFiles::Result &result)
 {
+    const auto outcome = result.outcome;
     --entry->savesInFlight;
+    // Another name's save will tell; of a preset that is not listed any more nobody wants to know.
+    if (outcome == PresetFiles::Outcome::failed && entry->name == name)
+        fail({PresetsFailure::Operation::save, name, pathOf(name), result.reason});
+    else
+        recover(PresetsFailure::Operation::save, pathOf(name));
     if (outcome == PresetFiles::Outcome::written || outcome == PresetFiles::Outcome::overtaken)
         entry->refusedNames.clear();
     const bool isOnDisk = outcome != PresetFiles::Outcome::failed && outcome != PresetFiles::Outcome::refused;
@@ -193,14 +205,50 @@ void PresetsManager::Private::giveFreeName(const Entry &entry)
 void PresetsManager::Private::lookAgain(const QString &name)
 {
     files->start([watcher = watcher, reconciler = reconciler, path = pathOf(name)] {
-        watcher->checkChangesAtPaths({path},
-                                     [reconciler, path = path.toStdString()] { reconciler->reread(path); });
+        watcher->checkChangesAtPaths(
+            {path}, [reconciler, path = path.toStdString()] { reconciler->readAgain(path); });
     });
 }
 
 QString PresetsManager::Private::pathOf(const QString &name) const
 {
     return folder + u'/' + name + ".json"_L1;
+}
+
+void PresetsManager::Private::fail(const PresetsFailure &failure)
+{
+    failures.add(failure);
+    Q_EMIT q.failed(failure);
+}
+
+void PresetsManager::Private::recover(PresetsFailure::Operation operation, const QString &path)
+{
+    if (const auto ended = failures.take(operation, path))
+        Q_EMIT q.recovered(*ended);
+}
+
+void PresetsManager::Private::retry(const PresetsFailure &failure)
+{
+    switch (failure.operation) {
+    case PresetsFailure::Operation::load:
+        lookAgain(failure.name);
+        break;
+    case PresetsFailure::Operation::save:
+        if (const auto entry = index.findNamed(failure.name))
+            q.save(entry->preset);
+        break;
+    case PresetsFailure::Operation::deletion:
+        files->remove(failure.name, nullptr);
+        break;
+    }
+}
+
+void PresetsManager::Private::deletionEnded(const QString &name, const QString &reason)
+{
+    if (!reason.isEmpty())
+        return fail({PresetsFailure::Operation::deletion, name, pathOf(name), reason});
+    reconciler->forget(pathOf(name).toStdString());
+    recover(PresetsFailure::Operation::deletion, pathOf(name));
 }
 
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/store/FailureList.h"
 #include "VantlePresets/store/FolderReconciler.h"
 #include "VantlePresets/store/MainThreadQueue.h"
 #include "VantlePresets/store/PresetFiles.h"
@@ -34,14 +35,22 @@ public:
 
     enum class Way { write, rename };
     void startSave(const Entry &entry, Way way);
-    void finishSave(const Entry &entry, bool hadEdits, PresetFiles::Outcome outcome);
+    void finishSave(const Entry &entry, bool hadEdits, const QString &name,
+                    const PresetFiles::Result &result);
     void giveFreeName(const Entry &entry);
     void lookAgain(const QString &name);
     [[nodiscard]] Entry entryOfFile(const QString &name) const;
     [[nodiscard]] bool isAsSaved(const ListedPreset &entry, const QString &name) const;
     [[nodiscard]] QString pathOf(const QString &name) const;
 
+    void fail(const PresetsFailure &failure);
+    void recover(PresetsFailure::Operation operation, const QString &path);
+    void retry(const PresetsFailure &failure);
+    void deletionEnded(const QString &name, const QString &reason);
+
     void presetsLoaded(PresetIndex loaded) override;
+    void loadFailed(const PresetsFailure &failure) override { fail(failure); }
+    void loadRecovered(const QString &path) override { recover(PresetsFailure::Operation::load, path); }
     void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
@@ -56,6 +65,7 @@ public:
     QString folder; // "" without one
     bool isLoaded = false;
     QSet<QString> namesLeftEarly; // by presets that were renamed or removed before the folder had been read
+    FailureList failures;
     bool isQuitting = false;
     int savesInFlight = 0;
 

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/LiveStore.h"
+#include "tests/support/QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+namespace vantle {
+namespace {
+
+using namespace Qt::StringLiterals;
+using test::LiveStore;
+using test::namesOf;
+using test::waitFor;
+using Operation = PresetsFailure::Operation;
+
+/// Notes what a manager tells of its failures, as "+load A" and "-load A".
+class Told
+{
+public:
+    explicit Told(PresetsManager &manager)
+    {
+        QObject::connect(&manager, &PresetsManager::failed, [this](const auto &f) { note(u'+', f); });
+        QObject::connect(&manager, &PresetsManager::recovered, [this](const auto &f) { note(u'-', f); });
+    }
+    [[nodiscard]] QStringList take() { return std::exchange(m_lines, {}); }
+
+private:
+    void note(QChar sign, const PresetsFailure &failure)
+    {
+        static const QStringList operations = {u"load "_s, u"save "_s, u"deletion "_s};
+        m_lines.append(sign + operations[static_cast<int>(failure.operation)] + failure.name);
+    }
+
+    QStringList m_lines;
+};
+
+TEST(Failures, AreToldAndEndWhenWhatFailedIsMadeGood)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    store.writePreset(u"B"_s);
+    ASSERT_TRUE(store.runElsewhere(u"echo broken > X.json; mkdir D.json; echo broken > Y.json"_s));
+    const auto manager = store.makeManager();
+    EXPECT_EQ(manager->failures().size(), 3) << "complete when the folder has been read";
+    Told told(*manager);
+    ASSERT_TRUE(store.runElsewhere(u"cat A.json > X.json; rm Y.json"_s) && LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), (QStringList{u"-load X"_s, u"-load Y"_s}));
+
+    const auto a = manager->presetWithName(u"A"_s);
+    EXPECT_TRUE(manager->rename(a, u"A"_s, u"a/b"_s));
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), QStringList{u"+save a/b"_s});
+    const PresetsFailure failed = manager->failures().last();
+    EXPECT_EQ(failed.reason, u"Not a valid file name"_s);
+    manager->retry(failed);
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), QStringList{u"+save a/b"_s});
+    EXPECT_TRUE(manager->rename(a, a->name(), u"C"_s));
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), QStringList{u"-save a/b"_s});
+
+    manager->deletePresetFile(u"D"_s);
+    manager->deletePresetFile(u"missing"_s); // a line, and nothing to be done about
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), QStringList{u"+deletion D"_s});
+    std::filesystem::remove(store.file("D.json"));
+    store.writePreset(u"D"_s);
+    manager->retry(manager->failures().last());
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_FALSE(store.onDisk("D"));
+    EXPECT_EQ(manager->failures(), QList<PresetsFailure>());
+    EXPECT_EQ(namesOf(*manager), (QStringList{u"B"_s, u"C"_s, u"X"_s}));
+}
+
+} // namespace
+} // namespace vantle
