@@ -4,7 +4,6 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QTimer>
 
 #include <cstdio>
 
@@ -56,12 +55,12 @@ int main(int argc, char **argv)
 
     // Nothing is in the list before the folder has been read, which needs the event loop.
     vantle::PresetsManager manager([&] { return QStringList{options.value(QStringLiteral("data-dir"))}; });
-    const auto configureAndQuit = [&] {
+    QObject::connect(&manager, &vantle::PresetsManager::didLoad, &manager, [&] {
         QCoreApplication::exit(configureEncoders(manager, options.positionalArguments().first()));
-    };
-    if (manager.presetsFolderURL())
-        QObject::connect(&manager, &vantle::PresetsManager::didLoad, &manager, configureAndQuit);
-    else
-        QTimer::singleShot(0, &manager, configureAndQuit);
+    });
+    QObject::connect(&manager, &vantle::PresetsManager::startFailed, &manager, [](const QString &error) {
+        std::fprintf(stderr, "encoder_settings: %s\n", qUtf8Printable(error));
+        QCoreApplication::exit(1);
+    });
     return QCoreApplication::exec();
 }

@@ -45,6 +45,7 @@ int main(int argc, char **argv)
                        QStringLiteral("DIR"), QStringLiteral("/var/lib")});
     options.process(application);
 
+    int result = 0;
     GMainLoop *const loop = g_main_loop_new(nullptr, FALSE);
     g_unix_signal_add(SIGINT, quitOnSignal, loop);
     g_unix_signal_add(SIGTERM, quitOnSignal, loop);
@@ -57,8 +58,14 @@ int main(int argc, char **argv)
             print();
             QObject::connect(&manager, &vantle::PresetsManager::presetsChanged, &manager, print);
         });
+        const auto fail = [&result, loop](const QString &error) {
+            std::fprintf(stderr, "glib_host: %s\n", qUtf8Printable(error));
+            result = 1;
+            g_main_loop_quit(loop);
+        };
+        QObject::connect(&manager, &vantle::PresetsManager::startFailed, &manager, fail);
         g_main_loop_run(loop);
     }
     g_main_loop_unref(loop);
-    return 0;
+    return result;
 }

@@ -4,7 +4,6 @@
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/EditorStyle.h"
 #include "VantlePresets/editor/NotificationCenter.h"
-#include "VantlePresets/editor/PresetsFilter.h"
 #include "VantlePresets/editor/PresetsListDelegate.h"
 #include "VantlePresets/editor/PresetsListModel.h"
 
@@ -41,7 +40,7 @@ void dressMessage(QMessageBox &message)
 
 PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
     : QListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
-      m_model(new PresetsListModel(manager, this)), m_filter(new PresetsFilter(m_model, this))
+      m_model(new PresetsListModel(manager, this))
 {
     setObjectName(u"presets"_s);
     setAccessibleName(tr("Presets"));
@@ -53,12 +52,12 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     setUniformItemSizes(true); // else every insertion asks each of ten thousand rows for its size
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_Hover);
-    setModel(m_filter);
+    setModel(m_model);
 
     auto *delegate = new PresetsListDelegate(this);
     setItemDelegate(delegate);
     connect(delegate, &PresetsListDelegate::nameEditBegins, this,
-            [this](const QModelIndex &index) { m_nameEdit->begin(presetAt(index)); });
+            [this](const QModelIndex &index) { m_nameEdit->begin(m_model->preset(index)); });
     connect(delegate, &PresetsListDelegate::nameTyped, m_nameEdit, &NameEdit::type);
     connect(delegate, &PresetsListDelegate::nameEditEnds, this, &PresetsListView::leaveNameField);
     connect(delegate, &PresetsListDelegate::nameEditUndone, m_nameEdit, &NameEdit::undo);
@@ -66,8 +65,8 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
 
     connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this, &PresetsListView::followSelection);
     connect(m_manager.get(), &PresetsManager::nameEditMustEnd, this, &PresetsListView::endNameEdit);
-    connect(m_filter, &QAbstractItemModel::rowsRemoved, this, &PresetsListView::showSelection);
-    connect(m_filter, &QAbstractItemModel::modelReset, this, [this] {
+    connect(m_model, &QAbstractItemModel::rowsRemoved, this, &PresetsListView::showSelection);
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         showSelection();
         reopenNameField();
     });
@@ -79,26 +78,15 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     showSelection();
 }
 
-QModelIndex PresetsListView::indexOf(const std::shared_ptr<VantlePreset> &preset) const
-{
-    return m_filter->mapFromSource(m_model->indexOf(preset));
-}
-
-std::shared_ptr<VantlePreset> PresetsListView::presetAt(const QModelIndex &index) const
-{
-    return m_model->preset(m_filter->mapToSource(index));
-}
-
 void PresetsListView::setFilter(const QString &text)
 {
-    m_filter->setText(text);
-    showSelection();
-    scrollTo(indexOf(m_manager->selectedPreset()));
+    m_model->setFilter(text);
+    scrollTo(m_model->indexOf(m_manager->selectedPreset()));
 }
 
 void PresetsListView::endNameEdit()
 {
-    const QPersistentModelIndex index = indexOf(m_nameEdit->preset());
+    const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());
     finishRename();
     if (QWidget *editor = index.isValid() ? indexWidget(index) : nullptr)
         closeEditor(editor, QAbstractItemDelegate::NoHint);
@@ -118,16 +106,16 @@ void PresetsListView::finishRename()
 {
     const auto preset = m_nameEdit->preset();
     m_nameEdit->end();
-    if (preset)
-        Q_EMIT filterMustEnd();
+    if (preset) // not while the view closes the field
+        QMetaObject::invokeMethod(this, &PresetsListView::filterMustEnd, Qt::QueuedConnection);
     if (preset && preset == m_manager->selectedPreset())
-        scrollTo(indexOf(preset));
+        scrollTo(m_model->indexOf(preset));
 }
 
 /// A reload takes every field with it, but an edit only ends with its own preset.
 void PresetsListView::reopenNameField()
 {
-    const QModelIndex index = indexOf(m_nameEdit->preset());
+    const QModelIndex index = m_model->indexOf(m_nameEdit->preset());
     if (!index.isValid())
         return;
     edit(index);
@@ -141,10 +129,10 @@ void PresetsListView::selectionChanged(const QItemSelection &selected, const QIt
 {
     QListView::selectionChanged(selected, deselected);
     const bool isChange = !selected.isEmpty() || !deselected.isEmpty(); // setting the model is none
-    if (!isChange || m_isShowingSelection || m_model->isChanging() || m_filter->isChanging())
+    if (!isChange || m_isShowingSelection || m_model->isChanging())
         return;
     const QModelIndexList rows = selectedIndexes();
-    const auto preset = rows.isEmpty() ? nullptr : presetAt(rows.first());
+    const auto preset = rows.isEmpty() ? nullptr : m_model->preset(rows.first());
     if (preset == m_manager->selectedPreset())
         return;
     saveBeforeLeaving(*m_manager);
@@ -163,7 +151,7 @@ void PresetsListView::followSelection(const std::shared_ptr<VantlePreset> &prese
 void PresetsListView::showSelection()
 {
     const QScopedValueRollback guard(m_isShowingSelection, true);
-    const QModelIndex index = indexOf(m_manager->selectedPreset());
+    const QModelIndex index = m_model->indexOf(m_manager->selectedPreset());
     if (index.isValid() && index == currentIndex() && selectionModel()->isSelected(index))
         return;
     if (index.isValid())
@@ -184,13 +172,6 @@ void PresetsListView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Delete:
         if (m_manager->selectedPreset() && !m_nameEdit->preset())
             confirmDelete(m_manager->selectedPreset());
-        return;
-    case Qt::Key_F10:
-        if (event->modifiers() == Qt::ShiftModifier) {
-            const QPoint position = viewport()->mapToGlobal(visualRect(currentIndex()).center());
-            QContextMenuEvent menu(QContextMenuEvent::Keyboard, position, position);
-            contextMenuEvent(&menu);
-        }
         return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -225,7 +206,7 @@ void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
     if (!pressed.isValid())
         QListView::mouseReleaseEvent(event);
     else if (deleteButtonAt(*event) == pressed)
-        confirmDelete(presetAt(pressed));
+        confirmDelete(m_model->preset(pressed));
 }
 
 void PresetsListView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -238,7 +219,7 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
 {
     const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
     const QModelIndex index = isByKey ? currentIndex() : indexAt(event->pos());
-    const auto preset = presetAt(index);
+    const auto preset = m_model->preset(index);
     if (!preset)
         return;
     auto *menu = new QMenu(this);

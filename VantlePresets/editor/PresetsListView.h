@@ -9,7 +9,6 @@
 
 namespace vantle {
 
-class PresetsFilter;
 class PresetsListModel;
 
 /// The list of the presets: selection, renaming in place, duplicating and deleting.
@@ -26,11 +25,11 @@ public:
     /// Ends a rename as if the user had left the field.
     void endNameEdit();
 
+    [[nodiscard]] bool isNameEdited() const { return m_nameEdit->preset() != nullptr; }
+
     /// Shows the presets whose name or kind has the words of the text; all with an empty one. The selection
     /// stays, seen or not.
     void setFilter(const QString &text);
-    /// Where the preset is shown; invalid when it is not.
-    [[nodiscard]] QModelIndex indexOf(const std::shared_ptr<VantlePreset> &preset) const;
 
 Q_SIGNALS:
     /// What was done concerns presets that the filter may hide.
@@ -51,7 +50,6 @@ protected:
 private:
     void followSelection(const std::shared_ptr<VantlePreset> &preset);
     void showSelection();
-    [[nodiscard]] std::shared_ptr<VantlePreset> presetAt(const QModelIndex &index) const;
     [[nodiscard]] QModelIndex deleteButtonAt(const QMouseEvent &event) const;
     void takeFocusSoon();
     void duplicate(const std::shared_ptr<VantlePreset> &preset);
@@ -66,7 +64,6 @@ private:
     std::shared_ptr<PresetsManager> m_manager;
     NameEdit *m_nameEdit; // hears of rows that go before the model tells the view
     PresetsListModel *m_model;
-    PresetsFilter *m_filter;
     std::unique_ptr<LocalKeyMonitor> m_keyMonitor; ///< while the list is shown
     QPersistentModelIndex m_pressedDeleteButton;
     bool m_isShowingSelection = false;

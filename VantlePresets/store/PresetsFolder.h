@@ -14,4 +14,8 @@ namespace vantle {
 /// Makes the folder and its parents if nothing is at its path. Throws std::system_error.
 void ensureFolder(const QString &path);
 
+/// "; members of ..." with the command that makes the user one, when the folder, or a parent, is closed to
+/// the user but open to its group; "" otherwise. Callable from any thread.
+[[nodiscard]] QString groupHint(const QString &folder);
+
 } // namespace vantle

@@ -61,6 +61,12 @@ void requireMainThread(const QObject &manager)
         programmingFault("PresetsManager is used off the main thread");
 }
 
+void requirePreset(const std::shared_ptr<VantlePreset> &preset, const char *fault)
+{
+    if (!preset)
+        programmingFault(fault);
+}
+
 } // namespace
 
 PresetsManager::PresetsManager() : PresetsManager(machineDataDirectories) {}
@@ -74,15 +80,18 @@ PresetsManager::PresetsManager(const DirectoryLookup &lookup) : d(std::make_uniq
     d->start(lookup());
     if (application) {
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
-            d->isQuitting = true; // what others save from now on is waited for in save()
-            if (d->files)
-                d->finishFileTasks();
+            // What others save from now on is waited for in save(), until the last of them has been told: the
+            // application deletes right then what is to be deleted later, and may run again after that.
+            d->quitting = new QObject(this);
+            d->quitting->deleteLater();
+            d->finishFileTasks();
         });
     }
 }
 
 PresetsManager::~PresetsManager()
 {
+    requireMainThread(*this);
     d->stop();
 }
 
@@ -96,6 +105,12 @@ std::shared_ptr<VRXWatchFolder> PresetsManager::watchFolder() const
 {
     requireMainThread(*this);
     return d->watcher;
+}
+
+std::optional<QString> PresetsManager::startError() const
+{
+    requireMainThread(*this);
+    return d->startError;
 }
 
 bool PresetsManager::isLoaded() const
@@ -181,6 +196,7 @@ std::shared_ptr<VantlePreset> PresetsManager::addNewPreset(StreamingType type)
 std::shared_ptr<VantlePreset> PresetsManager::duplicate(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
+    requirePreset(preset, "duplicate of no preset");
     const QString name =
         duplicateName(listedName(preset), [this](const QString &n) { return d->index.isTaken(n); });
     const auto copy = makePreset(preset->type(), name);
@@ -194,6 +210,7 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
                             const QString &to)
 {
     requireMainThread(*this);
+    requirePreset(preset, "rename of no preset");
     if (d->nameEdit == preset)
         d->nameEdit.reset();
     const auto renamed = preset; // the argument may be this manager's own selection
@@ -236,8 +253,7 @@ void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
 {
     requireMainThread(*this);
     const auto saved = preset; // the argument may be this manager's own selection
-    if (!saved)
-        programmingFault("save of no preset");
+    requirePreset(saved, "save of no preset");
     if (!d->files)
         return;
     if (d->nameEdit == saved)
@@ -252,7 +268,7 @@ void PresetsManager::save(const std::shared_ptr<VantlePreset> &preset)
     d->startSave(entry, Private::Way::write);
     if (isRenamed)
         d->announceList();
-    if (d->isQuitting)
+    if (d->quitting)
         d->finishFileTasks();
 }
 
@@ -306,6 +322,7 @@ void PresetsManager::endNameEdit()
 QString PresetsManager::listedName(const std::shared_ptr<VantlePreset> &preset) const
 {
     requireMainThread(*this);
+    requirePreset(preset, "name of no preset");
     const auto entry = d->index.find(preset.get());
     return entry ? entry->name : preset->name();
 }

@@ -44,7 +44,7 @@ public:
     /// The same below the first directory of the answer. With an empty answer the manager works in
     /// memory alone.
     explicit PresetsManager(const DirectoryLookup &lookup);
-    /// Waits for the file tasks that were started.
+    /// Waits for the file tasks that were started. On the main thread, as everything else.
     ~PresetsManager() override;
 
     /// Nothing when the directory was not found or could not be made.
@@ -58,6 +58,10 @@ public:
     /// Sorts the new list. Clears the selection when it is not in it. No file is touched.
     void setPresets(const PresetsList &presets);
 
+    /// Why the folder can't be made, read or followed: the folder, the system's reason, and how a user gets
+    /// the rights of the folder's group where these would do, in one line. Known when the constructor
+    /// returns, but for a folder that goes before it has been read. Nothing when there is no directory.
+    [[nodiscard]] std::optional<QString> startError() const;
     /// Whether the first inventory of the folder has been read; see didLoad().
     [[nodiscard]] bool isLoaded() const;
 
@@ -124,8 +128,11 @@ public:
     [[nodiscard]] bool hasPendingSaves() const;
 
 Q_SIGNALS:
-    /// The first inventory of the folder is in the list, however few presets it had. Never without a folder.
+    /// The first inventory of the folder is in the list, however few presets it had. Without a directory
+    /// neither this nor startFailed() comes; otherwise one of the two does, once, from the event loop.
     void didLoad();
+    /// With startError(). Whoever connects right after construction hears it.
+    void startFailed(const QString &error);
     /// The presets folder is not at its path any more. Sent before didLoad(), that one never comes.
     void folderBecameUnreachable();
 

@@ -24,17 +24,21 @@ std::optional<std::size_t> documentHash(const VantlePreset &preset)
 
 void PresetsManager::Private::start(const QStringList &dataDirectories)
 {
-    static constexpr auto kStartError = "Error to create directory or start watching: "_L1;
     if (dataDirectories.isEmpty())
         return;
-    const QString path = presetsFolderPath(dataDirectories.first());
+    wantedFolder = presetsFolderPath(dataDirectories.first());
     try {
-        ensureFolder(path);
-    } catch (const std::exception &error) {
-        logLine(kStartError + QString::fromUtf8(error.what()));
-        return;
+        ensureFolder(wantedFolder);
+        folder = wantedFolder;
+        watchFolder();
+    } catch (const std::exception &error) { // also: no thread is to be had
+        const QString reason = QString::fromUtf8(error.what());
+        failStart(reason, reason);
     }
-    folder = path;
+}
+
+void PresetsManager::Private::watchFolder()
+{
     reconciler = std::make_shared<FolderReconciler>(queue, *this);
     watcher = std::make_shared<VRXWatchFolder>(folder, reconciler);
     watcher->setNoticesReplacements(true);
@@ -48,8 +52,29 @@ void PresetsManager::Private::start(const QStringList &dataDirectories)
             queue.post([this, name, reason] { deletionEnded(name, reason); });
         });
     WatchFolderError error;
-    if (!watcher->startWatching(&error))
-        logLine(kStartError + error.description);
+    if (watcher->startWatching(&error))
+        return;
+    if (error.code == WatchFolderError::FolderIsFile)
+        error.reason = u"Not a directory"_s;
+    failStart(error.description, error.reason.isEmpty() ? error.description : error.reason);
+}
+
+void PresetsManager::Private::failStart(const QString &logged, const QString &reason)
+{
+    startError = escapedControls(wantedFolder + ": "_L1 + reason + groupHint(wantedFolder));
+    logLine("Error to create directory or start watching: "_L1 + logged);
+    // Queued: nobody can have connected during construction.
+    QMetaObject::invokeMethod(
+        &q, [this] { Q_EMIT q.startFailed(*startError); }, Qt::QueuedConnection);
+}
+
+void PresetsManager::Private::folderBecameUnreachable()
+{
+    if (!isLoaded && !startError) {
+        startError = escapedControls(wantedFolder + ": The folder was removed before it was read"_L1);
+        Q_EMIT q.startFailed(*startError);
+    }
+    Q_EMIT q.folderBecameUnreachable();
 }
 
 void PresetsManager::Private::stop()
@@ -64,6 +89,8 @@ void PresetsManager::Private::stop()
 
 void PresetsManager::Private::finishFileTasks()
 {
+    if (!files)
+        return;
     do {
         files->wait();
         queue.runAll(); // an outcome can lead to another save, under a name that is free

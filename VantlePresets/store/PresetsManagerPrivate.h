@@ -8,6 +8,7 @@
 #include "VantlePresets/store/PresetIndex.h"
 #include "VantlePresets/store/PresetsManager.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QSet>
 
 namespace vantle {
@@ -22,6 +23,8 @@ public:
     explicit Private(PresetsManager &manager) : q(manager) {}
 
     void start(const QStringList &dataDirectories);
+    void watchFolder();
+    void failStart(const QString &logged, const QString &reason);
     void stop();
     /// Waits for the files, and for the saves that follow from their outcomes.
     void finishFileTasks();
@@ -51,7 +54,7 @@ public:
     void presetsLoaded(PresetIndex loaded) override;
     void loadFailed(const PresetsFailure &failure) override { fail(failure); }
     void loadRecovered(const QString &path) override { recover(PresetsFailure::Operation::load, path); }
-    void folderBecameUnreachable() override { Q_EMIT q.folderBecameUnreachable(); }
+    void folderBecameUnreachable() override;
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
     void presetUpdated(const QString &name, const std::shared_ptr<VantlePreset> &source,
@@ -62,11 +65,13 @@ public:
     PresetIndex index;
     std::shared_ptr<VantlePreset> selected;
     std::shared_ptr<VantlePreset> nameEdit;
-    QString folder; // "" without one
+    QString wantedFolder; // "" without a directory
+    QString folder;       // "" without one
+    std::optional<QString> startError;
     bool isLoaded = false;
     QSet<QString> namesLeftEarly; // by presets that were renamed or removed before the folder had been read
     FailureList failures;
-    bool isQuitting = false;
+    QPointer<QObject> quitting; // lives while the application tells that it is about to quit
     int savesInFlight = 0;
 
     MainThreadQueue queue;

@@ -17,14 +17,13 @@ using namespace Qt::StringLiterals;
 
 struct StoreSession::Log
 {
-    std::atomic<bool> hasStartFailed = false;
     std::atomic<bool> hasDeletionFailed = false;
 
     void take(const QString &line)
     {
-        complain(line);
         if (line.startsWith("Error to create directory"_L1))
-            hasStartFailed = true;
+            return; // the session says more about it
+        complain(line);
         if (line.startsWith("Error deleting"_L1))
             hasDeletionFailed = true;
     }
@@ -45,15 +44,13 @@ StoreSession::StoreSession(const StoreOptions &options) : m_log(std::make_shared
     m_manager = options.dataDirectory.empty()
                     ? std::make_unique<PresetsManager>()
                     : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
-    if (m_log->hasStartFailed)
-        throw Refusal(u"the presets folder can't be used"_s);
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
-    QObject::connect(m_manager.get(), &PresetsManager::folderBecameUnreachable, &loop, &QEventLoop::quit);
-    if (!m_manager->isLoaded())
+    QObject::connect(m_manager.get(), &PresetsManager::startFailed, &loop, &QEventLoop::quit);
+    if (!m_manager->startError())
         loop.exec();
     if (!m_manager->isLoaded())
-        throw Refusal(u"the presets folder was removed before it was read"_s);
+        throw Refusal(m_manager->startError().value_or(u"stopped before the presets were read"_s));
 }
 
 StoreSession::~StoreSession()

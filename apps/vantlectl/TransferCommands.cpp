@@ -8,9 +8,7 @@
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
-#include "VantlePresets/store/NameRules.h"
-
-#include <QtCore/QSet>
+#include "VantlePresets/store/PresetImport.h"
 
 namespace vantle::ctl {
 namespace {
@@ -35,25 +33,18 @@ ExitCode import(const ImportOptions &options, Output &out)
     StoreSession session(options);
     PresetsManager &manager = session.manager();
     bool isComplete = true;
+    QList<PresetImport> files = readPresetsToImport({options.files.begin(), options.files.end()});
+    addImportedPresets(manager, files);
     PresetsList imported;
-    QSet<QString> names;
-    for (const fs::path file : options.files) {
-        try {
-            const auto preset = readPresetFile(file);
-            if (manager.presetWithName(preset->name()) || names.contains(canonicalName(preset->name())))
-                throw std::runtime_error("a preset of this name exists");
-            names.insert(canonicalName(preset->name()));
-            imported.append(preset);
-        } catch (const std::exception &error) {
-            complain(shown(file) + ": "_L1 + Failure(error).message());
+    QStringList wanted;
+    for (const PresetImport &file : std::as_const(files)) {
+        if (file.preset) {
+            imported.append(file.preset);
+            wanted.append(presetNameFromPath(QString::fromStdString(file.path.native())));
+        } else {
+            complain(shown(file.path) + ": "_L1 + file.refusal);
             isComplete = false;
         }
-    }
-    manager.setPresets(manager.presets() + imported);
-    QStringList wanted;
-    for (const auto &preset : std::as_const(imported)) {
-        wanted.append(preset->name());
-        manager.save(preset);
     }
     const ExitCode code = session.finish();
     for (qsizetype i = 0; i < imported.size(); ++i) {

@@ -122,6 +122,7 @@ std::unique_ptr<PresetsManager> load(const PresetsOnDisk &presets)
     auto manager = std::make_unique<PresetsManager>(presets.lookup());
     QEventLoop loop;
     QObject::connect(manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
+    QObject::connect(manager.get(), &PresetsManager::startFailed, &loop, &QEventLoop::quit);
     loop.exec();
     return manager;
 }

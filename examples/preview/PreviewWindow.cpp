@@ -7,6 +7,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QStatusBar>
 
 #include <cstdio>
 
@@ -25,6 +26,8 @@ PreviewWindow::PreviewWindow(const std::shared_ptr<vantle::PresetsManager> &mana
     const auto enable = [this, goLiveAction] { goLiveAction->setEnabled(bool(m_manager->selectedPreset())); };
     connect(m_manager.get(), &vantle::PresetsManager::selectedPresetChanged, this, enable);
     enable();
+    connect(m_manager.get(), &vantle::PresetsManager::startFailed, statusBar(),
+            [this](const QString &error) { statusBar()->showMessage(error); });
 }
 
 void PreviewWindow::editPresets()

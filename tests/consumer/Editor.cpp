@@ -32,5 +32,7 @@ int main(int argc, char **argv)
             !controller->window()->grab().isNull();
         QCoreApplication::exit(isShown && isFocused ? 0 : 1);
     });
+    QObject::connect(manager.get(), &vantle::PresetsManager::startFailed, &application,
+                     [] { QCoreApplication::exit(1); });
     return QCoreApplication::exec();
 }

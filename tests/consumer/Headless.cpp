@@ -69,7 +69,10 @@ int main(int argc, char **argv)
     {
         vantle::PresetsManager manager([&] { return QStringList{folder}; });
         QObject::connect(&manager, &vantle::PresetsManager::didLoad, &application, &QCoreApplication::quit);
+        QObject::connect(&manager, &vantle::PresetsManager::startFailed, &application,
+                         &QCoreApplication::quit);
         QCoreApplication::exec();
+        REQUIRE(manager.isLoaded() && !manager.startError());
         REQUIRE(manager.addNewPreset(vantle::StreamingType::srt)
                     ->name()
                     .startsWith(QStringLiteral("SRT Preset")));

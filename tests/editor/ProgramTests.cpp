@@ -24,8 +24,7 @@ TEST(Program, NeedsNoDisplayToSayHowItIsCalled)
     {
         std::vector<std::string> arguments;
         bool isHelp;
-    } cases[] = {
-        {{"--help"}, true}, {{"--colors", "blue"}, false}, {{"--select", "A"}, false}, {{"--bogus"}, false}};
+    } cases[] = {{{"--help"}, true}, {{"--colors", "blue"}, false}, {{"--bogus"}, false}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.arguments.front());
         std::vector<std::string> command{"/usr/bin/env", "QT_QPA_PLATFORM=none", VANTLE};
@@ -61,6 +60,16 @@ TEST(Program, EndsInGoodOrderOnASignal)
         ASSERT_TRUE(waitFor([&] { return editor.status().has_value(); }));
         EXPECT_EQ(editor.status(), 0) << strsignal(signal);
     }
+}
+
+TEST(Program, EndsWhenThereIsNothingToTakeAPictureOf)
+{
+    const test::LiveStore store;
+    ASSERT_TRUE(store.runElsewhere(u"rmdir ../*Presets; touch '../Streaming Presets'"_s));
+    const auto finished = runProcess({VANTLE, "--data-dir", store.dataDirectory().toStdString(),
+                                      "--screenshot", store.folder().parent_path() / "picture.png"});
+    EXPECT_EQ(finished.exitCode, 1);
+    EXPECT_NE(finished.errors.indexOf("vantle: " + store.folder().string() + ": Not a directory\n"), -1);
 }
 
 TEST(Program, APictureChangesNothing)

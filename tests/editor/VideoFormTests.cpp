@@ -193,11 +193,14 @@ TEST_F(VideoForm, ToolTipsShowTextsAsTheyAre)
         m_settings->setProfile(text);
         m_preset->setName(text);
         const QModelIndex row = list().model()->index(0, 0);
-        for (const QString &tip :
-             {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
+        const std::pair<QString, QString> tips[] = {
+            {control<QWidget>("profile")->toolTip(), text},
+            {row.data(Qt::ToolTipRole).toString(), text + u"\nHLS"_s},
+        };
+        for (const auto &[tip, expected] : tips) {
             QTextDocument shown;
             Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
-            EXPECT_EQ(shown.toPlainText(), text);
+            EXPECT_EQ(shown.toPlainText(), expected);
         }
     }
 }

@@ -38,6 +38,20 @@ TEST_F(CommandLineHost, PrintsWhatAnEncoderNeeds)
     EXPECT_EQ(runProcess({ENCODER_SETTINGS, "--data-dir", m_data.path(), "None"}).exitCode, 1);
 }
 
+TEST_F(CommandLineHost, EndsWhenThereIsNoFolderToRead)
+{
+    std::filesystem::remove_all(m_data.path("Orvalle/Streaming Presets"));
+    m_data.write("Orvalle/Streaming Presets", {});
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{ENCODER_SETTINGS, "A"}, {GLIB_HOST}}) {
+        std::vector<std::string> arguments = command;
+        arguments.insert(arguments.end(), {"--data-dir", m_data.path()});
+        const Finished run = runProcess(arguments);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.errors.endsWith("/Orvalle/Streaming Presets: Not a directory\n"));
+    }
+}
+
 TEST_F(CommandLineHost, FollowsTheListOnTheLoopOfGlib)
 {
     ChildProcess host({GLIB_HOST, "--data-dir", m_data.path()});

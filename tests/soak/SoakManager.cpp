@@ -42,6 +42,7 @@ public:
             std::puts("loaded");
             std::fflush(stdout);
         });
+        connect(&m_manager, &PresetsManager::startFailed, this, [] { QCoreApplication::exit(1); });
     }
 
     void obey(const QByteArray &command)

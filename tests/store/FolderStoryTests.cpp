@@ -188,18 +188,6 @@ TEST(FolderStories, APresetAddedBeforeTheFolderIsReadLeavesItsFilesAlone)
     EXPECT_EQ(store.onDisk("Mine")->videoSettings().first()->bitRate(), 1);
 }
 
-TEST(FolderStories, AFolderThatGoesBeforeItIsReadIsTold)
-{
-    for (int round = 0; round < 20; ++round) {
-        const LiveStore store;
-        PresetsManager manager([&] { return QStringList{store.dataDirectory()}; });
-        bool isGone = false;
-        QObject::connect(&manager, &PresetsManager::folderBecameUnreachable, [&] { isGone = true; });
-        std::filesystem::remove(store.folder()); // the first inventory may be quicker
-        ASSERT_TRUE(waitFor([&] { return isGone || manager.isLoaded(); }));
-    }
-}
-
 TEST_F(OpenList, RenamingTakesAForeignChangeAlong)
 {
     ASSERT_TRUE(m_store.runElsewhere(u"sed -i 's/4500/3333/' A.json"_s));

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 namespace vantle {
 namespace {
 
@@ -230,26 +228,6 @@ TEST(PresetOperations, WithoutAFolderTheListWorksInMemory)
     manager.remove(preset);
     EXPECT_FALSE(manager.selectedPreset());
     EXPECT_EQ(store.log(), QStringList());
-}
-
-TEST(PresetOperations, AFolderThatCannotBeMadeIsLogged)
-{
-    LiveStore store;
-    std::filesystem::remove_all(store.folder());
-    std::filesystem::remove(store.folder().parent_path());
-    ASSERT_TRUE(
-        QFile(QString::fromStdString(store.folder().parent_path().string())).open(QIODevice::WriteOnly));
-    const PresetsManager manager([&] { return QStringList{store.dataDirectory()}; });
-    EXPECT_FALSE(manager.presetsFolderURL());
-    EXPECT_EQ(store.log(), QStringList{u"Error to create directory or start watching: Not a directory"_s});
-}
-
-TEST(PresetOperationsDeathTest, OtherThreadsAreAProgrammingFault)
-{
-    PresetsManager manager([] { return QStringList(); });
-    EXPECT_DEATH(std::thread([&] { static_cast<void>(manager.presets()); }).join(), "off the main thread");
-    EXPECT_DEATH(std::thread([&] { manager.addNewPreset(StreamingType::hls); }).join(),
-                 "off the main thread");
 }
 
 } // namespace

@@ -84,5 +84,7 @@ int main(int argc, char **argv)
         else
             vantle::printNames(manager);
     });
+    QObject::connect(&manager, &vantle::PresetsManager::startFailed, &manager,
+                     [] { QCoreApplication::exit(1); });
     return QCoreApplication::exec();
 }

@@ -246,12 +246,21 @@ TEST_F(StoreCommands, AFolderThatCannotBeUsedIsAnError)
 {
     const Finished adding = runProcess({VANTLECTL, "add", "HLS", "--data-dir", "/dev/null"});
     EXPECT_EQ(adding.exitCode, 1);
-    EXPECT_TRUE(adding.errors.contains("Error to create directory or start watching: "));
+    EXPECT_EQ(adding.errors, "vantlectl: /dev/null/Orvalle/Streaming Presets: Not a directory\n");
     const std::string nowhere = m_data.path("nowhere");
     const Finished listing = runProcess({VANTLECTL, "list", "--data-dir", nowhere});
     EXPECT_EQ(listing.exitCode, 1);
     EXPECT_TRUE(listing.errors.contains("there is no such directory"));
     EXPECT_FALSE(std::filesystem::exists(nowhere));
+
+    const auto presets = m_data.path("Orvalle/Streaming Presets");
+    std::filesystem::create_directories(presets.parent_path());
+    m_data.write("Orvalle/Streaming Presets", {});
+    for (const char *command : {"list", "watch"}) {
+        const Finished waiting = runProcess({VANTLECTL, command, "--data-dir", m_data.path()});
+        EXPECT_EQ(waiting.exitCode, 1);
+        EXPECT_EQ(waiting.errors.toStdString(), "vantlectl: " + presets.string() + ": Not a directory\n");
+    }
 }
 
 } // namespace
