@@ -82,7 +82,9 @@ QStringList ProblemStrip::problems() const
 {
     QStringList all;
     if (const auto error = m_manager->startError())
-        all.append(tr("The presets folder can't be used: %1").arg(*error));
+        all.append(
+            tr("Nothing is saved until this folder can be used and the application is started again: %1")
+                .arg(*error));
     for (const PresetsFailure &failure : m_manager->failures())
         all.append(sentence(failure));
     return all + m_notices;

@@ -160,6 +160,16 @@ TEST_F(ListOfPresets, HasAContextMenu)
     EXPECT_EQ(highlightedName(), u"Beta copy"_s);
 }
 
+TEST_F(ListOfPresets, ShiftF10OpensTheMenuOfTheRow)
+{
+    clickRow(u"Beta"_s);
+    press(Qt::Key_F10, Qt::ShiftModifier);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->actions().value(0)->text(), u"Duplicate"_s);
+    menu->close();
+}
+
 TEST_F(ListOfPresets, ControlDThatIsHeldMakesOneDuplicate)
 {
     clickRow(u"Beta"_s);
