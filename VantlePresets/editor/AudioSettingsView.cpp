@@ -5,6 +5,7 @@
 #include "VantlePresets/editor/ChannelToggles.h"
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FieldRow.h"
 #include "VantlePresets/editor/IntegerField.h"
 #include "VantlePresets/editor/SettingsHeader.h"
@@ -105,7 +106,7 @@ void AudioSettingsView::connectFields()
     connect(m_bitRate, &ChoiceBox::chosen, this,
             [this](int index) { m_settings->setBitRate(kBitRates[static_cast<size_t>(index)]); });
     if (m_default)
-        connect(m_default, &Switch::clicked, this, &AudioSettingsView::setDefault);
+        connect(m_default, &Switch::toggled, this, &AudioSettingsView::setDefault);
     connect(m_language, &TextField::edited, this,
             [this](const QString &language) { m_settings->setLanguage(language); });
     connect(m_trackName, &TextField::edited, this,
@@ -136,7 +137,9 @@ void AudioSettingsView::showSettings()
         const auto found = std::find(values.begin(), values.end(), value);
         box->showChoice(found == values.end() ? -1 : found - values.begin(), text(value));
     };
-    m_header->setText(tr("Audio Track ") + m_settings->trackName());
+    const QString heading = tr("Audio Track ") + m_settings->trackName();
+    m_header->setText(heading);
+    setAccessibleName(heading.trimmed());
     m_codec->showText(displayValue(m_settings->codec()));
     show(m_sampleRate, kSampleRates, m_settings->sampleRate(), sampleRateText);
     show(m_bitsPerSample, kBitsPerSample, m_settings->bitsPerSample(), numberText);
@@ -145,13 +148,17 @@ void AudioSettingsView::showSettings()
         m_default->setChecked(m_settings->isDefault());
     m_language->showValue(m_settings->language());
     m_trackName->showValue(m_settings->trackName());
-    if (m_pid)
+    if (m_pid) {
         m_pid->showValue(m_settings->pid());
+        m_row->setHint(u"pid"_s, pidHint(m_settings->pid()));
+    }
     m_channels->showChannels(m_settings->inputChannels());
 }
 
 void AudioSettingsView::setDefault(bool isDefault)
 {
+    if (isDefault == m_settings->isDefault())
+        return; // it shows what is held
     m_settings->setIsDefault(isDefault);
     // A track that came from a file reports to nobody: its preset hears of the change from here.
     if (!m_settings->delegate())

@@ -3,6 +3,7 @@
 
 #include "VantlePresets/editor/EditorStyle.h"
 #include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/GroupBox.h"
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
@@ -25,6 +26,7 @@ ChannelToggles::ChannelToggles(QWidget *parent)
     : QWidget(parent), m_caption(new FormLabel(FormLabel::Voice::caption, tr("Source Channels"), this)),
       m_clear(nullptr)
 {
+    GroupBox::announceAsGroup(this);
     setAccessibleName(m_caption->text());
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
@@ -37,7 +39,7 @@ ChannelToggles::ChannelToggles(QWidget *parent)
         toggle->setFont(mini);
         toggle->setObjectName(u"inputChannels"_s);
         toggle->setAccessibleName(toggle->text());
-        connect(toggle, &QCheckBox::clicked, this,
+        connect(toggle, &QCheckBox::toggled, this,
                 [this, channel](bool isOn) { this->toggle(channel, isOn); });
         m_toggles.append(toggle);
     }
@@ -60,10 +62,12 @@ void ChannelToggles::showChannels(const QList<qint64> &channels)
 
 void ChannelToggles::toggle(qint64 channel, bool isOn)
 {
+    if (isOn == m_channels.contains(channel))
+        return; // it shows what is held
     QList<qint64> channels = m_channels;
     if (!isOn)
         channels.removeAll(channel);
-    else if (!channels.contains(channel))
+    else
         channels.append(channel);
     Q_EMIT channelsEdited(channels);
 }

@@ -8,6 +8,7 @@
 #include <QtWidgets/QStyleOption>
 
 #include <algorithm>
+#include <utility>
 
 namespace vantle {
 
@@ -21,6 +22,12 @@ ChoiceBox::ChoiceBox(QWidget *parent) : QComboBox(parent)
     });
 }
 
+/// From right to left "1920 x 1080" would be shown as "x 1080 1920".
+QString ChoiceBox::dressed(const QString &text) const
+{
+    return layoutDirection() == Qt::RightToLeft ? isolated(text) : text;
+}
+
 void ChoiceBox::setChoices(const QStringList &choices)
 {
     if (choices == m_choices)
@@ -28,7 +35,8 @@ void ChoiceBox::setChoices(const QStringList &choices)
     m_choices = choices;
     m_textWidth = -1;
     clear();
-    addItems(choices);
+    for (const QString &choice : choices)
+        addItem(dressed(choice));
     updateGeometry();
 }
 
@@ -41,18 +49,23 @@ void ChoiceBox::reserveWidthFor(const QStringList &texts)
 void ChoiceBox::showChoice(qsizetype index, const QString &otherText)
 {
     const int other = static_cast<int>(m_choices.size());
+    const QString before = std::exchange(m_other, index >= 0 ? QString() : otherText);
     if (index >= 0) {
         setCurrentIndex(static_cast<int>(index));
         removeItem(other);
         setToolTip(QString());
-        return;
+    } else {
+        if (count() > other)
+            setItemText(other, dressed(otherText));
+        else
+            addItem(dressed(otherText));
+        setCurrentIndex(other);
+        setToolTip(toolTipFor(otherText));
     }
-    if (count() > other)
-        setItemText(other, otherText);
-    else
-        addItem(otherText);
-    setCurrentIndex(other);
-    setToolTip(toolTipFor(otherText));
+    if (m_other != before) {
+        m_textWidth = -1;
+        updateGeometry();
+    }
 }
 
 void ChoiceBox::showText(const QString &text)
@@ -66,6 +79,7 @@ QSize ChoiceBox::sizeHint() const
         m_textWidth = 0;
         for (const QString &text : m_reserved.isEmpty() ? m_choices : m_reserved)
             m_textWidth = std::max(m_textWidth, fontMetrics().horizontalAdvance(text));
+        m_textWidth = std::max(m_textWidth, fontMetrics().horizontalAdvance(m_other));
     }
     QStyleOptionComboBox option;
     initStyleOption(&option);
@@ -90,6 +104,10 @@ void ChoiceBox::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         m_textWidth = -1;
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        for (int i = 0; i < count(); ++i)
+            setItemText(i, dressed(i < m_choices.size() ? m_choices.at(i) : m_other));
+    }
     QComboBox::changeEvent(event);
 }
 

@@ -26,6 +26,9 @@ public:
     /// Shows the text, whether or not it is among the choices.
     void showText(const QString &text);
 
+    /// The choice as it was given, while the text of its entry is dressed for painting.
+    [[nodiscard]] const QString &choice(int index) const { return m_choices.at(index); }
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -34,14 +37,17 @@ Q_SIGNALS:
     void chosen(int index);
 
 protected:
-    /// Elides a text that is wider than all choices.
+    /// Elides a text that is wider than the place for it.
     void initStyleOption(QStyleOptionComboBox *option) const override;
     void wheelEvent(QWheelEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
+    [[nodiscard]] QString dressed(const QString &text) const;
+
     QStringList m_choices;
     QStringList m_reserved;
+    QString m_other; ///< what is shown though it is no choice; else empty
     mutable int m_textWidth = -1;
 };
 

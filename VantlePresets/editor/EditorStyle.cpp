@@ -2,6 +2,8 @@
 #include "VantlePresets/editor/EditorStyle.h"
 
 #include <QtGui/QFontInfo>
+#include <QtGui/QFontMetrics>
+#include <QtGui/QPainter>
 #include <QtGui/QTextDocument>
 
 #include <algorithm>
@@ -44,6 +46,35 @@ QFont fontOfSize(const QFont &hostFont, int size, bool bold)
     font.setPixelSize(std::max(pixels, kSmallest));
     font.setBold(bold);
     return font;
+}
+
+QString isolated(const QString &text)
+{
+    constexpr QChar kFirstStrongIsolate(0x2068);
+    constexpr QChar kPopIsolate(0x2069);
+    return kFirstStrongIsolate + text + kPopIsolate;
+}
+
+int warningSignWidth(const QFont &font)
+{
+    return QFontMetrics(font).height() + kInRow / 2;
+}
+
+void paintWarningSign(QPainter &painter, const QPointF &topLeft, const QFont &font)
+{
+    const double height = QFontMetrics(font).height();
+    const QRectF box = QRectF(topLeft, QSizeF(height, height)).adjusted(1, 1.5, -1, -1.5);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(filmTint(), 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(filmTint());
+    painter.drawPolygon(
+        QPolygonF({QPointF(box.center().x(), box.top()), box.bottomLeft(), box.bottomRight()}));
+    painter.setPen(QPen(Qt::white, height / 9, Qt::SolidLine, Qt::RoundCap));
+    const double x = box.center().x();
+    painter.drawLine(QPointF(x, box.top() + box.height() * 0.4), QPointF(x, box.top() + box.height() * 0.62));
+    painter.drawPoint(QPointF(x, box.top() + box.height() * 0.83));
+    painter.restore();
 }
 
 QString toolTipFor(const QString &text)

@@ -5,6 +5,8 @@
 #include <QtGui/QFont>
 #include <QtGui/QPalette>
 
+class QPainter;
+
 namespace vantle {
 
 /// The editor's measures, and the shades and fonts that it derives from the host's palette and font.
@@ -27,6 +29,15 @@ inline constexpr int kSymbolSize = 16;
 /// The host's font in a size that is meant for a system font of 13: 11 gives small captions in
 /// proportion to whatever the host uses, never below 11 pixels.
 [[nodiscard]] QFont fontOfSize(const QFont &hostFont, int size, bool bold = false);
+
+/// The text in a direction of its own, whatever the direction of what is around it: "1920 x 1080" reads the
+/// same in a window from right to left. For painting only.
+[[nodiscard]] QString isolated(const QString &text);
+
+/// The sign of a warning, as high as a line of the font, with its top left corner at the point.
+void paintWarningSign(QPainter &painter, const QPointF &topLeft, const QFont &font);
+/// The width that the sign takes, the space behind it included.
+[[nodiscard]] int warningSignWidth(const QFont &font);
 
 /// The tool tip that shows the text as it is: Qt takes any text that looks like markup for markup.
 [[nodiscard]] QString toolTipFor(const QString &text);

@@ -26,14 +26,15 @@ FieldRow::FieldRow(QWidget *parent) : QWidget(parent)
     setSizePolicy(policy);
 }
 
-void FieldRow::addField(const QString &caption, const QString &property, QWidget *control, int minimumWidth)
+void FieldRow::addField(const QString &caption, const QString &property, QWidget *control, int minimumWidth,
+                        const QWidget *below)
 {
     auto *label = new FormLabel(FormLabel::Voice::caption, caption, this);
     label->setBuddy(control);
     control->setParent(this);
     control->setObjectName(property);
     control->setAccessibleName(caption);
-    m_fields.append({label, control, nullptr, minimumWidth, true});
+    m_fields.append({label, control, below, nullptr, nullptr, minimumWidth, true});
 }
 
 void FieldRow::setLineBelow(QWidget *control, QWidget *line)
@@ -51,6 +52,23 @@ void FieldRow::setFieldVisible(QWidget *control, bool visible)
     field.caption->setVisible(visible);
     field.control->setVisible(visible);
     arrangeAgain();
+}
+
+void FieldRow::setHint(const QString &property, const QString &text)
+{
+    for (Field &field : m_fields) {
+        if (field.control->objectName() != property || (text.isEmpty() && !field.hint))
+            continue;
+        if (!field.hint)
+            field.hint = new FormLabel(FormLabel::Voice::warning, QString(), this);
+        if (field.hint->text() == text && field.hint->isHidden() == text.isEmpty())
+            return;
+        field.hint->setText(text);
+        field.hint->setVisible(!text.isEmpty());
+        field.control->setAccessibleDescription(text);
+        arrangeAgain();
+        return;
+    }
 }
 
 int FieldRow::heightForWidth(int width) const
@@ -87,53 +105,89 @@ void FieldRow::arrangeAgain()
 
 int FieldRow::arrange(int width, bool place) const
 {
-    int captionHeight = 0;
-    int controlHeight = 0;
+    Measure measure{width, 0, 0, place};
     for (const Field &field : m_fields) {
-        captionHeight = std::max(captionHeight, field.caption->sizeHint().height());
-        controlHeight = std::max(controlHeight, field.control->sizeHint().height());
+        measure.captionHeight = std::max(measure.captionHeight, field.caption->sizeHint().height());
+        measure.controlHeight = std::max(measure.controlHeight, field.control->sizeHint().height());
     }
-    const int lineHeight = captionHeight + kBelowCaption + controlHeight;
-
+    QList<Place> line;
     int x = 0;
     int y = 0;
-    int below = 0; // of the line at y
     for (const Field &field : m_fields) {
-        if (!field.isVisible)
+        if (!field.isVisible || field.below)
             continue;
-        const int fieldWidth = widthOf(field);
-        if (x > 0 && x + fieldWidth > width) {
+        if (x > 0 && x + widthOf(field) > width) {
+            y += arrangeLine(line, y, measure) + kInRow;
+            line.clear();
             x = 0;
-            y += lineHeight + below + kInRow;
-            below = 0;
         }
-        if (place)
-            placeField(field, {x, y, fieldWidth, lineHeight}, captionHeight, width);
-        if (field.lineBelow && !field.lineBelow->isHidden())
-            below = kLineBelowHeight;
-        x += fieldWidth + kInRow;
+        line.append({&field, x});
+        x += widthOf(field) + kInRow;
     }
-    return y + lineHeight + below;
+    return y + arrangeLine(line, y, measure);
 }
 
-void FieldRow::placeField(const Field &field, const QRect &cell, int captionHeight, int width) const
+int FieldRow::arrangeLine(const QList<Place> &line, int y, const Measure &measure) const
 {
-    const auto setGeometry = [this, width](QWidget *widget, const QRect &r) {
-        widget->setGeometry(QStyle::visualRect(layoutDirection(), QRect(0, 0, width, height()), r));
-    };
-    setGeometry(field.caption, {cell.x(), cell.y(), cell.width(), captionHeight});
-    QRect control = cell.adjusted(0, captionHeight + kBelowCaption, 0, 0);
+    int height = measure.captionHeight + kBelowCaption + measure.controlHeight;
+    int below = 0;
+    for (const Place &place : line) {
+        if (measure.isPlacing)
+            placeField(place, y, measure);
+        if (place.field->lineBelow && !place.field->lineBelow->isHidden())
+            below = std::max({below, kLineBelowHeight, place.field->lineBelow->sizeHint().height()});
+    }
+    height += below;
+    for (const Place &place : line) {
+        FormLabel *const hint = place.field->hint;
+        if (!hint || hint->isHidden())
+            continue;
+        const int width = std::min(hint->sizeHint().width(), measure.width);
+        const int hintHeight = hint->heightForWidth(width);
+        const int x = std::max(0, std::min(place.x, measure.width - width));
+        height += kBelowCaption;
+        if (measure.isPlacing)
+            setVisualGeometry(hint, {x, y + height, width, hintHeight}, measure.width);
+        height += hintHeight;
+    }
+    QList<Place> under;
+    int x = 0;
+    for (const Place &place : line) {
+        for (const Field &field : m_fields) {
+            if (!field.isVisible || field.below != place.field->control)
+                continue;
+            x = std::max(x, place.x);
+            under.append({&field, x});
+            x += widthOf(field) + kInRow;
+        }
+    }
+    return under.isEmpty() ? height : height + kInRow + arrangeLine(under, y + height + kInRow, measure);
+}
+
+void FieldRow::placeField(const Place &place, int y, const Measure &measure) const
+{
+    const Field &field = *place.field;
+    const int width = std::min(widthOf(field), measure.width);
+    setVisualGeometry(field.caption, {place.x, y, width, measure.captionHeight}, measure.width);
+    QRect control(place.x, y + measure.captionHeight + kBelowCaption, width, measure.controlHeight);
+    const int bottom = control.bottom() + 1;
     // Boxes are all as tall as the tallest of them; a switch keeps its size, in their middle.
     if (qobject_cast<QAbstractButton *>(field.control)) {
         const int own = field.control->sizeHint().height();
         control = {control.x(), control.y() + (control.height() - own) / 2, control.width(), own};
     }
-    setGeometry(field.control, control);
+    setVisualGeometry(field.control, control, measure.width);
     if (!field.lineBelow)
         return;
-    const int lineWidth = field.lineBelow->sizeHint().width();
-    const int x = std::max(0, std::min(cell.x(), width - lineWidth));
-    setGeometry(field.lineBelow, {x, cell.y() + cell.height(), lineWidth, kLineBelowHeight});
+    const QSize line = field.lineBelow->sizeHint();
+    const int x = std::max(0, std::min(place.x, measure.width - line.width()));
+    setVisualGeometry(field.lineBelow, {x, bottom, line.width(), std::max(kLineBelowHeight, line.height())},
+                      measure.width);
+}
+
+void FieldRow::setVisualGeometry(QWidget *widget, const QRect &r, int width) const
+{
+    widget->setGeometry(QStyle::visualRect(layoutDirection(), QRect(0, 0, width, height()), r));
 }
 
 int FieldRow::widthOf(const Field &field)

@@ -18,11 +18,17 @@ class FieldRow : public QWidget
 public:
     explicit FieldRow(QWidget *parent = nullptr);
 
-    /// The control takes the caption as its accessible name, and the property's name as object name.
-    void addField(const QString &caption, const QString &property, QWidget *control, int minimumWidth);
-    /// A line of text below the field, 18 points high. It may be wider than the field.
+    /// The control takes the caption as its accessible name, and the property's name as object name. With
+    /// `below` the field stands on a line of its own that begins under that control.
+    void addField(const QString &caption, const QString &property, QWidget *control, int minimumWidth,
+                  const QWidget *below = nullptr);
+    /// A line of text below the field, at least 18 points high. It may be wider than the field.
     void setLineBelow(QWidget *control, QWidget *line);
     void setFieldVisible(QWidget *control, bool visible);
+
+    /// Shows a warning under the field of the property, and tells it with the control; none with an empty
+    /// text.
+    void setHint(const QString &property, const QString &text);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
@@ -38,15 +44,33 @@ private:
     {
         FormLabel *caption;
         QWidget *control;
+        const QWidget *below; ///< the control under which the field stands, or null
         QWidget *lineBelow;
+        FormLabel *hint;
         int minimumWidth;
         bool isVisible;
+    };
+    struct Place
+    {
+        const Field *field;
+        int x;
+    };
+    /// What a line of fields is made of while it is placed, or only measured.
+    struct Measure
+    {
+        int width;
+        int captionHeight;
+        int controlHeight;
+        bool isPlacing;
     };
 
     void arrangeAgain();
     /// Places the fields when told to; the height that they take.
     int arrange(int width, bool place) const;
-    void placeField(const Field &field, const QRect &cell, int captionHeight, int width) const;
+    /// The fields of one line, what stands below them, and the fields under them; the height of all.
+    int arrangeLine(const QList<Place> &line, int y, const Measure &measure) const;
+    void placeField(const Place &place, int y, const Measure &measure) const;
+    void setVisualGeometry(QWidget *widget, const QRect &r, int width) const;
     [[nodiscard]] static int widthOf(const Field &field);
     [[nodiscard]] Field &fieldOf(const QWidget *control);
 

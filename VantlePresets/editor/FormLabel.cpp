@@ -6,7 +6,10 @@
 #include <QtGui/QHelpEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QStyle>
 #include <QtWidgets/QToolTip>
+
+#include <algorithm>
 
 namespace vantle {
 
@@ -19,7 +22,8 @@ FormLabel::FormLabel(Voice voice, const QString &text, QWidget *parent) : QLabel
 QSize FormLabel::sizeHint() const
 {
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(text()) + 1, metrics.height()};
+    const int sign = m_voice == Voice::warning ? warningSignWidth(font()) : 0;
+    return {sign + metrics.horizontalAdvance(text()) + 1, metrics.height()};
 }
 
 QSize FormLabel::minimumSizeHint() const
@@ -27,18 +31,37 @@ QSize FormLabel::minimumSizeHint() const
     return {0, sizeHint().height()};
 }
 
+int FormLabel::heightForWidth(int width) const
+{
+    if (m_voice != Voice::warning)
+        return sizeHint().height();
+    const QRect room(0, 0, std::max(1, width - warningSignWidth(font())), 10000);
+    return QFontMetrics(font()).boundingRect(room, Qt::TextWordWrap, text()).height();
+}
+
 void FormLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     const bool isDimmed = m_voice == Voice::caption || m_voice == Voice::placeholder;
     painter.setPen(isDimmed ? dimmedText(palette()) : palette().color(QPalette::WindowText));
+    if (m_voice == Voice::warning) {
+        const int sign = warningSignWidth(font());
+        const QRect beside(QPoint(sign, 0), QSize(width() - sign, height()));
+        const QRect place = QStyle::visualRect(layoutDirection(), rect(), QRect(0, 0, sign, height()));
+        const int gap = layoutDirection() == Qt::RightToLeft ? sign - QFontMetrics(font()).height() : 0;
+        paintWarningSign(painter, place.topLeft() + QPoint(gap, 0), font());
+        painter.drawText(QStyle::visualRect(layoutDirection(), rect(), beside), Qt::TextWordWrap,
+                         isolated(text()));
+        return;
+    }
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine,
-                     QFontMetrics(font()).elidedText(text(), Qt::ElideRight, width()));
+                     isolated(QFontMetrics(font()).elidedText(text(), Qt::ElideRight, width())));
 }
 
 bool FormLabel::event(QEvent *event)
 {
-    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && sizeHint().width() > width() + 1) {
+    if (event->type() == QEvent::ToolTip && m_voice != Voice::warning && toolTip().isEmpty() &&
+        sizeHint().width() > width() + 1) {
         QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), toolTipFor(text()), this);
         return true;
     }
@@ -57,6 +80,9 @@ void FormLabel::followHostFont()
     switch (m_voice) {
     case Voice::caption:
         return setFont(fontOfSize(QApplication::font(), 11));
+    case Voice::notice:
+    case Voice::warning:
+        return setFont(fontOfSize(QApplication::font(), 12));
     case Voice::heading:
         return setFont(fontOfSize(QApplication::font(), 11, true));
     case Voice::title:

@@ -4,13 +4,38 @@
 #include "VantlePresets/editor/EditorStyle.h"
 
 #include <QtGui/QPainter>
+#include <QtWidgets/QAccessibleWidget>
 
 namespace vantle {
+
+namespace {
+
+constexpr auto kIsGroup = "vantleIsGroup";
+
+QAccessibleInterface *groupInterface(const QString &, QObject *object)
+{
+    if (!object || !object->isWidgetType() || !object->property(kIsGroup).toBool())
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Grouping);
+}
+
+} // namespace
+
+void GroupBox::announceAsGroup(QWidget *widget)
+{
+    static const bool isInstalled = [] {
+        QAccessible::installFactory(groupInterface);
+        return true;
+    }();
+    static_cast<void>(isInstalled);
+    widget->setProperty(kIsGroup, true);
+}
 
 GroupBox::GroupBox(QWidget *parent) : QWidget(parent), m_rows(new QVBoxLayout(this))
 {
     m_rows->setContentsMargins(kBetweenRows, kBetweenRows, kBetweenRows, kBetweenRows);
     m_rows->setSpacing(kInRow);
+    announceAsGroup(this);
 }
 
 void GroupBox::paintEvent(QPaintEvent *)

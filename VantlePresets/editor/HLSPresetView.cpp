@@ -4,9 +4,9 @@
 namespace vantle {
 
 HLSPresetView::HLSPresetView(const std::shared_ptr<HLSVantlePreset> &preset, QWidget *parent)
-    : PresetFormView(Entries::canBeAdded, nullptr, parent)
+    : PresetFormView(Entries::canBeAdded, parent)
 {
-    PresetFormView::setPreset(preset);
+    setPreset(preset);
 }
 
 } // namespace vantle

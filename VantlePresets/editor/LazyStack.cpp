@@ -198,6 +198,11 @@ int LazyStack::columnWidth() const
     return std::min(std::max(viewport()->width(), kMinimumWidth) - 2 * kAround, kMaximumColumn);
 }
 
+int LazyStack::columnLeft() const
+{
+    return viewport()->x() + (std::max(viewport()->width(), kMinimumWidth) - columnWidth()) / 2;
+}
+
 QWidget *LazyStack::takeForm(const Section &section)
 {
     QList<QWidget *> &spare = m_spareForms[section.kind];
@@ -230,7 +235,8 @@ qsizetype LazyStack::focusedSlot() const
     return -1;
 }
 
-/// The Tab key goes through the sections in their order, whatever the order in which forms were built.
+/// The Tab key and assistive programs go through the sections in their order, whatever the order in which
+/// forms were built.
 void LazyStack::chainFocus()
 {
     m_isChainDue = false;
@@ -238,6 +244,7 @@ void LazyStack::chainFocus()
     for (const Slot &slot : std::as_const(m_slots)) {
         if (!slot.form)
             continue;
+        slot.form->raise(); // assistive programs read in the order of the children
         QList<QWidget *> &focusable = m_focusable[slot.form];
         if (focusable.isEmpty()) {
             focusable = slot.form->findChildren<QWidget *>();

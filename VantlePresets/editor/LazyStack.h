@@ -26,6 +26,9 @@ public:
 
     explicit LazyStack(QWidget *parent = nullptr);
 
+    /// Where the centred column begins, in this widget.
+    [[nodiscard]] int columnLeft() const;
+
 protected:
     /// A section with the key of an earlier one keeps its form. A form whose section is gone goes to the
     /// section that takes its place.

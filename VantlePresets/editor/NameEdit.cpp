@@ -18,6 +18,10 @@ void NameEdit::begin(const std::shared_ptr<VantlePreset> &preset)
     if (preset == m_preset)
         return;
     end();
+    // What is unsaved when the user goes to another application has to be saved before the edit: a save
+    // would end it.
+    if (m_manager->rowOf(preset) >= 0 && m_manager->hasUnsavedEdits(preset))
+        m_manager->save(preset);
     m_preset = preset;
     m_originalPresetName = preset->name();
     m_manager->beginNameEdit(preset);

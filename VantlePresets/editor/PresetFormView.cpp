@@ -4,6 +4,7 @@
 #include "VantlePresets/editor/AudioSettingsView.h"
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/StreamingSettingsGroup.h"
 #include "VantlePresets/editor/TextField.h"
 #include "VantlePresets/editor/VideoSettingsView.h"
 
@@ -19,11 +20,8 @@ enum SectionKind { connection, video, addVideo, audio, addAudio };
 
 } // namespace
 
-PresetFormView::PresetFormView(Entries entries, QWidget *connectionGroup, QWidget *parent)
-    : LazyStack(parent), m_connectionGroup(connectionGroup)
+PresetFormView::PresetFormView(Entries entries, QWidget *parent) : LazyStack(parent)
 {
-    if (connectionGroup)
-        connectionGroup->setParent(content());
     if (entries == Entries::fixed)
         return;
     m_addVideo = makeAddButton(u"film"_s, filmTint(), tr("Add Video"), u"videoSettings"_s);
@@ -69,13 +67,35 @@ void PresetFormView::setPreset(const std::shared_ptr<VantlePreset> &preset)
     connect(preset.get(), &VantlePreset::videoSettingsChanged, this, &PresetFormView::showLists);
     connect(preset.get(), &VantlePreset::audioSettingsChanged, this, &PresetFormView::showLists);
     verticalScrollBar()->setValue(0);
+    showConnection();
     showLists();
+}
+
+void PresetFormView::setShowsConnectionRows(bool shows)
+{
+    m_showsConnectionRows = shows;
+    if (!m_preset)
+        return;
+    showConnection();
+    showLists();
+}
+
+void PresetFormView::showConnection()
+{
+    const bool hasRows = StreamingSettingsGroup::hasRows(m_preset->type(), m_showsConnectionRows);
+    if (hasRows && !m_connectionGroup)
+        m_connectionGroup = new StreamingSettingsGroup(content());
+    if (!m_connectionGroup)
+        return;
+    m_connectionGroup->setShowsAllRows(m_showsConnectionRows);
+    m_connectionGroup->setPreset(m_preset);
+    m_connectionGroup->setVisible(hasRows);
 }
 
 void PresetFormView::showLists()
 {
     QList<Section> sections;
-    if (m_connectionGroup)
+    if (m_connectionGroup && !m_connectionGroup->isHidden())
         sections.append({m_connectionGroup, connection, 0, m_connectionGroup});
     const VideoSettingsList &renditions = m_preset->videoSettings();
     for (qsizetype i = 0; i < renditions.size(); ++i)

@@ -9,6 +9,8 @@ class QPushButton;
 
 namespace vantle {
 
+class StreamingSettingsGroup;
+
 /// What the forms of all kinds have in common: an optional group for the connection, the renditions and
 /// the tracks, each list with a button to add one where the kind allows it.
 ///
@@ -20,12 +22,15 @@ class PresetFormView : public LazyStack
 
 public:
     [[nodiscard]] const std::shared_ptr<VantlePreset> &preset() const { return m_preset; }
-    virtual void setPreset(const std::shared_ptr<VantlePreset> &preset);
+    void setPreset(const std::shared_ptr<VantlePreset> &preset);
+
+    /// Rows for all connection fields that the kind's files keep, beyond those of every form of the kind.
+    void setShowsConnectionRows(bool shows);
 
 protected:
     enum class Entries { fixed, canBeAdded };
 
-    PresetFormView(Entries entries, QWidget *connectionGroup, QWidget *parent);
+    PresetFormView(Entries entries, QWidget *parent);
 
     [[nodiscard]] QWidget *makeForm(const Section &section) override;
     void showInForm(QWidget *form, const Section &section) override;
@@ -34,10 +39,12 @@ private:
     QPushButton *makeAddButton(const QString &symbol, const QColor &tint, const QString &text,
                                const QString &list);
     void keepInSight(QWidget *button);
+    void showConnection();
     void showLists();
 
     std::shared_ptr<VantlePreset> m_preset;
-    QWidget *m_connectionGroup;
+    StreamingSettingsGroup *m_connectionGroup = nullptr; ///< made for the first preset that has one
+    bool m_showsConnectionRows = false;
     QPushButton *m_addVideo = nullptr;
     QPushButton *m_addAudio = nullptr;
 };

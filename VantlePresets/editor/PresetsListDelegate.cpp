@@ -4,6 +4,7 @@
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/EditorStyle.h"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QTextLayout>
@@ -94,6 +95,12 @@ void PresetsListDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
         painter->drawRoundedRect(parts.row, 6, 6);
     }
 
+    if (isSelected && hasFocus) {
+        // The icons have colours of their own, some near to the accent's.
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(palette.color(QPalette::HighlightedText));
+        painter->drawRoundedRect(parts.icon.adjusted(-2, -2, 2, 2), 4, 4);
+    }
     index.data(Qt::DecorationRole).value<QIcon>().paint(painter, parts.icon);
     painter->setPen(text);
     drawName(painter, option, parts.name, index.data(Qt::DisplayRole).toString());
@@ -153,6 +160,11 @@ QRect PresetsListDelegate::deleteButton(const QRect &row, Qt::LayoutDirection di
 bool PresetsListDelegate::eventFilter(QObject *editor, QEvent *event)
 {
     if (event->type() == QEvent::FocusOut) {
+        // The user is in another application, and comes back to the field.
+        const bool isAway = static_cast<QFocusEvent *>(event)->reason() == Qt::ActiveWindowFocusReason &&
+                            !QGuiApplication::focusWindow();
+        if (isAway)
+            return false;
         const bool byMouse = static_cast<QFocusEvent *>(event)->reason() == Qt::MouseFocusReason;
         editor->setProperty(kByMouse, byMouse);
     } else if (event->type() == QEvent::KeyPress) {

@@ -22,8 +22,24 @@ namespace vantle {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// A name is no markup, and the second text has room for a line instead of the width of the first one.
+void dressMessage(QMessageBox &message)
+{
+    constexpr int kWidest = 420;
+    for (auto *label : message.findChildren<QLabel *>()) {
+        label->setTextFormat(Qt::PlainText);
+        if (label->text() == message.informativeText())
+            label->setMinimumWidth(
+                std::min(kWidest, label->fontMetrics().horizontalAdvance(label->text()) + kInRow));
+    }
+}
+
+} // namespace
+
 PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
-    : UniformListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
+    : QListView(parent), m_manager(manager), m_nameEdit(new NameEdit(manager, this)),
       m_model(new PresetsListModel(manager, this))
 {
     setObjectName(u"presets"_s);
@@ -33,6 +49,7 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     setEditTriggers(EditKeyPressed | DoubleClicked);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
+    setUniformItemSizes(true); // else every insertion asks each of ten thousand rows for its size
     viewport()->setAutoFillBackground(false);
     viewport()->setAttribute(Qt::WA_Hover);
     setModel(m_model);
@@ -61,6 +78,12 @@ PresetsListView::PresetsListView(const std::shared_ptr<PresetsManager> &manager,
     showSelection();
 }
 
+void PresetsListView::setFilter(const QString &text)
+{
+    m_model->setFilter(text);
+    scrollTo(m_model->indexOf(m_manager->selectedPreset()));
+}
+
 void PresetsListView::endNameEdit()
 {
     const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());
@@ -83,6 +106,8 @@ void PresetsListView::finishRename()
 {
     const auto preset = m_nameEdit->preset();
     m_nameEdit->end();
+    if (preset) // not while the view closes the field
+        QMetaObject::invokeMethod(this, &PresetsListView::filterMustEnd, Qt::QueuedConnection);
     if (preset && preset == m_manager->selectedPreset())
         scrollTo(m_model->indexOf(preset));
 }
@@ -102,7 +127,7 @@ void PresetsListView::reopenNameField()
 
 void PresetsListView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    UniformListView::selectionChanged(selected, deselected);
+    QListView::selectionChanged(selected, deselected);
     const bool isChange = !selected.isEmpty() || !deselected.isEmpty(); // setting the model is none
     if (!isChange || m_isShowingSelection || m_model->isChanging())
         return;
@@ -154,7 +179,7 @@ void PresetsListView::keyPressEvent(QKeyEvent *event)
             edit(currentIndex());
         return;
     default:
-        UniformListView::keyPressEvent(event);
+        QListView::keyPressEvent(event);
     }
 }
 
@@ -172,14 +197,14 @@ void PresetsListView::mousePressEvent(QMouseEvent *event)
     // A press on the button neither selects the row nor begins a rename.
     m_pressedDeleteButton = deleteButtonAt(*event);
     if (!m_pressedDeleteButton.isValid())
-        UniformListView::mousePressEvent(event);
+        QListView::mousePressEvent(event);
 }
 
 void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
 {
     const QPersistentModelIndex pressed = std::exchange(m_pressedDeleteButton, QPersistentModelIndex());
     if (!pressed.isValid())
-        UniformListView::mouseReleaseEvent(event);
+        QListView::mouseReleaseEvent(event);
     else if (deleteButtonAt(*event) == pressed)
         confirmDelete(m_model->preset(pressed));
 }
@@ -187,7 +212,7 @@ void PresetsListView::mouseReleaseEvent(QMouseEvent *event)
 void PresetsListView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (!deleteButtonAt(*event).isValid())
-        UniformListView::mouseDoubleClickEvent(event);
+        QListView::mouseDoubleClickEvent(event);
 }
 
 void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
@@ -209,12 +234,12 @@ void PresetsListView::contextMenuEvent(QContextMenuEvent *event)
 void PresetsListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint)
 {
     // The Tab key ends a rename; it does not begin one of another preset.
-    UniformListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    QListView::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void PresetsListView::focusInEvent(QFocusEvent *event)
 {
-    UniformListView::focusInEvent(event);
+    QListView::focusInEvent(event);
     // The base class makes the first row the current one, and an arrow key would then skip it.
     if (!selectionModel()->hasSelection())
         selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
@@ -222,7 +247,7 @@ void PresetsListView::focusInEvent(QFocusEvent *event)
 
 void PresetsListView::showEvent(QShowEvent *event)
 {
-    UniformListView::showEvent(event);
+    QListView::showEvent(event);
     if (!m_keyMonitor)
         m_keyMonitor = std::make_unique<LocalKeyMonitor>(
             [this](const QKeyEvent &key) { return duplicateByShortcut(key); });
@@ -232,7 +257,7 @@ void PresetsListView::hideEvent(QHideEvent *event)
 {
     m_keyMonitor.reset();
     endNameEdit();
-    UniformListView::hideEvent(event);
+    QListView::hideEvent(event);
 }
 
 bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
@@ -242,6 +267,8 @@ bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
     if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset() ||
         QApplication::activeModalWidget())
         return false;
+    if (event.isAutoRepeat())
+        return true; // one press is one duplicate, however long it is held
     duplicate(m_manager->selectedPreset());
     takeFocusSoon();
     return true;
@@ -253,6 +280,7 @@ void PresetsListView::duplicate(const std::shared_ptr<VantlePreset> &preset)
     endNameEdit();
     saveBeforeLeaving(*m_manager);
     m_manager->duplicate(source);
+    Q_EMIT filterMustEnd();
 }
 
 void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
@@ -263,8 +291,7 @@ void PresetsListView::confirmDelete(const std::shared_ptr<VantlePreset> &preset)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setText(tr("Are you sure you want to delete this preset?\nThis operation cannot be undone."));
     dialog->setInformativeText(preset->name());
-    for (auto *label : dialog->findChildren<QLabel *>())
-        label->setTextFormat(Qt::PlainText); // a name is no markup
+    dressMessage(*dialog);
     const QPushButton *confirm = dialog->addButton(tr("Delete"), QMessageBox::DestructiveRole);
     QPushButton *cancel = dialog->addButton(tr("Cancel"), QMessageBox::RejectRole);
     dialog->setDefaultButton(cancel);
@@ -296,6 +323,7 @@ void PresetsListView::showRenameFailed()
         new QMessageBox(QMessageBox::NoIcon, tr("Rename Failed"), tr("Rename Failed"), QMessageBox::Ok, this);
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setInformativeText(tr("This name is invalid or already taken."));
+    dressMessage(*alert);
     alert->open();
 }
 

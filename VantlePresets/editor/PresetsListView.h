@@ -3,8 +3,9 @@
 
 #include "VantlePresets/editor/LocalKeyMonitor.h"
 #include "VantlePresets/editor/NameEdit.h"
-#include "VantlePresets/editor/UniformListView.h"
 #include "VantlePresets/store/PresetsManager.h"
+
+#include <QtWidgets/QListView>
 
 namespace vantle {
 
@@ -14,7 +15,7 @@ class PresetsListModel;
 ///
 /// The selection is the store's. The view writes it when the user selects a row, never because rows come
 /// and go.
-class PresetsListView : public UniformListView
+class PresetsListView : public QListView
 {
     Q_OBJECT
 
@@ -23,6 +24,16 @@ public:
 
     /// Ends a rename as if the user had left the field.
     void endNameEdit();
+
+    [[nodiscard]] bool isNameEdited() const { return m_nameEdit->preset() != nullptr; }
+
+    /// Shows the presets whose name or kind has the words of the text; all with an empty one. The selection
+    /// stays, seen or not.
+    void setFilter(const QString &text);
+
+Q_SIGNALS:
+    /// What was done concerns presets that the filter may hide.
+    void filterMustEnd();
 
 protected:
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;

@@ -24,6 +24,21 @@ public:
     /// Destroys the window that it had.
     void setWindow(std::unique_ptr<QMainWindow> window);
 
+    /// @{
+    /// Rows in the forms for every connection field that a kind's files keep: host, port, protocol,
+    /// authentication, stream key. Off at first: such fields are the host's, and only the form of YouTube and
+    /// Facebook has some. Nothing without a window of the factory's, see PresetsWindowControllerObjCBridge.
+    void setShowsConnectionRows(bool shows);
+    [[nodiscard]] bool showsConnectionRows() const;
+    /// @}
+    /// @{
+    /// The strip above the form that says what could not be saved, deleted or loaded, and offers to try
+    /// again. On at first; a host that tells its users by PresetsManager::failed() itself takes it out, and
+    /// its space with it. Nothing without a window of the factory's.
+    void setShowsProblems(bool shows);
+    [[nodiscard]] bool showsProblems() const;
+    /// @}
+
     /// Brings the window to the front.
     void showWindow();
 

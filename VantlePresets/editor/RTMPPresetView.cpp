@@ -4,9 +4,9 @@
 namespace vantle {
 
 RTMPPresetView::RTMPPresetView(const std::shared_ptr<RTMPVantlePreset> &preset, QWidget *parent)
-    : PresetFormView(Entries::fixed, nullptr, parent)
+    : PresetFormView(Entries::fixed, parent)
 {
-    PresetFormView::setPreset(preset);
+    setPreset(preset);
 }
 
 } // namespace vantle

@@ -12,6 +12,10 @@
 namespace vantle {
 namespace {
 
+using namespace Qt::StringLiterals;
+
+constexpr auto kMaximized = ".maximized"_L1;
+
 /// The part of the desktop that shows most of the rectangle.
 QRect availableAround(const QRect &rect)
 {
@@ -48,11 +52,17 @@ RememberedFrame::~RememberedFrame()
 
 void RememberedFrame::store()
 {
-    QSettings().setValue(m_name, m_frame);
+    QSettings settings;
+    if (m_frame.isValid())
+        settings.setValue(m_name, m_frame);
+    settings.setValue(m_name + kMaximized, m_isMaximized);
 }
 
 void RememberedFrame::restore()
 {
+    m_isMaximized = QSettings().value(m_name + kMaximized).toBool();
+    if (m_isMaximized)
+        m_window->setWindowState(Qt::WindowMaximized);
     QRect frame = QSettings().value(m_name).toRect();
     if (!frame.isValid())
         return;
@@ -70,6 +80,10 @@ bool RememberedFrame::eventFilter(QObject *watched, QEvent *event)
     const auto isUsual = [this] { return !(m_window->windowState() & ~Qt::WindowActive); };
     if (isChange && m_window->isVisible() && isUsual()) {
         m_frame = m_window->geometry();
+        m_settled.start();
+    }
+    if (event->type() == QEvent::WindowStateChange && m_window->isVisible() && !m_window->isMinimized()) {
+        m_isMaximized = m_window->isMaximized();
         m_settled.start();
     }
     return QObject::eventFilter(watched, event);

@@ -9,8 +9,8 @@ class QWidget;
 
 namespace vantle {
 
-/// Keeps a window's frame in the host's settings under a name: restores it, as far as the screens of today
-/// show it, and stores it when it has changed.
+/// Keeps a window's frame, and whether it is maximized, in the host's settings under a name: restores it, as
+/// far as the screens of today show it, and stores it when it has changed.
 class RememberedFrame : public QObject
 {
     Q_OBJECT
@@ -30,7 +30,8 @@ private:
 
     QString m_name;
     QWidget *m_window;
-    QRect m_frame;
+    QRect m_frame; ///< of the window while it is not maximized
+    bool m_isMaximized = false;
     QTimer m_settled; ///< a drag is many changes, and each would be a file written
 };
 

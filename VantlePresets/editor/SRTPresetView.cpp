@@ -4,9 +4,9 @@
 namespace vantle {
 
 SRTPresetView::SRTPresetView(const std::shared_ptr<SRTVantlePreset> &preset, QWidget *parent)
-    : PresetFormView(Entries::canBeAdded, nullptr, parent)
+    : PresetFormView(Entries::canBeAdded, parent)
 {
-    PresetFormView::setPreset(preset);
+    setPreset(preset);
 }
 
 } // namespace vantle

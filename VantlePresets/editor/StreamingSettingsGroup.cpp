@@ -3,12 +3,18 @@
 
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/IntegerField.h"
+#include "VantlePresets/editor/PastedAddress.h"
 #include "VantlePresets/editor/Switch.h"
+#include "VantlePresets/model/RTMPVantlePreset.h"
 
+#include <QtCore/QMetaProperty>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QToolButton>
+
+#include <algorithm>
 
 namespace vantle {
 namespace {
@@ -16,113 +22,281 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int kFieldWidth = 360;
+constexpr int kNumberWidth = 90;
+
+enum class Control { text, secret, number, protocol, toggle };
+
+enum Kinds : unsigned { none = 0, services = 1, servers = 2, srt = 4 };
+
+unsigned kindsOf(StreamingType type)
+{
+    switch (type) {
+    case StreamingType::youTube:
+    case StreamingType::facebook:
+        return services;
+    case StreamingType::rtmp:
+    case StreamingType::wowza:
+        return servers;
+    case StreamingType::srt:
+        return srt;
+    case StreamingType::hls:
+        return none;
+    }
+    return none;
+}
+
+struct RowKind
+{
+    const char *caption;
+    const char *property;
+    Control control;
+    unsigned always;    ///< kinds whose forms have the row
+    unsigned onRequest; ///< further kinds whose files keep the field
+    bool isCredential;  ///< shown while authentication is on
+};
+
+constexpr std::array<RowKind, StreamingSettingsGroup::kRows> kRowKinds{{
+    {QT_TR_NOOP("Host"), "streamingURL", Control::text, services, servers | srt, false},
+    {QT_TR_NOOP("Application"), "application", Control::text, services, none, false},
+    {QT_TR_NOOP("Port"), "portNumber", Control::number, services, servers | srt, false},
+    {QT_TR_NOOP("Protocol"), "streamingProtocol", Control::protocol, services, servers, false},
+    {QT_TR_NOOP("Auth."), "authenticate", Control::toggle, services, servers | srt, false},
+    {QT_TR_NOOP("Login"), "authenticationLogin", Control::text, services, servers, true},
+    {QT_TR_NOOP("Password"), "authenticationPassword", Control::secret, services, servers, true},
+    {QT_TR_NOOP("Stream Key"), "streamKey", Control::secret, none, services, false},
+    {QT_TR_NOOP("Backup"), "isBackup", Control::toggle, none, services, false},
+}};
+
+bool hasRow(const RowKind &row, StreamingType type, bool all)
+{
+    return kindsOf(type) & (row.always | (all ? row.onRequest : none));
+}
 
 } // namespace
 
-StreamingSettingsGroup::StreamingSettingsGroup(QWidget *parent)
-    : GroupBox(parent), m_grid(new QGridLayout), m_host(new TextField), m_application(new TextField),
-      m_port(new IntegerField), m_protocol(new ChoiceBox), m_authenticate(new Switch), m_login(new TextField),
-      m_password(new TextField), m_reveal(new QToolButton)
+bool StreamingSettingsGroup::hasRows(StreamingType type, bool all)
 {
-    rows()->addWidget(new FormLabel(FormLabel::Voice::heading, tr("Streaming Settings")));
+    return std::any_of(kRowKinds.begin(), kRowKinds.end(),
+                       [&](const RowKind &row) { return hasRow(row, type, all); });
+}
+
+StreamingSettingsGroup::StreamingSettingsGroup(QWidget *parent) : GroupBox(parent), m_grid(new QGridLayout)
+{
+    auto *heading = new FormLabel(FormLabel::Voice::heading, tr("Streaming Settings"));
+    setAccessibleName(heading->text());
+    rows()->addWidget(heading);
     rows()->addLayout(m_grid);
     m_grid->setHorizontalSpacing(kBetweenRows);
     m_grid->setVerticalSpacing(kInRow);
     m_grid->setColumnStretch(3, 1);
-
-    m_protocol->setChoices(streamingProtocols().texts());
-    m_password->setEchoMode(QLineEdit::Password);
-    m_reveal->setText(tr("Show"));
-    m_reveal->setCheckable(true);
-    m_reveal->setAutoRaise(true);
-    m_reveal->setFocusPolicy(Qt::StrongFocus);
-    m_reveal->setObjectName(u"revealPassword"_s);
-    m_reveal->setAccessibleName(tr("Show Password"));
-
-    addRow(tr("Host"), u"streamingURL"_s, m_host);
-    addRow(tr("Application"), u"application"_s, m_application);
-    addRow(tr("Port"), u"portNumber"_s, m_port);
-    addRow(tr("Protocol"), u"streamingProtocol"_s, m_protocol);
-    addRow(tr("Auth."), u"authenticate"_s, m_authenticate);
-    const int shownAlways = m_grid->count();
-    addRow(tr("Login"), u"authenticationLogin"_s, m_login);
-    addRow(tr("Password"), u"authenticationPassword"_s, m_password, m_reveal);
-    for (int i = shownAlways; i < m_grid->count(); ++i)
-        m_credentials.append(m_grid->itemAt(i)->widget());
-    connectFields();
+    for (int i = 0; i < kRows; ++i)
+        makeRow(i);
 }
 
-void StreamingSettingsGroup::addRow(const QString &caption, const QString &property, QWidget *control,
-                                    QWidget *beside)
+void StreamingSettingsGroup::makeRow(int number)
 {
-    const int row = m_grid->rowCount();
-    auto *label = new FormLabel(FormLabel::Voice::caption, caption);
-    label->setBuddy(control);
-    control->setObjectName(property);
-    control->setAccessibleName(caption);
-    if (qobject_cast<TextField *>(control))
-        control->setFixedWidth(qobject_cast<IntegerField *>(control) ? 90 : kFieldWidth);
-    m_grid->addWidget(label, row, 0);
-    m_grid->addWidget(control, row, 1, Qt::AlignLeft | Qt::AlignVCenter);
-    if (beside)
-        m_grid->addWidget(beside, row, 2);
+    const RowKind &kind = kRowKinds[static_cast<size_t>(number)];
+    Row &row = m_rows[static_cast<size_t>(number)];
+    row.caption = new FormLabel(FormLabel::Voice::caption, tr(kind.caption));
+    row.control = makeControl(number);
+    row.caption->setBuddy(row.control);
+    row.control->setObjectName(QLatin1StringView(kind.property));
+    row.control->setAccessibleName(row.caption->text());
+    const int line = m_grid->rowCount();
+    m_grid->addWidget(row.caption, line, 0);
+    m_grid->addWidget(row.control, line, 1, Qt::AlignLeft | Qt::AlignVCenter);
+    if (kind.control == Control::secret) {
+        makeReveal(row);
+        m_grid->addWidget(row.reveal, line, 2);
+    }
+    if (kind.control == Control::number) {
+        m_portHint = new FormLabel(FormLabel::Voice::warning);
+        m_grid->addWidget(m_portHint, line + 1, 1, 1, 3);
+    }
 }
 
-void StreamingSettingsGroup::setPreset(const std::shared_ptr<RTMPVantlePreset> &preset)
+QWidget *StreamingSettingsGroup::makeControl(int number)
+{
+    const RowKind &kind = kRowKinds[static_cast<size_t>(number)];
+    switch (kind.control) {
+    case Control::text:
+    case Control::secret: {
+        auto *field = new TextField;
+        field->setMinimumWidth(kFieldWidth);
+        if (kind.control == Control::secret)
+            field->setEchoMode(QLineEdit::Password);
+        if (number == 0)
+            connect(field, &TextField::edited, this, &StreamingSettingsGroup::takeHost);
+        else
+            connect(field, &TextField::edited, this,
+                    [this, number](const QString &text) { write(number, text); });
+        return field;
+    }
+    case Control::number: {
+        auto *field = new IntegerField;
+        field->setMinimumWidth(kNumberWidth);
+        connect(field, &IntegerField::valueEdited, this,
+                [this, number](qint64 value) { write(number, value); });
+        return field;
+    }
+    case Control::protocol: {
+        auto *box = new ChoiceBox;
+        box->setChoices(streamingProtocols().texts());
+        connect(box, &ChoiceBox::chosen, this, [this](int index) {
+            if (const auto preset = std::dynamic_pointer_cast<RTMPVantlePreset>(m_preset))
+                preset->setStreamingProtocol(streamingProtocols().cases[static_cast<size_t>(index)].value);
+        });
+        return box;
+    }
+    case Control::toggle: {
+        auto *toggle = new Switch;
+        connect(toggle, &Switch::toggled, this, [this, number](bool isOn) { write(number, isOn); });
+        return toggle;
+    }
+    }
+    programmingFault("no control of a connection's row");
+}
+
+void StreamingSettingsGroup::makeReveal(Row &row)
+{
+    auto *field = static_cast<TextField *>(row.control);
+    auto *reveal = new QToolButton;
+    reveal->setText(tr("Show"));
+    reveal->setCheckable(true);
+    reveal->setFocusPolicy(Qt::StrongFocus);
+    reveal->setObjectName("reveal"_L1 + row.caption->text().remove(u' '));
+    reveal->setAccessibleName(tr("Show %1").arg(row.caption->text()));
+    connect(reveal, &QToolButton::toggled, this, [field, reveal](bool isOn) {
+        field->setEchoMode(isOn ? QLineEdit::Normal : QLineEdit::Password);
+        reveal->setText(isOn ? tr("Hide") : tr("Show"));
+    });
+    row.reveal = reveal;
+}
+
+void StreamingSettingsGroup::setPreset(const std::shared_ptr<VantlePreset> &preset)
 {
     if (preset == m_preset)
         return;
     if (m_preset)
         m_preset->disconnect(this);
     m_preset = preset;
-    const RTMPVantlePreset *p = preset.get();
-    connect(p, &RTMPVantlePreset::streamingURLChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::applicationChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::portNumberChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::streamingProtocolChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::authenticateChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::authenticationLoginChanged, this, &StreamingSettingsGroup::showPreset);
-    connect(p, &RTMPVantlePreset::authenticationPasswordChanged, this, &StreamingSettingsGroup::showPreset);
-    m_reveal->setChecked(false);
-    revealPassword(false);
+    const QMetaObject *record = preset->metaObject();
+    const QMetaMethod show = staticMetaObject.method(staticMetaObject.indexOfSlot("showPreset()"));
+    for (const RowKind &row : kRowKinds) {
+        const int property = record->indexOfProperty(row.property);
+        if (property >= 0)
+            connect(preset.get(), record->property(property).notifySignal(), this, show);
+    }
+    for (const Row &row : m_rows) {
+        if (row.reveal)
+            row.reveal->setChecked(false);
+    }
     showPreset();
 }
 
-void StreamingSettingsGroup::connectFields()
+void StreamingSettingsGroup::setShowsAllRows(bool all)
 {
-    connect(m_host, &TextField::edited, this,
-            [this](const QString &host) { m_preset->setStreamingURL(host); });
-    connect(m_application, &TextField::edited, this,
-            [this](const QString &application) { m_preset->setApplication(application); });
-    connect(m_port, &IntegerField::valueEdited, this, [this](qint64 port) { m_preset->setPortNumber(port); });
-    connect(m_protocol, &ChoiceBox::chosen, this, [this](int index) {
-        m_preset->setStreamingProtocol(streamingProtocols().cases[static_cast<size_t>(index)].value);
-    });
-    connect(m_authenticate, &Switch::clicked, this, [this](bool on) { m_preset->setAuthenticate(on); });
-    connect(m_login, &TextField::edited, this,
-            [this](const QString &login) { m_preset->setAuthenticationLogin(login); });
-    connect(m_password, &TextField::edited, this,
-            [this](const QString &password) { m_preset->setAuthenticationPassword(password); });
-    connect(m_reveal, &QToolButton::clicked, this, &StreamingSettingsGroup::revealPassword);
+    m_showsAll = all;
+    if (m_preset)
+        showPreset();
+}
+
+bool StreamingSettingsGroup::isShown(int number) const
+{
+    const RowKind &kind = kRowKinds[static_cast<size_t>(number)];
+    return hasRow(kind, m_preset->type(), m_showsAll) &&
+           (!kind.isCredential || m_preset->property("authenticate").toBool());
 }
 
 void StreamingSettingsGroup::showPreset()
 {
-    m_host->showValue(m_preset->streamingURL());
-    m_application->showValue(m_preset->application());
-    m_port->showValue(m_preset->portNumber());
-    m_protocol->showText(displayName(m_preset->streamingProtocol()));
-    m_authenticate->setChecked(m_preset->authenticate());
-    m_login->showValue(m_preset->authenticationLogin());
-    m_password->showValue(m_preset->authenticationPassword());
-    for (QWidget *widget : std::as_const(m_credentials))
-        widget->setVisible(m_preset->authenticate());
+    for (int i = 0; i < kRows; ++i) {
+        const RowKind &kind = kRowKinds[static_cast<size_t>(i)];
+        const Row &row = m_rows[static_cast<size_t>(i)];
+        const bool shown = isShown(i);
+        row.caption->setVisible(shown);
+        row.control->setVisible(shown);
+        if (row.reveal)
+            row.reveal->setVisible(shown);
+        const QVariant value = m_preset->property(kind.property);
+        if (auto *number = qobject_cast<IntegerField *>(row.control)) {
+            number->showValue(value.toLongLong());
+            const QString hint = shown ? portHint(value.toLongLong()) : QString();
+            m_portHint->setText(hint);
+            m_portHint->setVisible(!hint.isEmpty());
+            number->setAccessibleDescription(hint);
+        } else if (auto *text = qobject_cast<TextField *>(row.control)) {
+            text->showValue(value.toString());
+        } else if (auto *toggle = qobject_cast<Switch *>(row.control)) {
+            toggle->setChecked(value.toBool());
+        } else if (const auto *rtmp = dynamic_cast<const RTMPVantlePreset *>(m_preset.get())) {
+            static_cast<ChoiceBox *>(row.control)->showText(displayName(rtmp->streamingProtocol()));
+        }
+    }
+    m_host = m_preset->property("streamingURL").toString();
 }
 
-void StreamingSettingsGroup::revealPassword(bool reveal)
+void StreamingSettingsGroup::write(int number, const QVariant &value)
 {
-    m_password->setEchoMode(reveal ? QLineEdit::Normal : QLineEdit::Password);
-    m_reveal->setText(reveal ? tr("Hide") : tr("Show"));
+    const char *property = kRowKinds[static_cast<size_t>(number)].property;
+    if (m_preset->property(property) != value) // a switch also turns because it shows what is held
+        m_preset->setProperty(property, value);
+}
+
+void StreamingSettingsGroup::takeHost(const QString &text)
+{
+    // Nobody types an address in one stroke.
+    const bool isPasted = text.size() > m_host.size() + 1 || (text.size() > 1 && m_host.isEmpty());
+    const auto address = m_showsAll && isPasted ? PastedAddress::parse(text) : std::nullopt;
+    if (!address) {
+        m_preset->setProperty("streamingURL", text);
+        return;
+    }
+    if ((m_preset->type() == StreamingType::srt) != (address->scheme == "srt"_L1)) {
+        m_preset->setProperty("streamingURL", text); // of another kind: the user sees what is wrong
+        return;
+    }
+    static_cast<TextField *>(m_rows[0].control)->endEdit();
+    takeAddress(*address);
+}
+
+void StreamingSettingsGroup::takeAddress(const PastedAddress &address)
+{
+    if (!address.port.isEmpty())
+        setIfShown("portNumber", address.port.toLongLong());
+    if (const auto rtmp = std::dynamic_pointer_cast<RTMPVantlePreset>(m_preset)) {
+        using P = RTMPVantlePreset::StreamingProtocol;
+        const bool isRtsp =
+            rtmp->streamingProtocol() == P::rtspUDP || rtmp->streamingProtocol() == P::rtspTCP;
+        if (address.scheme == "rtmp"_L1)
+            rtmp->setStreamingProtocol(P::rtmp);
+        else if (address.scheme == "rtmps"_L1)
+            rtmp->setStreamingProtocol(P::rtmps);
+        else if (!isRtsp) // which of the two an address does not say
+            rtmp->setStreamingProtocol(P::rtspTCP);
+        if (!address.login.isEmpty() || !address.password.isEmpty()) {
+            rtmp->setAuthenticate(true);
+            rtmp->setAuthenticationLogin(address.login);
+            rtmp->setAuthenticationPassword(address.password);
+        }
+    }
+    if (kindsOf(m_preset->type()) != services) {
+        m_preset->setProperty("streamingURL", QString(address.host + address.path));
+        return;
+    }
+    m_preset->setProperty("streamingURL", address.host);
+    if (const QString application = address.application(); !application.isEmpty())
+        setIfShown("application", application);
+    if (const QString key = address.streamKey(); !key.isEmpty())
+        setIfShown("streamKey", key);
+}
+
+void StreamingSettingsGroup::setIfShown(const char *property, const QVariant &value)
+{
+    for (int i = 0; i < kRows; ++i) {
+        if (qstrcmp(kRowKinds[static_cast<size_t>(i)].property, property) == 0 && isShown(i))
+            m_preset->setProperty(property, value);
+    }
 }
 
 } // namespace vantle

@@ -2,46 +2,64 @@
 #pragma once
 
 #include "VantlePresets/editor/GroupBox.h"
-#include "VantlePresets/model/RTMPVantlePreset.h"
+#include "VantlePresets/model/VantlePreset.h"
+
+#include <array>
 
 class QGridLayout;
 class QToolButton;
 
 namespace vantle {
 
-class ChoiceBox;
-class IntegerField;
-class Switch;
-class TextField;
+class FormLabel;
+struct PastedAddress;
 
-/// The connection of a preset that pushes to a server: host, application, port, protocol, and login and
-/// password while the server wants them.
+/// The connection of a preset that reaches a server, a row for each field: those that every form of the kind
+/// has, or all that the kind's files keep. Login and password are shown while the server wants them; secrets
+/// are masked until they are asked for.
 class StreamingSettingsGroup : public GroupBox
 {
     Q_OBJECT
 
 public:
+    static constexpr int kRows = 9;
+
     explicit StreamingSettingsGroup(QWidget *parent = nullptr);
 
-    void setPreset(const std::shared_ptr<RTMPVantlePreset> &preset);
+    /// Whether a preset of the kind has a row at all.
+    [[nodiscard]] static bool hasRows(StreamingType type, bool all);
+
+    void setPreset(const std::shared_ptr<VantlePreset> &preset);
+    /// All that the kind's files keep. An address that is then pasted as the host fills the rows that it
+    /// names.
+    void setShowsAllRows(bool all);
+
+private Q_SLOTS:
+    void showPreset();
 
 private:
-    void addRow(const QString &caption, const QString &property, QWidget *control, QWidget *beside = nullptr);
-    void connectFields();
-    void showPreset();
-    void revealPassword(bool reveal);
+    struct Row
+    {
+        FormLabel *caption;
+        QWidget *control;
+        QToolButton *reveal; ///< of secrets
+    };
 
-    std::shared_ptr<RTMPVantlePreset> m_preset;
+    void makeRow(int number);
+    QWidget *makeControl(int number);
+    void makeReveal(Row &row);
+    void write(int number, const QVariant &value);
+    void takeHost(const QString &text);
+    void takeAddress(const PastedAddress &address);
+    void setIfShown(const char *property, const QVariant &value);
+    [[nodiscard]] bool isShown(int number) const;
+
+    std::shared_ptr<VantlePreset> m_preset;
+    bool m_showsAll = false;
     QGridLayout *m_grid;
-    TextField *m_host;
-    TextField *m_application;
-    IntegerField *m_port;
-    ChoiceBox *m_protocol;
-    Switch *m_authenticate;
-    TextField *m_login;
-    TextField *m_password;
-    QToolButton *m_reveal;
-    QList<QWidget *> m_credentials; ///< all that is shown while authentication is on
+    std::array<Row, kRows> m_rows{};
+    FormLabel *m_portHint = nullptr;
+    QString m_host; ///< what the host's field held before its last change
 };
 
 } // namespace vantle

@@ -2,12 +2,15 @@
 #include "VantlePresets/editor/TextField.h"
 
 #include <QtCore/QMetaObject>
+#include <QtCore/QScopedValueRollback>
+#include <QtGui/QKeyEvent>
 
 namespace vantle {
 
 TextField::TextField(QWidget *parent) : QLineEdit(parent)
 {
-    connect(this, &QLineEdit::textEdited, this, &TextField::edited);
+    // Not textEdited(), which knows of no assistive programs.
+    connect(this, &QLineEdit::textChanged, this, &TextField::takeEdit);
     connect(this, &QLineEdit::editingFinished, this, &TextField::endEdit);
 }
 
@@ -16,8 +19,30 @@ void TextField::showValue(const QString &text)
     m_value = text;
     if (isBeingEdited() || text == this->text())
         return;
+    const QScopedValueRollback guard(m_isShowing, true);
     setText(text);
     setCursorPosition(0);
+}
+
+void TextField::takeEdit(const QString &text)
+{
+    if (m_isShowing)
+        return;
+    Q_EMIT edited(text);
+    if (!isBeingEdited())
+        showValue(QString(m_value));
+}
+
+bool TextField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
 }
 
 void TextField::carryEditOver()

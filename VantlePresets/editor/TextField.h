@@ -6,7 +6,10 @@
 namespace vantle {
 
 /// A text field that writes while the user types and never loses what was typed to a change from
-/// elsewhere: such a change shows up when the edit has ended.
+/// elsewhere: such a change shows up when the edit has ended. Text that an assistive program sets is an edit
+/// that has ended at once.
+///
+/// Undo and redo are not the field's own: the window undoes edits of fields of all sorts.
 class TextField : public QLineEdit
 {
     Q_OBJECT
@@ -26,13 +29,20 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
 
 Q_SIGNALS:
-    /// The user changed the text.
+    /// The text was changed, but not by the model.
     void edited(const QString &text);
 
-private:
+protected:
+    bool event(QEvent *event) override;
+    /// What showValue() was told last.
+    [[nodiscard]] const QString &value() const { return m_value; }
     [[nodiscard]] bool isBeingEdited() const { return isModified() && hasFocus(); }
 
+private:
+    void takeEdit(const QString &text);
+
     QString m_value;
+    bool m_isShowing = false;
 };
 
 } // namespace vantle

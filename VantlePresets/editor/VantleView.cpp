@@ -2,20 +2,29 @@
 #include "VantlePresets/editor/VantleView.h"
 
 #include "VantlePresets/editor/BundleIcon.h"
+#include "VantlePresets/editor/EditHistory.h"
 #include "VantlePresets/editor/EditorStyle.h"
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/HLSPresetView.h"
 #include "VantlePresets/editor/MainThread.h"
 #include "VantlePresets/editor/NotificationCenter.h"
 #include "VantlePresets/editor/PresetsListView.h"
+#include "VantlePresets/editor/ProblemStrip.h"
 #include "VantlePresets/editor/RTMPPresetView.h"
 #include "VantlePresets/editor/SRTPresetView.h"
 #include "VantlePresets/editor/YouTubeFacebookPresetView.h"
 
 #include <QtCore/QEvent>
+#include <QtCore/QMimeData>
+#include <QtCore/QPointer>
+#include <QtCore/QThreadPool>
+#include <QtGui/QContextMenuEvent>
+#include <QtGui/QDropEvent>
 #include <QtGui/QPainter>
+#include <QtGui/QShortcut>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QStackedWidget>
@@ -119,6 +128,7 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
     requireMainThread();
     if (!presetsManager)
         programmingFault("an editor without a presets manager");
+    m_history = new EditHistory(presetsManager, this);
 
     auto *columns = new QSplitter(this);
     columns->setChildrenCollapsible(false);
@@ -127,6 +137,7 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
     columns->addWidget(makeDetail());
     columns->setStretchFactor(1, 1);
     columns->setSizes({kSidebarIdeal, kDetailIdeal});
+    m_sidebar->lower(); // assistive programs read in the order of the children
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(columns);
@@ -134,8 +145,31 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
     connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this,
             &VantleView::showSelectedPresetSoon);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VantleView::saveBeforeEnd);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, &VantleView::saveWhenLeft);
     qApp->installEventFilter(this);
+    setAcceptDrops(true);
+    makeShortcuts();
     showSelectedPreset();
+}
+
+void VantleView::makeShortcuts()
+{
+    const auto add = [this](const QKeySequence &key, auto action) {
+        auto *shortcut = new QShortcut(key, this);
+        connect(shortcut, &QShortcut::activated, this, action);
+    };
+    for (const QKeySequence &key : QKeySequence::keyBindings(QKeySequence::Undo))
+        add(key, [this] { m_history->undo(); });
+    for (const QKeySequence &key : QKeySequence::keyBindings(QKeySequence::Redo))
+        add(key, [this] { m_history->redo(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_F), &VantleView::openFind);
+    // Elsewhere the toolkit does this by itself.
+    add(QKeySequence(Qt::SHIFT | Qt::Key_F10), [this] {
+        QWidget *const focus = focusWidget() ? focusWidget() : this;
+        const QPoint position = focus->rect().center();
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, position, focus->mapToGlobal(position));
+        QCoreApplication::sendEvent(focus, &menu);
+    });
 }
 
 QWidget *VantleView::makeSidebar()
@@ -147,6 +181,7 @@ QWidget *VantleView::makeSidebar()
     auto *layout = new QVBoxLayout(m_sidebar);
     layout->setContentsMargins(0, kInRow, 0, kInRow);
     layout->setSpacing(kInRow);
+    layout->addWidget(makeFindField());
     layout->addWidget(m_list, 1);
     auto *below = new QHBoxLayout;
     below->setContentsMargins(kBetweenRows, 0, kBetweenRows, 0);
@@ -154,6 +189,51 @@ QWidget *VantleView::makeSidebar()
     below->addStretch();
     layout->addLayout(below);
     return m_sidebar;
+}
+
+QWidget *VantleView::makeFindField()
+{
+    auto *line = new QWidget;
+    auto *layout = new QHBoxLayout(line);
+    layout->setContentsMargins(kInRow, 0, kInRow, 0);
+    m_find = new QLineEdit;
+    m_find->setObjectName(u"find"_s);
+    m_find->setAccessibleName(tr("Find Presets"));
+    m_find->setPlaceholderText(tr("Name or kind"));
+    m_find->setClearButtonEnabled(true);
+    layout->addWidget(m_find);
+    line->hide();
+    connect(m_find, &QLineEdit::textChanged, m_list, &PresetsListView::setFilter);
+    connect(m_list, &PresetsListView::filterMustEnd, this, &VantleView::closeFind);
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), line);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, [this] {
+        closeFind();
+        m_list->setFocus();
+    });
+    auto *down = new QShortcut(QKeySequence(Qt::Key_Down), line);
+    down->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(down, &QShortcut::activated, m_list, qOverload<>(&QWidget::setFocus));
+    return line;
+}
+
+void VantleView::openFind()
+{
+    m_sidebar->show();
+    m_find->parentWidget()->show();
+    m_find->setFocus(Qt::ShortcutFocusReason);
+    m_find->selectAll();
+}
+
+void VantleView::closeFind()
+{
+    if (m_find->parentWidget()->isHidden())
+        return;
+    const bool hadFocus = m_find->hasFocus();
+    m_find->parentWidget()->hide();
+    m_find->clear();
+    if (hadFocus)
+        m_list->setFocus();
 }
 
 QToolButton *VantleView::makeAddButton()
@@ -189,12 +269,21 @@ QWidget *VantleView::makeDetail()
     auto *layout = new QVBoxLayout(detail);
     layout->setContentsMargins(0, kInRow, 0, 0);
     layout->setSpacing(0);
-    auto *header = new QHBoxLayout;
+    m_header = new QWidget;
+    auto *header = new QHBoxLayout(m_header);
     header->setContentsMargins(kAround, 0, kAround, 0);
     header->setSpacing(kInRow);
     header->addWidget(sidebarButton);
+    m_beforeTitle = new QSpacerItem(0, 0, QSizePolicy::Fixed);
+    header->addItem(m_beforeTitle);
     header->addWidget(m_title, 1);
-    layout->addLayout(header);
+    layout->addWidget(m_header);
+    m_problems = new ProblemStrip(m_manager);
+    auto *strip = new QHBoxLayout;
+    strip->setContentsMargins(kAround, kInRow / 2, kAround, 0);
+    strip->addWidget(m_problems);
+    layout->addLayout(strip);
+    m_detail->installEventFilter(this);
     layout->addWidget(m_detail, 1);
     return detail;
 }
@@ -205,8 +294,38 @@ void VantleView::toggleSidebar()
     m_sidebar->setVisible(m_sidebar->isHidden());
 }
 
+void VantleView::setShowsConnectionRows(bool shows)
+{
+    requireMainThread();
+    m_showsConnectionRows = shows;
+    for (PresetFormView *form : std::as_const(m_forms))
+        form->setShowsConnectionRows(shows);
+}
+
+void VantleView::setShowsProblems(bool shows)
+{
+    requireMainThread();
+    m_problems->setVisible(shows);
+}
+
+bool VantleView::showsProblems() const
+{
+    return !m_problems->isHidden();
+}
+
+/// The title stands over the column of the form, however wide the window is.
+void VantleView::alignTitle()
+{
+    const auto *form = qobject_cast<PresetFormView *>(m_detail->currentWidget());
+    const int button = m_header->layout()->itemAt(0)->sizeHint().width() + kInRow;
+    const int column = form ? form->columnLeft() - kAround : 0;
+    m_beforeTitle->changeSize(std::max(0, column - button - kInRow), 0, QSizePolicy::Fixed);
+    m_header->layout()->invalidate();
+}
+
 void VantleView::addPreset(StreamingType type)
 {
+    closeFind();
     m_list->endNameEdit();
     saveBeforeLeaving(*m_manager);
     m_manager->addNewPreset(type);
@@ -232,6 +351,7 @@ void VantleView::showSelectedPresetSoon()
 void VantleView::showSelectedPreset()
 {
     const auto preset = m_manager->selectedPreset();
+    m_history->setPreset(preset);
     if (preset != m_shown) {
         if (m_shown)
             m_shown->disconnect(this);
@@ -255,9 +375,11 @@ void VantleView::showSelectedPreset()
         form->setPreset(preset);
     } else {
         form = kind.make(preset, m_detail);
+        form->setShowsConnectionRows(m_showsConnectionRows);
         m_detail->addWidget(form);
     }
     m_detail->setCurrentWidget(form);
+    alignTitle();
 }
 
 void VantleView::showTitle()
@@ -272,13 +394,81 @@ bool VantleView::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Close && isRealWindow(watched))
         saveBeforeEnd();
+    const auto *widget = qobject_cast<const QWidget *>(watched);
+    if (widget && (widget == this || isAncestorOf(widget)) && takeDrop(event))
+        return true;
+    if (watched == m_detail && event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(this, &VantleView::alignTitle, Qt::QueuedConnection);
     return QWidget::eventFilter(watched, event);
+}
+
+/// Files are imported wherever they are dropped, and no field takes them for text.
+bool VantleView::takeDrop(QEvent *event)
+{
+    const bool isDrop = event->type() == QEvent::Drop;
+    if (!isDrop && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove)
+        return false;
+    auto *drag = static_cast<QDropEvent *>(event); // the other two are such events, too
+    QList<QUrl> files = drag->mimeData()->urls();
+    files.removeIf([](const QUrl &url) { return !url.isLocalFile(); });
+    if (files.isEmpty())
+        return false;
+    drag->setDropAction(Qt::CopyAction);
+    drag->accept();
+    if (isDrop)
+        importFiles(files);
+    return true;
+}
+
+void VantleView::importFiles(const QList<QUrl> &files)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const QUrl &url : files)
+        paths.emplace_back(url.toLocalFile().toStdString());
+    // The application waits for the pool when it ends.
+    QThreadPool::globalInstance()->start([view = QPointer<VantleView>(this), paths] {
+        QList<PresetImport> imports = readPresetsToImport(paths);
+        QMetaObject::invokeMethod(
+            qApp,
+            [view, imports = std::move(imports)] {
+                if (view)
+                    view->finishImport(imports);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void VantleView::finishImport(QList<PresetImport> imports)
+{
+    m_list->endNameEdit();
+    closeFind();
+    m_problems->clearNotices();
+    addImportedPresets(*m_manager, imports);
+    std::shared_ptr<VantlePreset> first;
+    for (const PresetImport &import : std::as_const(imports)) {
+        const QString path = QString::fromStdString(import.path.native());
+        if (!import.preset)
+            m_problems->addNotice(path + ": "_L1 + import.refusal);
+        else if (!first)
+            first = import.preset;
+    }
+    if (!first)
+        return;
+    saveBeforeLeaving(*m_manager);
+    m_manager->setSelectedPreset(first);
 }
 
 void VantleView::saveBeforeEnd()
 {
     m_list->endNameEdit();
     m_manager->saveSelectedPreset();
+}
+
+/// A name that is being edited stays in edit; what else was edited had been saved before it.
+void VantleView::saveWhenLeft(Qt::ApplicationState state)
+{
+    if (state != Qt::ApplicationActive && !m_list->isNameEdited())
+        saveBeforeLeaving(*m_manager);
 }
 
 } // namespace vantle

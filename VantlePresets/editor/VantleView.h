@@ -1,24 +1,29 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/store/PresetsManager.h"
+#include "VantlePresets/store/PresetImport.h"
 
 #include <QtCore/QHash>
 #include <QtWidgets/QWidget>
 
+class QLineEdit;
+class QSpacerItem;
 class QStackedWidget;
 class QToolButton;
 
 namespace vantle {
 
+class EditHistory;
 class FormLabel;
 class PresetFormView;
 class PresetsListView;
+class ProblemStrip;
 
 /// The root view of the editor: the presets list with its add menu beside the form of the selected preset.
 ///
-/// Saves the selected preset when a window of the application closes and when the application quits. Its
-/// window title is the selected preset's name.
+/// Saves the selected preset when a window of the application closes, when the application quits, and, if it
+/// has unsaved edits, when another application takes the focus. Its window title is the selected preset's
+/// name.
 class VantleView : public QWidget
 {
     Q_OBJECT
@@ -27,6 +32,13 @@ public:
     explicit VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QWidget *parent = nullptr);
 
     [[nodiscard]] const std::shared_ptr<PresetsManager> &presetsManager() const { return m_manager; }
+
+    /// Rows for every connection field that a kind's files keep; off at first.
+    void setShowsConnectionRows(bool shows);
+    [[nodiscard]] bool showsConnectionRows() const { return m_showsConnectionRows; }
+    /// The strip that says what could not be saved, deleted or loaded; on at first.
+    void setShowsProblems(bool shows);
+    [[nodiscard]] bool showsProblems() const;
 
     /// Shows or hides the sidebar.
     Q_INVOKABLE void toggleSidebar();
@@ -38,11 +50,20 @@ private:
     QWidget *makeSidebar();
     QWidget *makeDetail();
     QToolButton *makeAddButton();
+    QWidget *makeFindField();
+    void makeShortcuts();
+    void openFind();
+    void closeFind();
+    void alignTitle();
     void addPreset(StreamingType type);
     void showSelectedPresetSoon();
     void showSelectedPreset();
     void showTitle();
     void saveBeforeEnd();
+    bool takeDrop(QEvent *event);
+    void importFiles(const QList<QUrl> &files);
+    void finishImport(QList<PresetImport> imports);
+    void saveWhenLeft(Qt::ApplicationState state);
 
     using MakeForm = PresetFormView *(*)(const std::shared_ptr<VantlePreset> &, QWidget *);
 
@@ -50,11 +71,17 @@ private:
     std::shared_ptr<VantlePreset> m_shown;
     QWidget *m_sidebar = nullptr;
     PresetsListView *m_list = nullptr;
+    QLineEdit *m_find = nullptr;
+    EditHistory *m_history;
+    ProblemStrip *m_problems = nullptr;
+    QWidget *m_header = nullptr;
+    QSpacerItem *m_beforeTitle = nullptr;
     FormLabel *m_title = nullptr;
     QStackedWidget *m_detail = nullptr;
     QWidget *m_placeholder = nullptr;
     QHash<MakeForm, PresetFormView *> m_forms; ///< kinds with the same form share it
     bool m_isShowDue = false;
+    bool m_showsConnectionRows = false;
 };
 
 } // namespace vantle

@@ -4,12 +4,15 @@
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FieldRow.h"
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/IntegerField.h"
 #include "VantlePresets/editor/SettingsHeader.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
+
+#include <QtCore/QHash>
 
 namespace vantle {
 namespace {
@@ -45,15 +48,6 @@ const QStringList &offeredProfileNames()
     return names;
 }
 
-/// The profiles that suit the rendition; none when its size and rate are beyond computing.
-QStringList fittingProfiles(const VideoSettings &settings)
-{
-    if (settings.codec() == VideoCodec::h264 &&
-        !H264Profile::isComputable(settings.width(), settings.height(), settings.frameRate()))
-        return {};
-    return settings.profileLevels(settings.codec(), settings.resolution(), settings.frameRate());
-}
-
 } // namespace
 
 VideoSettingsView::VideoSettingsView(const std::shared_ptr<VideoSettings> &settings,
@@ -81,18 +75,15 @@ void VideoSettingsView::makeFields()
     m_resolution->setChoices(videoResolutions().texts());
     m_row->addField(tr("Resolution"), u"resolution"_s, m_resolution, 120);
     m_customWidth = new IntegerField(0, kLargestSide);
-    m_row->addField(tr("Width"), u"customWidth"_s, m_customWidth, 60);
+    m_row->addField(tr("Width"), u"customWidth"_s, m_customWidth, 60, m_resolution);
     m_customHeight = new IntegerField(0, kLargestSide);
-    m_row->addField(tr("Height"), u"customHeight"_s, m_customHeight, 60);
+    m_row->addField(tr("Height"), u"customHeight"_s, m_customHeight, 60, m_resolution);
     m_frameRate = new ChoiceBox;
     m_frameRate->setChoices(frameRateTexts());
     m_row->addField(tr("Frame Rate"), u"frameRate"_s, m_frameRate, 80);
     m_profile = new ChoiceBox;
     m_profile->reserveWidthFor(offeredProfileNames());
     m_row->addField(tr("Profile"), u"profile"_s, m_profile, 180);
-    m_profileNote =
-        new FormLabel(FormLabel::Voice::caption, tr("Not available for this codec, size and rate"));
-    m_row->setLineBelow(m_profile, m_profileNote);
     m_bitRate = new IntegerField;
     m_row->addField(tr("Bitrate (kb/s)"), u"bitRate"_s, m_bitRate, 70);
     m_maximum = new FormLabel(FormLabel::Voice::caption);
@@ -117,12 +108,35 @@ void VideoSettingsView::makeFields()
     connect(m_frameRate, &ChoiceBox::chosen, this,
             [this](int index) { m_settings->setFrameRate(VideoSettings::availableFrameRates().at(index)); });
     connect(m_profile, &ChoiceBox::chosen, this,
-            [this](int index) { m_settings->setProfile(m_profile->itemText(index)); });
-    connect(m_bitRate, &IntegerField::valueEdited, this, [this](qint64 bitRate) {
-        // Without a profile that fits there is no limit to keep to: the settings would take any rate for 0.
-        if (m_maxBitrate > 0)
-            m_settings->setBitRate(bitRate);
-    });
+            [this](int index) { m_settings->setProfile(m_profile->choice(index)); });
+    connect(m_bitRate, &IntegerField::valueEdited, this, &VideoSettingsView::takeBitRate);
+}
+
+void VideoSettingsView::takeBitRate(qint64 bitRate)
+{
+    m_isRateRefused = bitRate > m_maxBitrate;
+    // Without a profile that fits there is no limit to keep to: the settings would take any rate for 0.
+    if (m_maxBitrate > 0)
+        m_settings->setBitRate(bitRate);
+    showHints();
+}
+
+void VideoSettingsView::showHints()
+{
+    QHash<QString, QString> hints;
+    for (const FieldHint &hint : hintsFor(*m_settings))
+        hints.insert(hint.field, hint.text);
+    if (m_isRateRefused && !hints.contains(u"bitRate"_s)) {
+        hints[u"bitRate"_s] =
+            m_maxBitrate > 0
+                ? tr("Limited to %1, the most that %2 allows.")
+                      .arg(QString::number(m_maxBitrate), m_settings->profile())
+                : tr("Stays at %1 until the profile fits.").arg(QString::number(m_settings->bitRate()));
+    }
+    if (m_pid)
+        hints[u"pid"_s] = pidHint(m_settings->pid());
+    for (const QString &field : {u"profile"_s, u"bitRate"_s, u"pid"_s})
+        m_row->setHint(field, hints.value(field));
 }
 
 void VideoSettingsView::observe()
@@ -136,15 +150,21 @@ void VideoSettingsView::observe()
     connect(settings, &VideoSettings::resolutionChanged, this, &VideoSettingsView::showSettings);
     connect(settings, &VideoSettings::frameRateChanged, this, &VideoSettingsView::showSettings);
     connect(settings, &VideoSettings::profileChanged, this, &VideoSettingsView::showProfiles);
-    connect(settings, &VideoSettings::bitRateChanged, this,
-            [this](qint64 bitRate) { m_bitRate->showValue(bitRate); });
+    connect(settings, &VideoSettings::bitRateChanged, this, [this](qint64 bitRate) {
+        m_bitRate->showValue(bitRate);
+        showHints();
+    });
     if (m_pid)
-        connect(settings, &VideoSettings::pidChanged, this, [this](qint64 pid) { m_pid->showValue(pid); });
+        connect(settings, &VideoSettings::pidChanged, this, [this](qint64 pid) {
+            m_pid->showValue(pid);
+            showHints();
+        });
 }
 
 void VideoSettingsView::showSettings()
 {
     m_header->setText(m_settings->displayName());
+    setAccessibleName(m_settings->displayName());
     m_codec->showText(displayName(m_settings->codec()));
     m_resolution->showText(displayValue(m_settings->resolution()));
     m_frameRate->showChoice(VideoSettings::availableFrameRates().indexOf(m_settings->frameRate()),
@@ -167,14 +187,12 @@ void VideoSettingsView::showSize()
 
 void VideoSettingsView::showProfiles()
 {
-    const QStringList fitting = fittingProfiles(*m_settings);
-    m_profile->setChoices(fitting);
+    m_profile->setChoices(fittingProfiles(*m_settings));
     m_profile->showText(m_settings->profile());
-    const bool isAvailable = fitting.contains(m_settings->profile());
-    m_profileNote->setVisible(!isAvailable);
-    m_profile->setAccessibleDescription(isAvailable ? QString() : m_profileNote->text());
+    m_isRateRefused = false;
     m_maxBitrate = m_settings->maxBitRate();
     m_maximum->setText(tr("Maximum") + "  "_L1 + QString::number(m_maxBitrate));
+    showHints();
 }
 
 void VideoSettingsView::removeSettings()

@@ -29,9 +29,12 @@ private:
     void showSettings() override;
     void showSize();
     void showProfiles();
+    void showHints();
+    void takeBitRate(qint64 bitRate);
     void removeSettings();
 
     qint64 m_maxBitrate = 0;
+    bool m_isRateRefused = false; ///< the bit rate that was typed is not the one that is held
 
     SettingsHeader *m_header = nullptr;
     FieldRow *m_row = nullptr;
@@ -44,7 +47,6 @@ private:
     IntegerField *m_bitRate = nullptr;
     IntegerField *m_pid = nullptr; ///< SRT presets only
     FormLabel *m_maximum = nullptr;
-    FormLabel *m_profileNote = nullptr;
 };
 
 } // namespace vantle

@@ -6,8 +6,6 @@
 
 namespace vantle {
 
-class StreamingSettingsGroup;
-
 /// The form of a YouTube or Facebook preset: the connection, and the renditions and tracks that the preset
 /// was created with.
 class YouTubeFacebookPresetView : public PresetFormView
@@ -17,14 +15,6 @@ class YouTubeFacebookPresetView : public PresetFormView
 public:
     explicit YouTubeFacebookPresetView(const std::shared_ptr<RTMPVantlePreset> &preset,
                                        QWidget *parent = nullptr);
-
-    void setPreset(const std::shared_ptr<VantlePreset> &preset) override;
-
-private:
-    YouTubeFacebookPresetView(StreamingSettingsGroup *group, const std::shared_ptr<RTMPVantlePreset> &preset,
-                              QWidget *parent);
-
-    StreamingSettingsGroup *m_group;
 };
 
 } // namespace vantle

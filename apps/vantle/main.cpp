@@ -57,8 +57,8 @@ std::optional<QSize> sizeFromText(const std::string &text)
     return QSize(width, height);
 }
 
-/// The preset to be shown in the picture; null, with a message, when there is none of the name.
-std::shared_ptr<VantlePreset> presetForPicture(const PresetsManager &manager, const QString &name)
+/// The preset to be shown; null, with a message, when there is none of the name.
+std::shared_ptr<VantlePreset> presetToShow(const PresetsManager &manager, const QString &name)
 {
     if (name.isEmpty())
         return manager.presets().value(0);
@@ -73,6 +73,7 @@ std::unique_ptr<PresetsWindowController> makeWindow(const std::shared_ptr<Preset
 {
     auto controller =
         PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(manager);
+    controller->setShowsConnectionRows(true);
     if (const auto size = sizeFromText(options.size))
         controller->window()->resize(*size);
     return controller;
@@ -87,7 +88,7 @@ int takePicture(const PresetsManager &store, const Options &options)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
 
     const QString name = QString::fromStdString(options.select);
-    const auto preset = presetForPicture(*manager, name);
+    const auto preset = presetToShow(*manager, name);
     if (!preset && !name.isEmpty())
         return 1;
     manager->setSelectedPreset(preset);
@@ -124,6 +125,12 @@ int run(const Options &options)
     if (!isPicture) {
         const StopOnSignal stopOnSignal; // quits as the last window does: what was edited is saved
         const auto controller = makeWindow(manager, options);
+        if (!options.select.empty()) {
+            QObject::connect(manager.get(), &PresetsManager::didLoad, controller.get(), [&] {
+                if (const auto preset = presetToShow(*manager, QString::fromStdString(options.select)))
+                    manager->setSelectedPreset(preset);
+            });
+        }
         controller->showWindow();
         return QCoreApplication::exec();
     }
@@ -142,11 +149,9 @@ try {
     CLI::App app{"Edits live-streaming presets"};
     app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
         ->type_name("DIR");
-    auto *screenshot =
-        app.add_option("--screenshot", options.screenshot, "Write a picture of the window and end")
-            ->type_name("FILE");
-    app.add_option("--select", options.select, "The preset in the picture; the first by default")
-        ->needs(screenshot)
+    app.add_option("--screenshot", options.screenshot, "Write a picture of the window and end")
+        ->type_name("FILE");
+    app.add_option("--select", options.select, "Open on this preset; in pictures the first by default")
         ->type_name("NAME");
     app.add_option("--size", options.size, "Size of the window")
         ->type_name("WxH")

@@ -8,11 +8,11 @@
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/Secrets.h"
 #include "VantlePresets/store/NameRules.h"
-
-#include <QtCore/QSet>
+#include "VantlePresets/store/PresetImport.h"
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace vantle::ctl {
 namespace {
@@ -50,36 +50,42 @@ QString wantedName(const ImportOptions &options)
     return name;
 }
 
+QList<PresetImport> readFiles(const ImportOptions &options, const QString &name)
+{
+    QList<PresetImport> files;
+    if (options.files.front() == kStandardStream) {
+        try {
+            files.append({kStandardStream, readPresetArgument(kStandardStream), {}});
+        } catch (const std::exception &error) {
+            files.append({kStandardStream, nullptr, Failure(error).message()});
+        }
+    } else {
+        files = readPresetsToImport({options.files.begin(), options.files.end()});
+    }
+    if (!name.isEmpty() && files.front().preset)
+        files.front().preset->setName(name);
+    return files;
+}
+
 ExitCode import(const ImportOptions &options, Output &out)
 {
     const QString name = wantedName(options);
     StoreSession session(options);
     PresetsManager &manager = session.manager();
     bool isComplete = true;
+    QList<PresetImport> files = readFiles(options, name);
+    addImportedPresets(manager, files);
     PresetsList imported;
-    QStringList sources;
-    QSet<QString> names;
-    for (const fs::path file : options.files) {
-        try {
-            const auto preset = readPresetArgument(file);
-            if (!name.isEmpty())
-                preset->setName(name);
-            if (manager.presetWithName(preset->name()) || names.contains(canonicalName(preset->name())))
-                throw std::runtime_error("a preset of this name exists");
-            names.insert(canonicalName(preset->name()));
-            imported.append(preset);
-            sources.append(QString::fromStdString(file.string()));
-            tellAdviceOnFile(file);
-        } catch (const std::exception &error) {
-            complain(shown(file) + ": "_L1 + Failure(error).message());
+    QStringList wanted;
+    for (const PresetImport &file : std::as_const(files)) {
+        if (file.preset) {
+            imported.append(file.preset);
+            wanted.append(file.preset->name());
+            tellAdviceOnFile(file.path);
+        } else {
+            complain(shown(file.path) + ": "_L1 + file.refusal);
             isComplete = false;
         }
-    }
-    manager.setPresets(manager.presets() + imported);
-    QStringList wanted;
-    for (qsizetype i = 0; i < imported.size(); ++i) {
-        wanted.append(imported[i]->name());
-        manager.saveLike(imported[i], sources[i]);
     }
     const ExitCode code = session.finish();
     for (qsizetype i = 0; i < imported.size(); ++i) {

@@ -64,6 +64,56 @@ TEST_F(Accessibility, EveryControlOfEveryFormHasAName)
     EXPECT_FALSE(nameField()->accessibleName().isEmpty());
 }
 
+TEST_F(Accessibility, WhatAnAssistiveProgramSetsIsAnEdit)
+{
+    const auto preset = openWithNew(T::srt);
+    const auto track = preset->audioSettings().first();
+    track->setIsDefault(false);
+    const auto toggle = [&](QWidget *widget) {
+        auto *item = QAccessible::queryAccessibleInterface(widget);
+        item->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    };
+    const auto set = [&](QWidget *widget, const QString &text) {
+        QAccessible::queryAccessibleInterface(widget)->setText(QAccessible::Value, text);
+    };
+    toggle(control<QAbstractButton>("isDefault"));
+    EXPECT_TRUE(track->isDefault());
+    toggle(controls<QAbstractButton>("inputChannels").at(4));
+    EXPECT_EQ(track->inputChannels(), (QList<qint64>{0, 1, 4}));
+    auto *bitRate = control<QLineEdit>("bitRate");
+    const struct
+    {
+        QString text;
+        qint64 value;
+    } cases[] = {{u"6000"_s, 6000}, {u"6e3"_s, 6000}, {u"999999"_s, 240000}};
+    for (const auto &c : cases) {
+        set(bitRate, c.text);
+        EXPECT_EQ(preset->videoSettings().first()->bitRate(), c.value);
+        EXPECT_EQ(bitRate->text(), QString::number(c.value)) << "an edit that has ended";
+    }
+    set(control<QLineEdit>("language"), u"de"_s);
+    EXPECT_EQ(track->language(), u"de"_s);
+
+    const auto youTube = m_manager->addNewPreset(T::youTube);
+    turn();
+    toggle(control<QAbstractButton>("authenticate"));
+    EXPECT_TRUE(youTube->property("authenticate").toBool());
+}
+
+TEST_F(Accessibility, GroupsAreNamedAfterTheirHeaders)
+{
+    openWithNew(T::hls);
+    m_manager->selectedPreset()->videoSettings().first()->setResolution(VideoResolution::_640_360);
+    QStringList groups;
+    for (QWidget *widget : form()->findChildren<QWidget *>()) {
+        const auto *item = QAccessible::queryAccessibleInterface(widget);
+        if (widget->isVisible() && item->role() == QAccessible::Grouping)
+            groups.append(item->text(QAccessible::Name));
+    }
+    EXPECT_EQ(groups, (QStringList{u"Video Variant: H.264 640 x 360 @ 30.0"_s, u"Audio Track English"_s,
+                                   u"Source Channels"_s}));
+}
+
 TEST_F(Accessibility, ACaptionIsItsControlsNameAndBuddy)
 {
     openWithNew(T::srt);

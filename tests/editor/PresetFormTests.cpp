@@ -91,6 +91,93 @@ TEST_F(PresetForm, TheConnectionIsWrittenWhileItIsEdited)
     EXPECT_EQ(password->echoMode(), QLineEdit::Password) << "the next preset's password is masked again";
 }
 
+TEST_F(PresetForm, AHostCanAskForAllRowsThatTheKindsFilesKeep)
+{
+    open();
+    EXPECT_FALSE(m_controller->showsConnectionRows());
+    const QStringList server{u"streamingURL"_s, u"portNumber"_s,          u"streamingProtocol"_s,
+                             u"authenticate"_s, u"authenticationLogin"_s, u"authenticationPassword"_s};
+    QStringList service = server + QStringList{u"streamKey"_s, u"isBackup"_s};
+    service.insert(1, u"application"_s);
+    const struct
+    {
+        StreamingType type;
+        QStringList rows;
+    } cases[] = {
+        {T::hls, {}},           {T::youTube, service},
+        {T::rtmp, server},      {T::wowza, server},
+        {T::facebook, service}, {T::srt, {u"streamingURL"_s, u"portNumber"_s, u"authenticate"_s}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(displayName(c.type).toStdString());
+        const auto preset = m_manager->addNewPreset(c.type);
+        preset->setProperty("authenticate", true);
+        m_controller->setShowsConnectionRows(true);
+        turn();
+        QStringList rows;
+        for (const QLabel *label : form()->findChildren<QLabel *>()) {
+            if (label->isVisible() && label->buddy() &&
+                preset->property(label->buddy()->objectName().toUtf8().constData()).isValid())
+                rows.append(label->buddy()->objectName());
+        }
+        EXPECT_EQ(rows, c.rows);
+        m_controller->setShowsConnectionRows(false);
+        turn();
+        EXPECT_EQ(control<QLineEdit>("streamKey"), nullptr);
+        EXPECT_EQ(control<QLineEdit>("streamingURL") != nullptr, c.rows == service);
+    }
+}
+
+TEST_F(PresetForm, AWholeAddressThatIsPastedFillsTheRowsThatItNames)
+{
+    open();
+    m_controller->setShowsConnectionRows(true);
+    const struct
+    {
+        StreamingType type;
+        QString pasted;
+        QString expected; ///< host, application, port, protocol, login, password, key
+    } cases[] = {
+        {T::youTube, u"rtmps://a.rtmps.youtube.com:443/live2/abcd-efgh"_s,
+         u"a.rtmps.youtube.com|live2|443|RTMPS|||abcd-efgh"_s},
+        {T::facebook, u"rtmps://live-api-s.facebook.com:443/rtmp/FB-1-0?s_bl=1&a=%2f"_s,
+         u"live-api-s.facebook.com|rtmp|443|RTMPS|||FB-1-0?s_bl=1&a=%2f"_s},
+        {T::youTube, u" rtmp://b.example.com/live2 "_s, u"b.example.com|live2|1935|RTMP|||"_s},
+        {T::youTube, u"https://example.com/x"_s, u"https://example.com/x|live2|1935|RTMP|||"_s},
+        {T::wowza, u"rtsp://me:pw@[::1]:554/app/stream?x=1"_s,
+         u"[::1]/app/stream?x=1||554|RTSP TCP|me|pw|"_s},
+        {T::rtmp, u"srt://h:1"_s, u"srt://h:1||1935|RTMP|||"_s},
+        {T::srt, u"srt://relay.example.com:7000?streamid=a%20b"_s,
+         u"relay.example.com?streamid=a%20b||7000||||"_s},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.pasted.toStdString());
+        const auto preset = m_manager->addNewPreset(c.type);
+        turn();
+        enter(control<QLineEdit>("streamingURL"));
+        control<QLineEdit>("streamingURL")->insert(c.pasted);
+        turn();
+        QStringList values;
+        for (const char *field : {"streamingURL", "application", "portNumber", "streamingProtocol",
+                                  "authenticationLogin", "authenticationPassword", "streamKey"}) {
+            const auto *rtmp = dynamic_cast<const RTMPVantlePreset *>(preset.get());
+            values.append(qstrcmp(field, "streamingProtocol") != 0 ? preset->property(field).toString()
+                          : rtmp                                   ? displayName(rtmp->streamingProtocol())
+                                                                   : QString());
+        }
+        EXPECT_EQ(values.join(u'|'), c.expected);
+        EXPECT_EQ(control<QLineEdit>("streamingURL")->text(), values.first());
+    }
+    // What is typed is never taken apart.
+    enter(control<QLineEdit>("streamingURL"));
+    type(u"srt://typed:1"_s);
+    EXPECT_EQ(m_manager->selectedPreset()->property("streamingURL"), u"srt://typed:1"_s);
+    enter(control<QLineEdit>("portNumber"));
+    type(u"70000"_s);
+    EXPECT_EQ(control<QLineEdit>("portNumber")->accessibleDescription(),
+              u"A port is a number from 1 to 65535."_s);
+}
+
 TEST_F(PresetForm, EntriesAreAddedLast)
 {
     const auto preset = openWithNew(T::hls);

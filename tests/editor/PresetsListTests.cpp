@@ -160,6 +160,28 @@ TEST_F(ListOfPresets, HasAContextMenu)
     EXPECT_EQ(highlightedName(), u"Beta copy"_s);
 }
 
+TEST_F(ListOfPresets, ShiftF10OpensTheMenuOfTheRow)
+{
+    clickRow(u"Beta"_s);
+    press(Qt::Key_F10, Qt::ShiftModifier);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->actions().value(0)->text(), u"Duplicate"_s);
+    menu->close();
+}
+
+TEST_F(ListOfPresets, ControlDThatIsHeldMakesOneDuplicate)
+{
+    clickRow(u"Beta"_s);
+    const auto count = m_manager->presets().size();
+    press(Qt::Key_D, Qt::ControlModifier);
+    for (int i = 0; i < 20; ++i) {
+        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_D, Qt::ControlModifier, QString(), true);
+        QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &repeat);
+    }
+    EXPECT_EQ(m_manager->presets().size(), count + 1);
+}
+
 TEST_F(ListOfPresets, ControlDDuplicatesWhereverTheFocusIs)
 {
     list().setFocus();

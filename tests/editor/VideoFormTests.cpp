@@ -69,12 +69,11 @@ TEST_F(VideoForm, TheCodecChangesProfilesAndMaximumButNotTheModelsProfile)
     openForm(T::hls);
     choose(control<QComboBox>("profile"), u"H264_High_4_1"_s);
     EXPECT_TRUE(shows(u"Maximum  50000"_s));
-    EXPECT_FALSE(shows(u"Not available for this codec, size and rate"_s));
     choose(control<QComboBox>("codec"), u"HEVC"_s);
     const auto *profile = control<QComboBox>("profile");
     EXPECT_EQ(m_settings->profile(), u"H264_High_4_1"_s);
     EXPECT_EQ(profile->currentText(), u"H264_High_4_1"_s);
-    EXPECT_TRUE(shows(u"Not available for this codec, size and rate"_s));
+    EXPECT_TRUE(shows(u"H264_High_4_1 is no profile of HEVC. HEVC_Main_AutoLevel fits."_s));
     EXPECT_TRUE(shows(u"Maximum  0"_s));
     auto *bitRate = control<QLineEdit>("bitRate");
     enter(bitRate);
@@ -82,10 +81,16 @@ TEST_F(VideoForm, TheCodecChangesProfilesAndMaximumButNotTheModelsProfile)
     press(Qt::Key_Tab);
     EXPECT_EQ(m_settings->bitRate(), 4500) << "not the 0 that is the maximum";
     EXPECT_EQ(bitRate->text(), u"4500"_s);
+    EXPECT_TRUE(shows(u"Stays at 4500 until the profile fits."_s));
+    EXPECT_EQ(bitRate->accessibleDescription(), u"Stays at 4500 until the profile fits."_s);
     choose(control<QComboBox>("profile"), u"HEVC_Main 10_AutoLevel"_s);
     EXPECT_EQ(choices(profile), m_settings->hevcProfileLevels(m_settings->resolution(), 30));
     EXPECT_TRUE(shows(u"Maximum  240000"_s));
-    EXPECT_FALSE(shows(u"Not available for this codec, size and rate"_s));
+    EXPECT_TRUE(profile->accessibleDescription().isEmpty());
+    EXPECT_TRUE(bitRate->accessibleDescription().isEmpty());
+    enter(bitRate);
+    type(u"250000"_s);
+    EXPECT_TRUE(shows(u"Limited to 240000, the most that HEVC_Main 10_AutoLevel allows."_s));
     EXPECT_TRUE(shows(u"Video Variant: HEVC 1920 x 1080 @ 30.0"_s));
 }
 
@@ -102,12 +107,17 @@ TEST_F(VideoForm, NumbersAreTakenAsTheyAreTyped)
         {"bitRate", u"8000"_s, 8000, u"8000"_s},
         {"bitRate", u"1,234"_s, 1234, u"1234"_s},
         {"bitRate", u"abc"_s, 4500, u"4500"_s},
-        {"bitRate", u"12.5"_s, 12, u"12"_s},
+        {"bitRate", u"12.5"_s, 4500, u"4500"_s},
+        {"bitRate", u"1e3"_s, 4500, u"4500"_s},
+        {"bitRate", u"12 34"_s, 4500, u"4500"_s},
+        {"bitRate", u"1,23"_s, 4500, u"4500"_s},
         {"bitRate", u"-5"_s, 0, u"0"_s},
         {"bitRate", u"999999"_s, 240000, u"240000"_s},
-        {"bitRate", u"99999999999999999999"_s, 240000, u"240000"_s},
+        {"bitRate", u"9223372036854775807"_s, 240000, u"240000"_s},
+        {"bitRate", u"9223372036854775808"_s, 4500, u"4500"_s},
+        {"bitRate", u"999999999999999999999"_s, 4500, u"4500"_s},
         {"pid", u" 4097 "_s, 4097, u"4097"_s},
-        {"pid", u"0x1F"_s, 0, u"0"_s},
+        {"pid", u"0x1F"_s, 4097, u"4097"_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.typed.toStdString());
@@ -140,7 +150,7 @@ TEST_F(VideoForm, CustomSizesHaveFieldsAndNeverStopTheProcess)
     m_settings->setCustomHeight(std::numeric_limits<qint64>::max());
     m_settings->setFrameRate(1e308);
     EXPECT_EQ(choices(control<QComboBox>("profile")), QStringList{u"H264_Main_AutoLevel"_s});
-    EXPECT_TRUE(shows(u"Not available for this codec, size and rate"_s));
+    EXPECT_TRUE(shows(u"No profile fits this size and rate."_s));
     choose(control<QComboBox>("resolution"), u"1280 x 720"_s);
     EXPECT_FALSE(control<QLineEdit>("customWidth"));
 }
@@ -183,11 +193,14 @@ TEST_F(VideoForm, ToolTipsShowTextsAsTheyAre)
         m_settings->setProfile(text);
         m_preset->setName(text);
         const QModelIndex row = list().model()->index(0, 0);
-        for (const QString &tip :
-             {control<QWidget>("profile")->toolTip(), row.data(Qt::ToolTipRole).toString()}) {
+        const std::pair<QString, QString> tips[] = {
+            {control<QWidget>("profile")->toolTip(), text},
+            {row.data(Qt::ToolTipRole).toString(), text + u"\nHLS"_s},
+        };
+        for (const auto &[tip, expected] : tips) {
             QTextDocument shown;
             Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
-            EXPECT_EQ(shown.toPlainText(), text);
+            EXPECT_EQ(shown.toPlainText(), expected);
         }
     }
 }
@@ -215,6 +228,7 @@ TEST_F(VideoForm, ColumnsLineUpFromOneRenditionToTheNext)
     m_preset->newVideoSettings();
     m_preset->videoSettings().last()->setCodec(VideoCodec::hevc);
     m_preset->videoSettings().last()->setFrameRate(23.976);
+    m_settings->setResolution(VideoResolution::_custom);
     turn();
     for (const char *property : {"resolution", "frameRate", "profile", "bitRate", "pid"}) {
         const QWidget *first = control<QWidget>(property, 0);

@@ -183,5 +183,20 @@ TEST_F(WindowDeathTest, EntriesOffTheMainThreadStopTheProcess)
     EXPECT_DEATH(elsewhere([&] { m_controller->showWindow(); }), "main thread");
 }
 
+TEST_F(Window, ComesBackMaximizedOrNot)
+{
+    open();
+    for (const bool isMaximized : {true, false}) {
+        window().setWindowState(isMaximized ? Qt::WindowMaximized : Qt::WindowNoState);
+        turn();
+        m_controller.reset();
+        m_controller =
+            PresetsWindowControllerObjCBridge::makePresetsWindowControllerWithPresetsManager(m_manager);
+        EXPECT_EQ(window().isMaximized(), isMaximized);
+        window().show();
+        turn();
+    }
+}
+
 } // namespace
 } // namespace vantle

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/editor/ProblemStrip.h"
+
+#include "VantlePresets/editor/BundleIcon.h"
+#include "VantlePresets/editor/EditorStyle.h"
+#include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/GroupBox.h"
+
+#include <QtGui/QAccessible>
+#include <QtGui/QPainter>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QToolButton>
+
+namespace vantle {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QString sentence(const PresetsFailure &failure)
+{
+    using Operation = PresetsFailure::Operation;
+    switch (failure.operation) {
+    case Operation::load:
+        return ProblemStrip::tr("“%1” can't be read: %2").arg(failure.name, failure.reason);
+    case Operation::save:
+        return ProblemStrip::tr("“%1” is not saved: %2").arg(failure.name, failure.reason);
+    case Operation::deletion:
+        return ProblemStrip::tr("“%1” is not deleted: %2").arg(failure.name, failure.reason);
+    }
+    return failure.reason;
+}
+
+} // namespace
+
+ProblemStrip::ProblemStrip(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
+    : QWidget(parent), m_manager(manager), m_text(new FormLabel(FormLabel::Voice::notice)),
+      m_tryAgain(new QPushButton(tr("Try Again"))),
+      m_close(makeIconButton(dimmedBundleSymbol(u"xmark.circle.fill"_s), tr("Close"), u"closeProblems"_s))
+{
+    setObjectName(u"problems"_s);
+    GroupBox::announceAsGroup(this);
+    m_tryAgain->setObjectName(u"tryAgain"_s);
+    m_tryAgain->setAccessibleName(m_tryAgain->text());
+    m_tryAgain->setAutoDefault(false);
+    auto *line = new QHBoxLayout(this);
+    line->setContentsMargins(kInRow, kInRow / 2, kInRow, kInRow / 2);
+    line->setSpacing(kInRow);
+    line->addSpacing(warningSignWidth(m_text->font()));
+    line->addWidget(m_text, 1);
+    line->addWidget(m_tryAgain);
+    line->addWidget(m_close);
+    QSizePolicy reserved = m_tryAgain->sizePolicy();
+    reserved.setRetainSizeWhenHidden(true); // the strip is as high as its button, whether it is shown or not
+    m_tryAgain->setSizePolicy(reserved);
+    connect(m_tryAgain, &QPushButton::clicked, this, &ProblemStrip::tryAgain);
+    connect(m_close, &QToolButton::clicked, this, &ProblemStrip::clearNotices);
+    connect(manager.get(), &PresetsManager::startFailed, this, &ProblemStrip::showProblems);
+    connect(manager.get(), &PresetsManager::failed, this, &ProblemStrip::showProblems);
+    connect(manager.get(), &PresetsManager::recovered, this, &ProblemStrip::showProblems);
+    showProblems();
+}
+
+void ProblemStrip::addNotice(const QString &text)
+{
+    m_notices.append(text);
+    showProblems();
+}
+
+void ProblemStrip::clearNotices()
+{
+    m_notices.clear();
+    showProblems();
+}
+
+QString ProblemStrip::text() const
+{
+    return m_text->text();
+}
+
+QStringList ProblemStrip::problems() const
+{
+    QStringList all;
+    if (const auto error = m_manager->startError())
+        all.append(
+            tr("Nothing is saved until this folder can be used and the application is started again: %1")
+                .arg(*error));
+    for (const PresetsFailure &failure : m_manager->failures())
+        all.append(sentence(failure));
+    return all + m_notices;
+}
+
+void ProblemStrip::showProblems()
+{
+    const QStringList all = problems();
+    QString text = all.isEmpty() ? QString() : all.last();
+    if (all.size() > 1)
+        text = tr("%1 (and %2 more)").arg(text, QString::number(all.size() - 1));
+    const bool isNews = text != m_text->text() && !text.isEmpty();
+    m_text->setText(text);
+    setToolTip(toolTipFor(all.join(u'\n')));
+    m_tryAgain->setVisible(!m_manager->failures().isEmpty());
+    m_close->setVisible(!m_notices.isEmpty());
+    setAccessibleName(text);
+    if (isNews) {
+        QAccessibleEvent alert(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    }
+    update();
+}
+
+void ProblemStrip::tryAgain()
+{
+    for (const PresetsFailure &failure : m_manager->failures())
+        m_manager->retry(failure);
+}
+
+void ProblemStrip::paintEvent(QPaintEvent *)
+{
+    if (m_text->text().isEmpty())
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mixed(palette().color(QPalette::Window), filmTint(), 0.18));
+    painter.drawRoundedRect(rect(), 6, 6);
+    const int side = QFontMetrics(m_text->font()).height();
+    const QRect place =
+        QStyle::visualRect(layoutDirection(), rect(), QRect(kInRow, (height() - side) / 2, side, side));
+    paintWarningSign(painter, place.topLeft(), m_text->font());
+}
+
+} // namespace vantle

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "VantlePresets/store/PresetImport.h"
+
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/NameRules.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSet>
+
+namespace vantle {
+namespace {
+
+QString reasonOf(const std::exception &error)
+{
+    const auto *decoding = dynamic_cast<const DecodingError *>(&error);
+    if (!decoding || decoding->place().isEmpty())
+        return escapedControls(decoding ? decoding->description() : QString::fromUtf8(error.what()));
+    return escapedControls(decoding->place() + QStringLiteral(": ") + decoding->description());
+}
+
+} // namespace
+
+QList<PresetImport> readPresetsToImport(const std::vector<std::filesystem::path> &paths)
+{
+    QList<PresetImport> imports;
+    for (const auto &path : paths) {
+        PresetImport import{path, nullptr, {}};
+        try {
+            import.preset = readPresetFile(path);
+            import.preset->moveWithSettingsToThread(QCoreApplication::instance()->thread());
+        } catch (const std::exception &error) {
+            import.refusal = reasonOf(error);
+        }
+        imports.append(import);
+    }
+    return imports;
+}
+
+void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports)
+{
+    PresetsList added;
+    QStringList sources;
+    QSet<QString> names;
+    for (PresetImport &import : imports) {
+        if (!import.preset)
+            continue;
+        const QString name = canonicalName(import.preset->name());
+        if (manager.presetWithName(import.preset->name()) || names.contains(name)) {
+            import.preset.reset();
+            import.refusal = QStringLiteral("a preset of this name exists");
+            continue;
+        }
+        names.insert(name);
+        added.append(import.preset);
+        sources.append(QString::fromStdString(import.path.native()));
+    }
+    if (added.isEmpty())
+        return;
+    manager.setPresets(manager.presets() + added);
+    for (qsizetype i = 0; i < added.size(); ++i)
+        manager.saveLike(added[i], sources[i]); // a copy is no more open than its source
+}
+
+} // namespace vantle

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/Export.h"
+#include "VantlePresets/store/PresetsManager.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace vantle {
+
+/// A file from anywhere that is to become a preset of the store.
+struct PresetImport
+{
+    std::filesystem::path path;
+    std::shared_ptr<VantlePreset> preset; ///< named after the file; null when it was refused
+    QString refusal;                      ///< in one line without the path; "" unless it was refused
+};
+
+/// Reads the files. On any thread, since a disk may be slow; the presets belong to the application's thread
+/// afterwards.
+[[nodiscard]] VANTLE_PRESETS_EXPORT QList<PresetImport>
+readPresetsToImport(const std::vector<std::filesystem::path> &paths);
+
+/// Lists and saves what was read, and refuses what has the name of a listed preset or of an earlier file.
+/// Main thread only. The selection stays.
+VANTLE_PRESETS_EXPORT void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports);
+
+} // namespace vantle
