@@ -9,7 +9,7 @@ namespace vantle {
 struct OwnChange::State
 {
     std::shared_ptr<WatchSession> session; ///< the one that the change began in
-    std::string path; ///< relative to the folder
+    std::string path;                      ///< relative to the folder
     OwnOutcome outcome;
 };
 

@@ -197,8 +197,8 @@ OwnChange VRXWatchFolder::beginOwnChange(const QString &path)
     auto session = m_core->session();
     if (!session || !relative || m_core->filter.shouldIgnore(nativePath(path)))
         return {};
-    return OwnChange(std::make_unique<OwnChange::State>(
-        OwnChange::State{std::move(session), std::move(*relative), {}}));
+    return OwnChange(
+        std::make_unique<OwnChange::State>(OwnChange::State{std::move(session), std::move(*relative), {}}));
 }
 
 void VRXWatchFolder::performOwnChange(const QString &path, const std::function<void()> &change)

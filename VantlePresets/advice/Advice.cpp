@@ -12,8 +12,8 @@ namespace {
 using namespace Qt::StringLiterals;
 using advice::AdviceList;
 
-constexpr EnumerationTable<AdviceSeverity>::Case kSeverityCases[] = {
-    {AdviceSeverity::error, "error"_L1}, {AdviceSeverity::warning, "warning"_L1}};
+constexpr EnumerationTable<AdviceSeverity>::Case kSeverityCases[] = {{AdviceSeverity::error, "error"_L1},
+                                                                     {AdviceSeverity::warning, "warning"_L1}};
 constexpr EnumerationTable<AdviceSeverity> kSeverities{"unexpected AdviceSeverity value", kSeverityCases};
 
 /// A text of a document that reads as another.
