@@ -55,10 +55,9 @@ Finding FolderInventory::compare(const ChangedPath &changed)
         const auto state = readState(changed.path, error);
         const bool isMissing = !state && saysMissing(error);
         LookCause cause = changed.cause;
-        // With the whole folder gone or replaced, nobody can say that it was this process who removed the
-        // item.
-        if (isMissing && (cause == LookCause::ownRemoval || cause == LookCause::ownReplacement) &&
-            !isNotedFolder(noted))
+        // With the whole folder gone or replaced, nobody can say that what is there now, or is missing, is
+        // this process's doing: its events are those of the other folder.
+        if (cause != LookCause::look && cause != LookCause::foreign && noted && !isNotedFolder(noted))
             cause = LookCause::look;
         const std::lock_guard lock(m_mutex);
         if (m_ownChanges == ownChanges)
@@ -204,7 +203,14 @@ void FolderInventory::noteFolder()
     std::error_code error;
     const auto present = readFileState(AT_FDCWD, m_folder.c_str(), Follow::Links, error);
     const std::lock_guard lock(m_mutex);
-    m_notedFolder = present;
+    const auto noted = std::exchange(m_notedFolder, present);
+    if (!noted || (present && present->inode == noted->inode && present->device == noted->device))
+        return;
+    // What this process has made, and nobody was told of, was in the other folder.
+    for (const std::string &path : m_inventory.pathsBelow({})) {
+        if (m_inventory.find(path)->knowledge == Knowledge::untold)
+            m_inventory.remove(path);
+    }
 }
 
 bool FolderInventory::isNotedFolder(const std::optional<FileState> &noted) const

@@ -181,6 +181,15 @@ TEST(StagedFile, ANameThatSomebodyGuessedIsNeitherFollowedNorTaken)
     }
 }
 
+TEST(StagedFile, WithoutATemporaryNameNobodySaysThatTheFilesOwnIsTaken)
+{
+    const TemporaryFolder folder;
+    beforeCreation = [](int at, const char *name) { EXPECT_EQ(::symlinkat("nowhere", at, name), 0); };
+    EXPECT_EQ(errorOf([&] { replace(folder.path("Show.json"), "new"); }),
+              make_error_code(FileFault::noTemporary));
+    beforeCreation = {};
+}
+
 TEST(StagedFile, CleaningUpTakesLeftoversAndFollowsNoLink)
 {
     const TemporaryFolder folder;

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <random>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -117,6 +119,21 @@ TEST(Saving, AManagerThatGoesHasSavedEverything)
     }
     manager.reset();
     EXPECT_EQ(store.onDisk("HLS Preset")->videoSettings().first()->bitRate(), 50); // in order
+}
+
+TEST(Saving, WhoHoldsTheFoldersLockHoldsUpOneSaveForAWhile)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    const auto manager = store.makeManager();
+    const int held = ::open(store.folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    for (int i = 0; i < 3; ++i)
+        manager->setSelectedPreset(manager->presets().first());
+    manager->waitForFileTasks();
+    EXPECT_EQ(store.logOf("Another process holds the lock of "_L1).size(), 1);
+    EXPECT_EQ(store.logOf("Preset Saved: A"_L1).size(), 3);
+    ::close(held);
 }
 
 TEST(Saving, AFileKeepsItsMode)

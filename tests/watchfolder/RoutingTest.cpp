@@ -201,12 +201,13 @@ TEST_F(WatcherOnFakeStream, WhatThisProcessChangedIsMissedInAnotherFolder)
 {
     runScript(folder.path(), "mkdir w; echo 1 > w/a; echo 1 > w/b");
     Watching watching(folder.path("w"), options);
-    runScript(folder.path(), "mv w away; mkdir w"); // behind an own change
+    runScript(folder.path(), "mv w away; mkdir w; echo his > w/c"); // behind own changes
     stream->deliver("a", ItemIsFile | ItemRenamed | ItemRemoved | ItemCreated | OwnEvent);
+    stream->deliver("c", ItemIsFile | ItemCreated | OwnEvent);
     ASSERT_TRUE(flushed(*watching.watcher));
     stream->deliver("", RootChanged);
     ASSERT_TRUE(flushed(*watching.watcher));
-    EXPECT_THAT(watching.recorder->takeLines(), testing::UnorderedElementsAre("removed a", "removed b"));
+    EXPECT_THAT(watching.recorder->takeLines(), testing::UnorderedElementsAre("removed a", "removed b", "added c"));
 }
 
 TEST_F(WatcherOnFakeStream, LooksAgainWhereItIsAskedTo)
