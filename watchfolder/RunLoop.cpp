@@ -5,6 +5,7 @@
 #include <QtCore/QThread>
 #include <QtCore/QTimerEvent>
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
@@ -58,6 +59,7 @@ public:
     /// Goes to the main thread, with what waits and its timers, when the thread ends.
     void liveOn(QThread *thread)
     {
+        m_isMade.store(true, std::memory_order_release);
         moveToThread(thread);
         connect(
             thread, &QThread::finished, this,
@@ -71,7 +73,8 @@ public:
 
     bool event(QEvent *event) override
     {
-        if (event->type() != QEvent::User)
+        // The toolkit orders the making before the first event, out of the thread sanitizer's sight.
+        if (!m_isMade.load(std::memory_order_acquire) || event->type() != QEvent::User)
             return QObject::event(event);
         while (std::optional<State::Waiting> next = take()) {
             if (next->delay.count() == 0)
@@ -103,6 +106,7 @@ private:
 
     const std::shared_ptr<State> m_state;
     std::map<int, Task> m_timed;
+    std::atomic<bool> m_isMade = false;
 };
 
 std::shared_ptr<RunLoop> RunLoop::current()
