@@ -107,8 +107,8 @@ Q_SIGNALS:
 private:
     friend class RTMPPrivate;
 
-    [[nodiscard]] RTMPPrivate &data();
-    [[nodiscard]] const RTMPPrivate &data() const;
+    [[nodiscard]] Q_DECL_HIDDEN RTMPPrivate &data();
+    [[nodiscard]] Q_DECL_HIDDEN const RTMPPrivate &data() const;
 };
 
 /// The four transports in order, with the strings shown to users and kept in preset files.

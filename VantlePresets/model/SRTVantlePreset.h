@@ -85,8 +85,8 @@ Q_SIGNALS:
 private:
     friend class SRTPrivate;
 
-    [[nodiscard]] SRTPrivate &data();
-    [[nodiscard]] const SRTPrivate &data() const;
+    [[nodiscard]] Q_DECL_HIDDEN SRTPrivate &data();
+    [[nodiscard]] Q_DECL_HIDDEN const SRTPrivate &data() const;
 };
 
 /// Both modes in order, with their display strings.
