@@ -43,7 +43,6 @@ ChannelToggles::ChannelToggles(QWidget *parent)
                 [this, channel](bool isOn) { this->toggle(channel, isOn); });
         m_toggles.append(toggle);
     }
-    m_caption->setBuddy(m_toggles.first());
 
     m_clear = new QPushButton(tr("Clear"), this);
     m_clear->setFont(mini);

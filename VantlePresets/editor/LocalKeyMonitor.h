@@ -21,11 +21,17 @@ public:
 
     explicit LocalKeyMonitor(Handler handler);
 
+    /// Whether the press comes from a key that is held. The toolkit does not always know: to some window
+    /// systems a repetition is a release and a press at once.
+    [[nodiscard]] bool isRepetition(const QKeyEvent &press) const;
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     Handler m_handler;
+    int m_releasedKey = 0;
+    quint64 m_releasedAt = 0; ///< in milliseconds of the window system
 };
 
 } // namespace vantle

@@ -267,7 +267,7 @@ bool PresetsListView::duplicateByShortcut(const QKeyEvent &event)
     if (!isShortcut || m_nameEdit->preset() || !m_manager->selectedPreset() ||
         QApplication::activeModalWidget())
         return false;
-    if (event.isAutoRepeat())
+    if (m_keyMonitor->isRepetition(event))
         return true; // one press is one duplicate, however long it is held
     duplicate(m_manager->selectedPreset());
     takeFocusSoon();
