@@ -8,7 +8,9 @@
 #include <sys/fanotify.h>
 #include <sys/inotify.h>
 
+#include <chrono>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <string>
@@ -41,7 +43,7 @@ public:
         require(known != nullptr && known->path == path, "a marked directory is known");
         if (name == "." || name.empty())
             m_directories.removeTree(path, [](const std::string &) {});
-        m_pending.note("/watched", name, mask, own);
+        m_pending.note("/watched", name, mask, own, m_now);
         m_names.emplace(name);
     }
 
@@ -49,7 +51,8 @@ public:
     {
         std::set<std::string> reported;
         for (const bool settle : {false, true, true}) {
-            for (const VRXWatchFolderEvent &event : m_pending.take(settle))
+            m_now += std::chrono::seconds(1);
+            for (const VRXWatchFolderEvent &event : m_pending.take(settle, m_now))
                 require(reported.insert(event.nativePath()).second, "one event per path and window");
         }
         for (const std::string &path : reported)
@@ -60,11 +63,13 @@ public:
 private:
     OpenFile probe()
     {
-        constexpr OpenFile kAnswers[] = {OpenFile::Empty, OpenFile::Written, OpenFile::Complete};
-        return kAnswers[m_probes++ % 3];
+        constexpr OpenFile kAnswers[] = {OpenFile::Empty, OpenFile::Unknown, OpenFile::Written,
+                                         OpenFile::Complete};
+        return kAnswers[m_probes++ % std::size(kAnswers)];
     }
 
     std::size_t m_probes = 0;
+    PendingEvents::Clock::time_point m_now;
     PendingEvents m_pending{[this](const std::string &) { return probe(); }};
     WatchedDirectories<std::string, std::hash<std::string>> m_directories;
     std::set<std::string> m_names;

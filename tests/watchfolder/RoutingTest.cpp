@@ -207,7 +207,8 @@ TEST_F(WatcherOnFakeStream, WhatThisProcessChangedIsMissedInAnotherFolder)
     ASSERT_TRUE(flushed(*watching.watcher));
     stream->deliver("", RootChanged);
     ASSERT_TRUE(flushed(*watching.watcher));
-    EXPECT_THAT(watching.recorder->takeLines(), testing::UnorderedElementsAre("removed a", "removed b", "added c"));
+    EXPECT_THAT(watching.recorder->takeLines(),
+                testing::UnorderedElementsAre("removed a", "removed b", "added c"));
 }
 
 TEST_F(WatcherOnFakeStream, LooksAgainWhereItIsAskedTo)
