@@ -20,6 +20,7 @@ class VANTLE_WATCHFOLDER_EXPORT OwnChange
 public:
     /// Around nothing.
     OwnChange();
+    /// The moved one is around nothing.
     OwnChange(OwnChange &&other) noexcept;
     OwnChange &operator=(OwnChange &&) = delete;
     ~OwnChange();

@@ -16,9 +16,9 @@ struct PresetsFailure
         deletion, ///< deleting the file, which is still there
     };
 
-    Operation operation = Operation::load;
-    QString name;   ///< the preset's or file's, without the extension
-    QString path;   ///< absolute, of the file
+    Operation operation = Operation::load; ///< that failed
+    QString name;                          ///< the preset's or file's, without the extension
+    QString path;                          ///< absolute, of the file
     QString reason; ///< of the operating system or the document, as in the log's line: "Permission denied"
 
     /// The same operation on the same file, for the same reason.
