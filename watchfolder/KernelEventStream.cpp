@@ -140,6 +140,9 @@ void KernelEventStream::deliver(Urgency urgency)
 {
     m_scheduled = false;
     const Heard heard = readBatch();
+    const std::vector<Flush> flushes = takeDrainedFlushes();
+    if (!flushes.empty())
+        urgency = Urgency::Now; // whoever waits is answered by this delivery, whatever has caused it
     if (heard.doubt || heard.mountsChanged)
         apply(PresenceInput::doubt);
     if (heard.mountsChanged)
@@ -148,23 +151,22 @@ void KernelEventStream::deliver(Urgency urgency)
         apply(PresenceInput::overflow);
     if (urgency == Urgency::Now)
         apply(PresenceInput::flush);
+    // Found missing just now, since the event that said so was lost: a client that waits is told at once.
+    if (urgency == Urgency::Now && m_presence == FolderPresence::missing)
+        apply(PresenceInput::flush);
     deliverPending(urgency);
-    finishFlushes();
+    for (const Flush &flush : flushes)
+        flush.done();
 }
 
-void KernelEventStream::finishFlushes()
+std::vector<KernelEventStream::Flush> KernelEventStream::takeDrainedFlushes()
 {
-    std::vector<Flush> finished;
-    {
-        const std::lock_guard lock(m_flushMutex);
-        const auto waiting =
-            std::stable_partition(m_flushes.begin(), m_flushes.end(),
-                                  [this](const Flush &flush) { return flush.drain <= m_drained; });
-        std::move(m_flushes.begin(), waiting, std::back_inserter(finished));
-        m_flushes.erase(m_flushes.begin(), waiting);
-    }
-    for (const Flush &flush : finished)
-        flush.done();
+    const std::lock_guard lock(m_flushMutex);
+    const auto waiting = std::stable_partition(
+        m_flushes.begin(), m_flushes.end(), [this](const Flush &flush) { return flush.drain <= m_drained; });
+    std::vector<Flush> drained(std::make_move_iterator(m_flushes.begin()), std::make_move_iterator(waiting));
+    m_flushes.erase(m_flushes.begin(), waiting);
+    return drained;
 }
 
 KernelEventStream::Heard KernelEventStream::readBatch()

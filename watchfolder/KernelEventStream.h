@@ -59,7 +59,7 @@ private:
     Heard readBatch();
     void handle(const KernelQueue::Record &record, PendingEvents::Clock::time_point now, Heard &heard);
     void deliverPending(Urgency urgency);
-    void finishFlushes();
+    std::vector<Flush> takeDrainedFlushes();
 
     void apply(PresenceInput input);
     void reopen();
