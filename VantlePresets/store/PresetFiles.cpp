@@ -2,6 +2,7 @@
 #include "VantlePresets/store/PresetFiles.h"
 
 #include "VantlePresets/core/Log.h"
+#include "VantlePresets/document/StagedFile.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "watchfolder/VRXWatchFolder.h"
 #include "watchfolder/WorkingQueue.h"

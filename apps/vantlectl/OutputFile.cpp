@@ -5,6 +5,7 @@
 #include "apps/vantlectl/PresetText.h"
 
 #include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/document/StagedFile.h"
 
 #include <QtCore/QScopeGuard>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/document/StagedFile.h"
 #include "tests/support/OtherUser.h"
 #include "tests/support/QtPrinters.h"
 #include "tests/support/TemporaryFolder.h"

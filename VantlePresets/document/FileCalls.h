@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "VantlePresets/document/FileAccess.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+// How the functions on files call the system. Private to this folder.
+namespace vantle {
+
+[[noreturn]] inline void throwLastError()
+{
+    throw std::system_error(errno, std::generic_category());
+}
+
+/// Repeats a system call that a signal interrupted; throws when it fails for another reason.
+template <class Call>
+auto checked(Call call)
+{
+    for (;;) {
+        const auto result = call();
+        if (result >= 0)
+            return result;
+        if (errno != EINTR)
+            throwLastError();
+    }
+}
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~Descriptor()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    /// Some file systems tell only now that there is no space (NFS, quotas).
+    void close()
+    {
+        if (::close(std::exchange(m_descriptor, -1)) != 0 && errno != EINTR)
+            throwLastError();
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+/// The system would take the path to end there.
+inline void requireNoNul(const std::filesystem::path &path)
+{
+    if (path.native().find('\0') != std::string::npos)
+        throw std::system_error(make_error_code(FileFault::badName));
+}
+
+inline FileStamp stampFrom(const struct stat &status)
+{
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
+}
+
+} // namespace vantle
