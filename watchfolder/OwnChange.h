@@ -14,7 +14,8 @@ namespace vantle {
 /// not reported when it is exactly what the bracket was told, and anybody else's, and reported, when it is
 /// not. A bracket that was told nothing has changed nothing.
 ///
-/// Brackets may overlap, be used on any thread, and outlive the watcher. Each is used by one thread.
+/// Brackets may overlap, be used on any thread, and outlive the watcher. Each is used by one thread, and
+/// belongs to the start of the watcher in which it began: to a later one the change is anybody's.
 class VANTLE_WATCHFOLDER_EXPORT OwnChange
 {
 public:

@@ -158,6 +158,12 @@ std::optional<FileStamp> stampOf(const std::filesystem::path &path)
     return ::stat(path.c_str(), &status) == 0 ? std::optional(stampFrom(status)) : std::nullopt;
 }
 
+std::optional<FileStamp> stampOf(int descriptor)
+{
+    struct stat status = {};
+    return ::fstat(descriptor, &status) == 0 ? std::optional(stampFrom(status)) : std::nullopt;
+}
+
 void writeFully(int descriptor, QByteArrayView content)
 {
     while (!content.isEmpty()) {

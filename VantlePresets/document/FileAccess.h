@@ -42,18 +42,28 @@ struct FileStamp
     timespec modified = {};
     timespec changed = {}; ///< kept by the system alone
 
+    /// Whether nobody has written to the file, as far as its dates tell; the change time is left out.
+    [[nodiscard]] bool isSameContent(const FileStamp &other) const
+    {
+        return device == other.device && inode == other.inode && size == other.size &&
+               isSame(modified, other.modified);
+    }
     friend bool operator==(const FileStamp &a, const FileStamp &b)
     {
-        const auto same = [](const timespec &one, const timespec &other) {
-            return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
-        };
-        return a.device == b.device && a.inode == b.inode && a.size == b.size &&
-               same(a.modified, b.modified) && same(a.changed, b.changed);
+        return a.isSameContent(b) && isSame(a.changed, b.changed);
+    }
+
+private:
+    static bool isSame(const timespec &a, const timespec &b)
+    {
+        return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
     }
 };
 
 /// Of what stands at the path, through links; nothing when that can't be told.
 [[nodiscard]] std::optional<FileStamp> stampOf(const std::filesystem::path &path);
+/// Of an open file.
+[[nodiscard]] std::optional<FileStamp> stampOf(int descriptor);
 
 /// Reads a whole regular file, through links. Never blocks on a FIFO or device. Throws std::system_error
 /// whose what() is the bare reason ("Permission denied"), with a FileFault or the system's code.

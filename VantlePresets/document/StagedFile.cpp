@@ -106,8 +106,9 @@ void StagedFile::createTemporary(const std::filesystem::path &target, Access acc
                                  const std::filesystem::path &like)
 {
     std::optional<FileAccess> adopted;
-    if (access == Access::asBefore) {
-        adopted = accessOf(target);
+    if (access != Access::ownerOnly) {
+        if (access == Access::asBefore)
+            adopted = accessOf(target);
         if (!adopted && !like.empty()) {
             adopted = accessOf(like);
             if (adopted)
@@ -278,8 +279,14 @@ int moveToFreeName(const std::filesystem::path &from, const std::filesystem::pat
         ::close(moved);
         throw;
     }
-    ::fsync(folder.get());
     return moved;
+}
+
+void syncFolder(const std::filesystem::path &folder)
+{
+    const Descriptor opened(
+        checked([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    ::fsync(opened.get());
 }
 
 void removeLeftoverFiles(const std::filesystem::path &folder) noexcept

@@ -29,7 +29,11 @@ void renameToFreeName(int folder, const char *from, const char *to);
 class StagedFile
 {
 public:
-    enum class Access { asBefore, ownerOnly };
+    enum class Access {
+        asBefore, ///< of the target, else of the file that it is like, else of the umask
+        asLike,   ///< the same without the target
+        ownerOnly,
+    };
 
     StagedFile(const std::filesystem::path &target, QByteArrayView content, Access access = Access::asBefore,
                const std::filesystem::path &like = {});
@@ -83,10 +87,13 @@ private:
 /// Whether two names in a folder are one entry, which folds case: the same file, with one name.
 [[nodiscard]] bool isOneEntry(const std::filesystem::path &a, const std::filesystem::path &b);
 
-/// Renames as renameToFreeName() does, also to another spelling of a name in a folder that folds case, and
-/// makes the renaming last. Returns the moved item's descriptor, of which only the state can be read; the
+/// Renames as renameToFreeName() does, also to another spelling of a name in a folder that folds case.
+/// Returns the moved item's descriptor, of which only the state can be read; the
 /// caller closes it. Throws std::system_error.
 [[nodiscard]] int moveToFreeName(const std::filesystem::path &from, const std::filesystem::path &to);
+
+/// Makes what was renamed in the folder last, where its file system can. Throws std::system_error.
+void syncFolder(const std::filesystem::path &folder);
 
 /// Removes the temporary files of StagedFile that killed processes left in a folder: those that nobody
 /// has locked; of those that other users closed to this one, where that can't be seen, the ones that are an

@@ -19,17 +19,13 @@ public:
 
     [[nodiscard]] const QList<PresetsFailure> &all() const { return m_failures; }
 
-    /// False when exactly this is known already.
-    bool add(const PresetsFailure &failure)
+    void add(const PresetsFailure &failure)
     {
         const auto known = find(failure.operation, failure.path);
         if (known == m_failures.end())
             m_failures.append(failure);
-        else if (*known == failure)
-            return false;
         else
             *known = failure;
-        return true;
     }
 
     std::optional<PresetsFailure> take(Operation operation, const QString &path)

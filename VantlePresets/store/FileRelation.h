@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -73,7 +74,6 @@ public:
         return m_state == SaveState::renaming || m_state == SaveState::renamingBlind ||
                m_state == SaveState::renameFailed;
     }
-    [[nodiscard]] bool hasFailed() const { return m_savesUnderWay == 0 && m_state != SaveState::settled; }
 
     enum class Outcome { written, skipped, refused, failed };
 
@@ -86,6 +86,8 @@ public:
     WantedName wanted;
     /// Since the last save that was written, the names whose files turned out to be somebody else's.
     QStringList refusedNames;
+    /// Whose permissions a file that has yet to be made gets; "" for the usual ones.
+    std::filesystem::path like;
     const std::shared_ptr<PresetFile> file = makeFile();
 
 private:

@@ -124,12 +124,10 @@ void PresetFiles::wait()
 
 void PresetFiles::start(std::function<void()> task, const std::function<void(const QString &)> &refused)
 {
-    try {
-        if (!m_queue)
-            m_queue = std::make_unique<WorkingQueue>(QualityOfService::Utility);
-    } catch (const std::system_error &error) {
-        return refused(QString::fromUtf8(error.what()));
-    }
+    if (!m_queue)
+        m_queue = std::make_unique<WorkingQueue>(QualityOfService::Utility);
+    if (const std::error_code error = m_queue->ensureThread())
+        return refused(QString::fromStdString(error.message()));
     m_queue->add([task = std::move(task)](const WorkingQueue::Cancelled &) { task(); });
 }
 
@@ -150,7 +148,11 @@ PresetFiles::Present PresetFiles::look(const PresetFile &file, const QString &na
     if (known.name != name) {
         std::error_code error;
         const auto type = std::filesystem::symlink_status(path, error).type();
-        return type == std::filesystem::file_type::not_found ? Present::nothing : Present::foreign;
+        if (type == std::filesystem::file_type::not_found)
+            return Present::nothing;
+        if (error) // too long a name, a folder that may not be searched: no other name would do better
+            throw std::system_error(error);
+        return Present::foreign;
     }
     if (!present)
         return Present::nothing;
@@ -240,18 +242,24 @@ PresetFiles::Outcome PresetFiles::move(const Save &save, const QString &oldName)
     const std::string from = pathOf(oldName);
     const std::string to = pathOf(save.name);
     KnownFile known = save.file->get();
-    const Turn turn(*this);
-    const Present present = look(*save.file, oldName);
-    if (present == Present::nothing)
-        return Outcome::skipped;
+    bool isOwn = false;
     {
+        const Turn turn(*this);
+        const auto before = stampOf(from);
+        const Present present = look(*save.file, oldName);
+        if (present == Present::nothing)
+            return Outcome::skipped;
         OwnChange arrival = m_watcher->beginOwnChange(QString::fromStdString(to));
         OwnChange departure = m_watcher->beginOwnChange(QString::fromStdString(from));
         try {
             const int moved = moveToFreeName(from, to);
             arrival.hasPut(moved);
             departure.hasRemoved();
+            const auto after = stampOf(moved);
             ::close(moved);
+            isOwn = present == Present::own && before && after && before->isSameContent(*after);
+            if (isOwn)
+                known.stamp = *after;
         } catch (const std::system_error &error) {
             if (error.code() == std::errc::file_exists)
                 return Outcome::refused;
@@ -261,12 +269,11 @@ PresetFiles::Outcome PresetFiles::move(const Save &save, const QString &oldName)
         }
         known.name = save.name;
         known.since = now();
-        if (present == Present::own)
-            known.stamp = stampOf(to).value_or(known.stamp);
         save.file->set(known);
     }
     m_deletionEnded({.name = oldName, .reason = {}});
-    return present == Present::own ? Outcome::written : Outcome::skipped; // the change has yet to be read
+    syncFolder(m_folder);
+    return isOwn ? Outcome::written : Outcome::skipped; // the change has yet to be read
 }
 
 void PresetFiles::removeNow(const QString &name, const std::function<bool()> &mayRemove)

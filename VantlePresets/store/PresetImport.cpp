@@ -53,7 +53,7 @@ void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports)
         }
         names.insert(name);
         added.append(import.preset);
-        sources.append(QString::fromStdString(import.path.native()));
+        sources.append(QString::fromStdString(import.like.native()));
     }
     if (added.isEmpty())
         return;

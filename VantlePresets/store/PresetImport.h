@@ -15,6 +15,7 @@ struct PresetImport
     std::filesystem::path path;
     std::shared_ptr<VantlePreset> preset; ///< named after the file; null when it was refused
     QString refusal;                      ///< in one line without the path; "" unless it was refused
+    std::filesystem::path like = path;    ///< the file whose permissions the preset's file gets
 };
 
 /// Reads the files. On any thread, since a disk may be slow; the presets belong to the application's thread

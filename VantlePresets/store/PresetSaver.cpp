@@ -35,7 +35,7 @@ QString PresetSaver::pathOf(const QString &name) const
     return m_folder + u'/' + name + ".json"_L1;
 }
 
-void PresetSaver::save(const Entry &entry, Way way, Precedence precedence, const std::filesystem::path &like)
+void PresetSaver::save(const Entry &entry, Way way, Precedence precedence)
 {
     FileRelation &relation = entry->relation;
     const auto hash = documentHash(*entry->preset);
@@ -61,7 +61,7 @@ void PresetSaver::save(const Entry &entry, Way way, Precedence precedence, const
                   .documentHash = *hash,
                   .precedence = hasEdits ? precedence : Precedence::unedited,
                   .takesOldNameAway = relation.isRenameOwed(),
-                  .like = like},
+                  .like = relation.like},
                  done);
 }
 
@@ -74,8 +74,10 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         entry->relation.documentHash.reset(); // the next save is one with edits
     if (result.outcome == Outcome::refused)
         entry->relation.refusedNames.append(name);
-    else if (result.outcome == Outcome::written)
+    if (result.outcome == Outcome::written) {
         entry->relation.refusedNames.clear();
+        entry->relation.like.clear();
+    }
     if (result.outcome == Outcome::failed && entry->name == name) // else another name's save will tell
         fail({Operation::save, name, pathOf(name), result.reason});
     else
@@ -84,12 +86,17 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         return;
     if (duty == SaveDuty::giveFreeName)
         giveFreeName(entry);
-    else if (const QString left = entry->relation.file->name();
-             result.outcome == Outcome::skipped && left != entry->name) {
-        m_reconciler->noteUnlisted(left); // others had removed the file that was to get the new name
-        m_list.removePreset(entry);
-    } else if (duty == SaveDuty::lookAgain)
-        lookAgain(entry->name);
+    else if (duty == SaveDuty::lookAgain)
+        lookAfterSave(entry, result.outcome);
+}
+
+void PresetSaver::lookAfterSave(const Entry &entry, PresetFiles::Outcome outcome)
+{
+    const QString left = entry->relation.file->name();
+    if (outcome != PresetFiles::Outcome::skipped || left == entry->name)
+        return lookAgain(entry->name);
+    m_reconciler->noteUnlisted(left); // others had removed the file that was to get the new name
+    m_list.removePreset(entry);
 }
 
 /// Another process had the idea of the same name first: both presets stay.

@@ -47,8 +47,7 @@ public:
     enum class Way { write, rename };
     using Precedence = PresetFiles::Precedence;
     /// Of a preset with edits; one without never overwrites what others have changed.
-    void save(const Entry &entry, Way way, Precedence precedence = Precedence::edits,
-              const std::filesystem::path &like = {});
+    void save(const Entry &entry, Way way, Precedence precedence = Precedence::edits);
     /// Deletes the preset's file.
     void remove(const Entry &entry);
     /// Deletes a file, whosever it is.
@@ -78,6 +77,7 @@ public:
 private:
     void saveEnded(const Entry &entry, const QString &name, bool hadEdits, const PresetFiles::Result &result);
     void deletionEnded(const PresetFiles::Deletion &deletion);
+    void lookAfterSave(const Entry &entry, PresetFiles::Outcome outcome);
     void giveFreeName(const Entry &entry);
 
     List &m_list;

@@ -146,7 +146,9 @@ void PresetsManager::Private::save(const std::shared_ptr<VantlePreset> &preset,
         nameEdit != saved && saved->name() != entry->name && !index.isTaken(saved->name(), saved.get());
     if (isRenamed)
         moveEntry(entry, saved->name());
-    saver->save(entry, PresetSaver::Way::write, precedence, like);
+    if (!like.empty())
+        entry->relation.like = like;
+    saver->save(entry, PresetSaver::Way::write, precedence);
     if (isRenamed)
         announceList();
     if (quitting)
@@ -275,6 +277,7 @@ PresetsManager::Private::Entry PresetsManager::Private::entryOfFile(const QStrin
 
 void PresetsManager::Private::presetRemoved(const QString &name)
 {
+    saver->recover(PresetsFailure::Operation::deletion, name); // others have done it
     const auto entry = entryOfFile(name);
     // What the folder's inventory has was made again since: what becomes of that is reported.
     if (!entry || !saver->hear(entry) || isInFolder(name))
@@ -294,6 +297,7 @@ bool PresetsManager::Private::isOutdated(const Entry &entry, const KnownFile &re
 
 void PresetsManager::Private::presetGone(const KnownFile &read)
 {
+    saver->recover(PresetsFailure::Operation::deletion, read.name);
     const auto entry = entryOfFile(read.name);
     if (!entry || !saver->hear(entry) || isOutdated(entry, read))
         return;

@@ -106,16 +106,10 @@ bool isMoreOpen(const Rights &copy, const Rights &source)
            (!isSameOwner && exceeds(copy.owner(), source.others()));
 }
 
-mode_t fileCreationMask()
+void replaceFile(const fs::path &path, QByteArrayView document, StagedFile::Access access,
+                 const fs::path &like = {})
 {
-    const mode_t mask = ::umask(0077);
-    ::umask(mask);
-    return mask;
-}
-
-void replaceFile(const fs::path &path, QByteArrayView document, StagedFile::Access access)
-{
-    StagedFile file(path, document, access);
+    StagedFile file(path, document, access, like);
     file.commit();
     file.syncFolder();
 }
@@ -182,14 +176,11 @@ void OutputFile::writeCopy(QByteArrayView document, const fs::path &source, Outp
     if (!from.isFile || !isReplaced())
         return write(document, !from.isFile || from.others() & S_IROTH ? Content::open : Content::secret,
                      out);
+    using Access = StagedFile::Access;
     const Rights before = Rights::ofTarget(m_path);
-    if (before.isFile && !isMoreOpen(before, from))
-        return replaceFile(m_path, document, StagedFile::Access::asBefore);
-    replaceFile(m_path, document, StagedFile::Access::ownerOnly);
-    const mode_t all = (from.others() & 06) * 011; // the group may be another than the source's
-    const mode_t allowed = all & ~fileCreationMask();
-    if (allowed != 0 && ::chmod(m_path.c_str(), 0600 | allowed) != 0)
-        fail(errno);
+    const bool staysAsItIs = before.isFile && !isMoreOpen(before, from);
+    replaceFile(m_path, document, staysAsItIs ? Access::asBefore : Access::asLike,
+                source == kStandardStream ? "/proc/self/fd/0" : source);
 }
 
 /// To a descriptor or device, with a line break behind the document as texts end.

@@ -69,6 +69,13 @@ private:
     const Lists m_lists;
 };
 
+/// Without those of renditions and tracks.
+QList<Assignment> ofThePreset(QList<Assignment> assignments)
+{
+    assignments.removeIf([](const Assignment &assignment) { return assignment.path().contains(u'.'); });
+    return assignments;
+}
+
 /// Applies the assignments until they are on disk: when another process was faster, to what that one wrote.
 ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset> &preset,
                       const Options &options, const QList<Assignment> &assignments)
@@ -82,9 +89,11 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
     ExitCode code = ExitCode::good;
     for (bool isFirst = true; std::exchange(isChanged, false); isFirst = false) {
         positions.require(*preset, assignments);
-        if (options.forService)
-            setForService(*preset);
         applyAll(assignments, *preset);
+        if (options.forService) {
+            setForService(*preset);
+            applyAll(ofThePreset(assignments), *preset); // what the user named stays
+        }
         for (const Assignment &assignment : assignments)
             assignment.requireKept(*preset);
         if (isFirst)
@@ -95,6 +104,9 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
     QObject::disconnect(connection);
     if (manager.rowOf(preset) < 0)
         throw Refusal(u"another process has removed or replaced the preset; nothing was changed"_s);
+    if (code == ExitCode::failed && manager.failures().isEmpty())
+        throw Refusal(
+            u"another process has changed the file, which can't be read now; nothing was changed"_s);
     return code;
 }
 
@@ -135,7 +147,7 @@ void addSetCommand(CLI::App &app, Command &chosen)
     command->add_option("FIELD=VALUE", options->assignments, "What to change");
     command->add_flag(
         "--for-service", options->forService,
-        "First what YouTube or Facebook needs: protocol, port, and the host unless it is another's");
+        "Also what YouTube or Facebook needs: protocol, port, and the host unless it is another's");
     command->callback([options, &chosen] {
         if (options->assignments.empty() && !options->forService)
             throw CLI::RequiredError("FIELD=VALUE or --for-service");

@@ -10,7 +10,6 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
-#include <thread>
 
 namespace vantle::ctl {
 
@@ -27,15 +26,15 @@ StoreSession::StoreSession(const StoreOptions &options)
     const QString directory = QString::fromStdString(options.dataDirectory);
     if (options.readsOnly && !directory.isEmpty() && !QFileInfo(directory).isDir())
         throw Refusal(directory + ": there is no such directory"_L1);
-    // What the start itself logs, on this thread, is said in the session's own words.
-    setLogSink([starting = std::this_thread::get_id()](const QString &line) {
-        if (std::this_thread::get_id() != starting)
-            complain(line);
-    });
+    // What is logged of a start that fails is said in the session's own words.
+    const auto lines = std::make_shared<QStringList>(); // one call of a sink at a time
+    setLogSink([lines](const QString &line) { lines->append(line); });
     m_manager = options.dataDirectory.empty()
                     ? std::make_unique<PresetsManager>()
                     : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
     setLogSink([](const QString &line) { complain(line); });
+    if (!m_manager->startError())
+        std::for_each(lines->cbegin(), lines->cend(), [](const QString &line) { complain(line); });
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
     QObject::connect(m_manager.get(), &PresetsManager::startFailed, &loop, &QEventLoop::quit);

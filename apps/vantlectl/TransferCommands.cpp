@@ -55,7 +55,7 @@ QList<PresetImport> readFiles(const ImportOptions &options, const QString &name)
     QList<PresetImport> files;
     if (options.files.front() == kStandardStream) {
         try {
-            files.append({kStandardStream, readPresetArgument(kStandardStream), {}});
+            files.append({kStandardStream, readPresetArgument(kStandardStream), {}, "/proc/self/fd/0"});
         } catch (const std::exception &error) {
             files.append({kStandardStream, nullptr, Failure(error).message()});
         }
@@ -64,6 +64,12 @@ QList<PresetImport> readFiles(const ImportOptions &options, const QString &name)
     }
     if (!name.isEmpty() && files.front().preset)
         files.front().preset->setName(name);
+    for (PresetImport &file : files) {
+        if (file.preset && file.preset->name().startsWith(u'.')) {
+            file.preset.reset();
+            file.refusal = u"a name that begins with \".\" would be hidden; name it with --name"_s;
+        }
+    }
     return files;
 }
 

@@ -75,6 +75,35 @@ TEST(Failures, AreToldAndEndWhenWhatFailedIsMadeGood)
     EXPECT_EQ(namesOf(*manager), (QStringList{u"B"_s, u"C"_s, u"X"_s}));
 }
 
+// What can't be looked at is nobody's file: another name would do no better, and the one after that neither.
+TEST(Failures, ANameThatNoFileCanHaveIsNotChangedForAnother)
+{
+    LiveStore store;
+    const auto manager = store.makeManager();
+    Told told(*manager);
+    const auto preset = manager->addNewPreset(StreamingType::hls);
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    const QString name(251, u'y');
+    EXPECT_TRUE(manager->rename(preset, preset->name(), name));
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_TRUE(told.take().contains("+save "_L1 + name));
+    EXPECT_EQ(manager->failures().last().reason, u"File name too long"_s);
+    EXPECT_EQ(preset->name(), name);
+    EXPECT_TRUE(store.onDisk("HLS Preset")) << "stays until the rename has worked";
+}
+
+TEST(Failures, ADeletionThatOthersHaveCarriedOutHasEnded)
+{
+    LiveStore store;
+    ASSERT_TRUE(store.runElsewhere(u"mkdir D.json"_s));
+    const auto manager = store.makeManager();
+    Told told(*manager);
+    manager->deletePresetFile(u"D"_s);
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    ASSERT_TRUE(store.runElsewhere(u"rmdir D.json"_s) && LiveStore::settle(*manager));
+    EXPECT_EQ(told.take(), (QStringList{u"+deletion D"_s, u"-load D"_s, u"-deletion D"_s}));
+}
+
 TEST(Failures, AFileThatCouldNotBeDeletedIsListedWhenOthersTouchIt)
 {
     LiveStore store;
