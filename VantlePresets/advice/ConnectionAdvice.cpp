@@ -144,6 +144,11 @@ void adviseApplication(AdviceList &advice, const ServiceCheck &check)
                        "%1's backup stream goes to %2 with the application %3"_L1.arg(
                            check.rules.name, backup->host, backup->application),
                        backup->source);
+    else if (check.named->isBackup && !check.preset.isBackup())
+        advice.warning(
+            u"isBackup"_s,
+            "%1's main stream does not go to the backup host, %2"_L1.arg(check.rules.name, backup->host),
+            backup->source);
 }
 
 void adviseService(AdviceList &advice, const ServiceCheck &check)

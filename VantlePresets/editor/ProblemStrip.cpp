@@ -84,7 +84,7 @@ QStringList ProblemStrip::problems() const
     QStringList all;
     if (const auto error = m_manager->startError())
         all.append(
-            tr("Nothing is saved until this folder can be used and the application is started again: %1")
+            tr("%1. Nothing is saved until this folder can be used and the application is started again.")
                 .arg(*error));
     for (const PresetsFailure &failure : m_manager->failures())
         all.append(sentence(failure));

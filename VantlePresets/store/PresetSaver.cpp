@@ -78,9 +78,10 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         entry->relation.refusedNames.clear();
         entry->relation.like.clear();
     }
-    if (result.outcome == Outcome::failed && entry->name == name) // else another name's save will tell
+    const bool hasFailed = result.outcome == Outcome::failed && entry->name == name; // else another will tell
+    if (hasFailed && (hadEdits || entry->relation.isRenameOwed()))                   // else nothing is lost
         fail({Operation::save, name, pathOf(name), result.reason});
-    else
+    else if (!hasFailed)
         recover(Operation::save, name);
     if (!m_list.isListed(entry))
         return;

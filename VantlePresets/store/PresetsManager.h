@@ -154,7 +154,8 @@ Q_SIGNALS:
 
     /// A file could not be loaded, a preset not saved or a file not deleted; failures() has it. Again for
     /// the same file when it fails anew. Not for a preset that gets another name because its name is taken,
-    /// for a file that is gone when it is read or deleted, nor for one that is still being written.
+    /// for a save that had nothing new to write, for a file that is gone when it is read or deleted, nor for
+    /// one that is still being written.
     void failed(const vantle::PresetsFailure &failure);
     /// The end of a failure: the file was loaded, saved or deleted after all, or is gone, or its preset is
     /// not listed under the name any more.

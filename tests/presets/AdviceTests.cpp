@@ -148,6 +148,8 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
              {backup, "warning application: YouTube's backup host takes the application live2?backup=1"},
              {youTube().with("application", R"("live2?backup=1")"),
               "warning application: backup=1 belongs to YouTube's backup host, b.rtmps.youtube.com"},
+             {backup.with("application", R"("live2?backup=1")"),
+              "warning isBackup: YouTube's main stream does not go to the backup host, b.rtmps.youtube.com"},
              {youTube().with("isBackup", "true"), "warning isBackup: YouTube's backup stream goes to "
                                                   "b.rtmps.youtube.com with the application live2?backup=1"},
              {youTube().with("streamKey", R"("")"), "error streamKey: YouTube's stream key is missing"},
