@@ -48,7 +48,8 @@ public:
     /// The first inventory is complete.
     virtual void watchFolderDidReloadCurrentURLs(VRXWatchFolder *) {}
     /// An enumeration met an error (a directory can't be read, or can't be watched because the user is out of
-    /// watches). False stops the enumeration.
+    /// watches; the folder itself, while descriptors or memory are short, which is tried again and asked
+    /// again). False stops the enumeration.
     virtual bool shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *,
                                                              const std::error_code & /*error*/, const QUrl &)
     {

@@ -223,9 +223,12 @@ void WatchSession::enumerateFolder(const Cancelled &cancelled)
     if (enumeration.cancelled())
         return;
     // Half a list must not pass for the whole one.
-    if (result == WalkResult::Starved)
-        return afterDelay(m_backoff.nextDelay(RescanBackoff::Clock::now()),
-                          [](WatchSession &session) { session.enqueue(&WatchSession::enumerateFolder); });
+    if (result == WalkResult::Starved) {
+        if (report.shouldContinue(std::make_error_code(std::errc::too_many_files_open), m_core->folder))
+            afterDelay(m_backoff.nextDelay(RescanBackoff::Clock::now()),
+                       [](WatchSession &session) { session.enqueue(&WatchSession::enumerateFolder); });
+        return;
+    }
     m_enumerationPending = false;
     if (!m_core->folderExists())
         return reportUnreachable(report);

@@ -139,6 +139,15 @@ void FolderReconciler::watchFolderBecameUnreachable(VRXWatchFolder *)
     m_queue.post([this] { m_receiver.folderBecameUnreachable(); });
 }
 
+bool FolderReconciler::shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *,
+                                                                   const std::error_code &error, const QUrl &)
+{
+    if (error == std::errc::too_many_files_open)
+        m_queue.post(
+            [this, reason = QString::fromStdString(error.message())] { m_receiver.folderIsUnread(reason); });
+    return true;
+}
+
 void FolderReconciler::watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &url, bool)
 {
     add(nativePathOfUrl(url));

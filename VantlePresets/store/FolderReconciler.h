@@ -30,6 +30,8 @@ public:
     public:
         virtual void presetsLoaded(PresetIndex loaded) = 0;
         virtual void folderBecameUnreachable() = 0;
+        /// The folder can't be read for want of descriptors or memory, which is tried again.
+        virtual void folderIsUnread(const QString &reason) = 0;
         virtual void presetAdded(const std::shared_ptr<ListedPreset> &added) = 0;
         /// The watcher has found the file gone.
         virtual void presetRemoved(const QString &name) = 0;
@@ -71,6 +73,8 @@ public:
 
     void watchFolderDidReloadCurrentURLs(VRXWatchFolder *watchFolder) override;
     void watchFolderBecameUnreachable(VRXWatchFolder *watchFolder) override;
+    bool shouldContinueFileEnumerationForWatchFolder(VRXWatchFolder *watchFolder,
+                                                     const std::error_code &error, const QUrl &url) override;
     void watchFolderFileAddedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileRemovedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;
     void watchFolderFileUpdatedAtURL(VRXWatchFolder *watchFolder, const QUrl &url, bool isDirectory) override;

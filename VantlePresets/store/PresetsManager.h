@@ -137,7 +137,8 @@ public:
 
 Q_SIGNALS:
     /// The first inventory of the folder is in the list, however few presets it had. Without a directory
-    /// neither this nor startFailed() comes; otherwise one of the two does, once, from the event loop.
+    /// neither this nor startFailed() comes; otherwise one of the two does, once, from the event loop. A
+    /// start that failed for want of descriptors is tried again, and this follows when it works.
     void didLoad();
     /// With startError(). Whoever connects right after construction hears it.
     void startFailed(const QString &error);

@@ -56,11 +56,16 @@ void PresetsManager::Private::failStart(const QString &logged, const QString &re
 
 void PresetsManager::Private::folderBecameUnreachable()
 {
-    if (!isLoaded && !startError) {
-        startError = escapedControls(wantedFolder + ": The folder was removed before it was read"_L1);
-        Q_EMIT q.startFailed(*startError);
-    }
+    folderIsUnread(u"The folder was removed before it was read"_s);
     Q_EMIT q.folderBecameUnreachable();
+}
+
+void PresetsManager::Private::folderIsUnread(const QString &reason)
+{
+    if (isLoaded || startError)
+        return;
+    startError = escapedControls(wantedFolder + ": "_L1 + reason);
+    Q_EMIT q.startFailed(*startError);
 }
 
 void PresetsManager::Private::stop()
@@ -224,6 +229,8 @@ bool PresetsManager::Private::isInFolder(const QString &name) const
 void PresetsManager::Private::presetsLoaded(PresetIndex loaded)
 {
     const bool isFirst = !std::exchange(isLoaded, true);
+    if (isFirst)
+        startError.reset(); // the shortage has ended
     if (isFirst && saver->hasBegun())
         loaded = withoutKnown(std::move(loaded));
     if (isFirst)

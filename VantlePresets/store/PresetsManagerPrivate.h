@@ -52,6 +52,7 @@ public:
     // Of the folder.
     void presetsLoaded(PresetIndex loaded) override;
     void folderBecameUnreachable() override;
+    void folderIsUnread(const QString &reason) override;
     void presetAdded(const Entry &added) override;
     void presetRemoved(const QString &name) override;
     void presetUpdated(const KnownFile &read, const std::shared_ptr<VantlePreset> &source) override;

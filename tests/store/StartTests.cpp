@@ -9,6 +9,7 @@
 #include <thread>
 
 #include <grp.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -92,6 +93,28 @@ TEST(Start, AMemberOfTheGroupIsNotSentForIt)
     EXPECT_FALSE(manager.startError()) << manager.startError()->toStdString();
     const Heard heard(manager);
     EXPECT_TRUE(waitFor([&] { return heard.isLoaded; }));
+}
+
+TEST(Start, WithFewDescriptorsItSaysSoOrLoads)
+{
+    LiveStore store;
+    store.writePreset(u"A"_s);
+    rlimit usual = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+    int failures = 0;
+    for (int spare = 0; spare < 14; ++spare) {
+        const int next = ::dup(0);
+        ::close(next);
+        const rlimit few = {static_cast<rlim_t>(next + spare), usual.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+        PresetsManager manager([&] { return QStringList{store.dataDirectory()}; });
+        const Heard heard(manager);
+        const bool isTold = waitFor([&] { return heard.isLoaded || heard.error.has_value(); });
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
+        EXPECT_TRUE(isTold) << spare << " descriptors";
+        failures += heard.error ? 1 : 0;
+    }
+    EXPECT_GT(failures, 0);
 }
 
 TEST(Start, AFolderThatGoesBeforeItIsReadIsAFailure)
