@@ -247,7 +247,7 @@ TEST(StagedFile, MembersOfTheFoldersGroupReplaceEachOthersFilesAndNobodyElseDoes
 TEST(StagedFile, TakesTheLongestNames)
 {
     const TemporaryFolder folder;
-    replace(folder.path(std::string(250, 'a') + ".json"), "new");
+    replace(folder.path(std::string(250, 'a').append(".json")), "new");
     EXPECT_EQ(folder.names().size(), 1u);
 }
 
