@@ -18,7 +18,7 @@ struct Row
 };
 
 constexpr std::array<Row, 19> kSources{
-    {{source::kAppleHls, "HLS authoring specification for Apple devices, 2025-06-26"_L1},
+    {{source::kAppleHls, "Apple, authoring rules for HLS on its devices, 2025-06-26"_L1},
      {source::kEnhancedRtmp, "github.com/veovera/enhanced-rtmp, version 2, 2026-01-31"_L1},
      {source::kFacebookOverview, "developers.facebook.com/docs/live-video-api/overview"_L1},
      {source::kFacebookReference, "developers.facebook.com/docs/live-video-api/reference"_L1},
