@@ -2,8 +2,8 @@
 #pragma once
 
 #include "VantlePresets/core/ProgrammingFault.h"
+#include "VantlePresets/core/SameBytes.h"
 
-#include <QtCore/QByteArrayView>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -79,9 +79,9 @@ struct EnumerationTable
     /// As above. The display strings are ASCII, so that bytes can be compared.
     [[nodiscard]] std::optional<Enumeration> fromText(QUtf8StringView text) const
     {
-        const QByteArrayView bytes(text.data(), text.size());
+        const std::string_view bytes(text.data(), static_cast<std::size_t>(text.size()));
         for (const Case &c : cases) {
-            if (QByteArrayView(c.text.data(), c.text.size()) == bytes)
+            if (areSameBytes({c.text.data(), static_cast<std::size_t>(c.text.size())}, bytes))
                 return c.value;
         }
         return std::nullopt;

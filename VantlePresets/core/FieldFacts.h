@@ -4,6 +4,7 @@
 #include "VantlePresets/core/Field.h"
 
 #include <initializer_list>
+#include <string_view>
 
 namespace vantle {
 
@@ -63,6 +64,11 @@ struct FieldFacts
     bool isAddress = false;
     bool isAssignable = true;
     bool isRead = true;
+
+    [[nodiscard]] constexpr std::string_view keyBytes() const
+    {
+        return {key.data(), static_cast<std::size_t>(key.size())};
+    }
 };
 
 } // namespace vantle

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/document/DocumentReader.h"
 
+#include "VantlePresets/core/SameBytes.h"
 #include "VantlePresets/document/JsonTreeBuilder.h"
 
 #include <rapidjson/document.h>
@@ -30,7 +31,7 @@ const Value *find(const Value &object, std::string_view key)
     for (auto member = object.MemberEnd(); member != object.MemberBegin();) {
         --member;
         // Not the library's operator==: under C++20's rules it calls itself without end.
-        if (std::string_view(member->name.GetString(), member->name.GetStringLength()) == key)
+        if (areSameBytes({member->name.GetString(), member->name.GetStringLength()}, key))
             return &member->value;
     }
     return nullptr;
@@ -109,9 +110,10 @@ QString Place::text() const
     QString before = parent ? parent->text() : QString();
     if (index >= 0)
         return before + QStringLiteral("[%1]").arg(index);
-    if (!key)
+    if (!key.data())
         return before;
-    return before.isEmpty() ? QString::fromUtf8(key) : before + QLatin1Char('.') + QString::fromUtf8(key);
+    const QString name = QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+    return before.isEmpty() ? name : before + QLatin1Char('.') + name;
 }
 
 ObjectReader::ObjectReader(const void *value, Place place) : m_value(value), m_place(place)
@@ -120,13 +122,13 @@ ObjectReader::ObjectReader(const void *value, Place place) : m_value(value), m_p
         mismatch(m_place, "an object", asValue(value));
 }
 
-qint64 ObjectReader::integer(const char *key) const
+qint64 ObjectReader::integer(std::string_view key) const
 {
     const Place place{&m_place, key};
     return toInteger(required(asValue(m_value), place), place);
 }
 
-std::optional<qint64> ObjectReader::optionalInteger(const char *key) const
+std::optional<qint64> ObjectReader::optionalInteger(std::string_view key) const
 {
     const Value *value = find(asValue(m_value), key);
     if (!value || value->IsNull())
@@ -134,7 +136,7 @@ std::optional<qint64> ObjectReader::optionalInteger(const char *key) const
     return toInteger(*value, {&m_place, key});
 }
 
-double ObjectReader::number(const char *key) const
+double ObjectReader::number(std::string_view key) const
 {
     const Place place{&m_place, key};
     const Value &value = required(asValue(m_value), place);
@@ -143,7 +145,7 @@ double ObjectReader::number(const char *key) const
     return value.GetDouble();
 }
 
-bool ObjectReader::boolean(const char *key) const
+bool ObjectReader::boolean(std::string_view key) const
 {
     const Place place{&m_place, key};
     const Value &value = required(asValue(m_value), place);
@@ -152,12 +154,12 @@ bool ObjectReader::boolean(const char *key) const
     return value.GetBool();
 }
 
-QString ObjectReader::string(const char *key) const
+QString ObjectReader::string(std::string_view key) const
 {
     return text(key).toString();
 }
 
-QUtf8StringView ObjectReader::text(const char *key) const
+QUtf8StringView ObjectReader::text(std::string_view key) const
 {
     const Place place{&m_place, key};
     const Value &value = required(asValue(m_value), place);
@@ -166,7 +168,7 @@ QUtf8StringView ObjectReader::text(const char *key) const
     return toText(value);
 }
 
-std::optional<QString> ObjectReader::stringIfAny(const char *key) const
+std::optional<QString> ObjectReader::stringIfAny(std::string_view key) const
 {
     const Value *value = find(asValue(m_value), key);
     if (!value || !value->IsString())
@@ -174,13 +176,13 @@ std::optional<QString> ObjectReader::stringIfAny(const char *key) const
     return toText(*value).toString();
 }
 
-ArrayReader ObjectReader::array(const char *key) const
+ArrayReader ObjectReader::array(std::string_view key) const
 {
     const Place place{&m_place, key};
     return {&required(asValue(m_value), place), place};
 }
 
-void ObjectReader::fail(const char *key, const QString &description) const
+void ObjectReader::fail(std::string_view key, const QString &description) const
 {
     throw DecodingError(Place{&m_place, key}.text(), description);
 }
@@ -199,12 +201,12 @@ qsizetype ArrayReader::size() const
 ObjectReader ArrayReader::objectAt(qsizetype index) const
 {
     const Value &value = asValue(m_value)[static_cast<rapidjson::SizeType>(index)];
-    return {&value, {&m_place, nullptr, index}};
+    return {&value, {&m_place, {}, index}};
 }
 
 qint64 ArrayReader::integerAt(qsizetype index) const
 {
-    const Place place{&m_place, nullptr, index};
+    const Place place{&m_place, {}, index};
     return toInteger(asValue(m_value)[static_cast<rapidjson::SizeType>(index)], place);
 }
 

@@ -18,7 +18,7 @@ namespace vantle::document {
 struct Place
 {
     const Place *parent = nullptr;
-    const char *key = nullptr; ///< set for a member
+    std::string_view key;      ///< set for a member
     qsizetype index = -1;      ///< set for an array's element
 
     [[nodiscard]] QString text() const;
@@ -37,20 +37,20 @@ public:
     ObjectReader &operator=(const ObjectReader &) = delete;
 
     /// Any JSON number whose value is exactly an integer of 64 bits: 30, 30.0 and 3e1 are all 30.
-    [[nodiscard]] qint64 integer(const char *key) const;
+    [[nodiscard]] qint64 integer(std::string_view key) const;
     /// As integer(), but nothing when the key is absent or null.
-    [[nodiscard]] std::optional<qint64> optionalInteger(const char *key) const;
-    [[nodiscard]] double number(const char *key) const;
-    [[nodiscard]] bool boolean(const char *key) const;
-    [[nodiscard]] QString string(const char *key) const;
+    [[nodiscard]] std::optional<qint64> optionalInteger(std::string_view key) const;
+    [[nodiscard]] double number(std::string_view key) const;
+    [[nodiscard]] bool boolean(std::string_view key) const;
+    [[nodiscard]] QString string(std::string_view key) const;
     /// As string(), but a view that is valid as long as the document.
-    [[nodiscard]] QUtf8StringView text(const char *key) const;
+    [[nodiscard]] QUtf8StringView text(std::string_view key) const;
     /// The string, or nothing when the key is absent or has another type.
-    [[nodiscard]] std::optional<QString> stringIfAny(const char *key) const;
-    [[nodiscard]] ArrayReader array(const char *key) const;
+    [[nodiscard]] std::optional<QString> stringIfAny(std::string_view key) const;
+    [[nodiscard]] ArrayReader array(std::string_view key) const;
 
     /// Refuses the value of a key for a reason of the caller's.
-    [[noreturn]] void fail(const char *key, const QString &description) const;
+    [[noreturn]] void fail(std::string_view key, const QString &description) const;
 
 private:
     const void *m_value;

@@ -29,12 +29,12 @@ struct FieldAccess
 
     static T read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        const QUtf8StringView text = object.text(field.key.data());
+        const QUtf8StringView text = object.text(field.keyBytes());
         if (const auto known = Facts::table().fromText(text))
             return *known;
         if (Facts::kWhenUnknown)
             return *Facts::kWhenUnknown;
-        object.fail(field.key.data(), QLatin1StringView("Invalid ") + Facts::kName +
+        object.fail(field.keyBytes(), QLatin1StringView("Invalid ") + Facts::kName +
                                           QLatin1StringView(" display string: ") + text.toString());
     }
 
@@ -50,7 +50,7 @@ struct FieldAccess<qint64>
     static constexpr auto kType = Field::Type::integer;
     static qint64 read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        const char *const key = field.key.data();
+        const std::string_view key = field.keyBytes();
         return field.valueWhenAbsent ? object.optionalInteger(key).value_or(*field.valueWhenAbsent)
                                      : object.integer(key);
     }
@@ -66,7 +66,7 @@ struct FieldAccess<double>
     static constexpr auto kType = Field::Type::number;
     static double read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        return object.number(field.key.data());
+        return object.number(field.keyBytes());
     }
     static void write(document::DocumentWriter &writer, const char *key, double value)
     {
@@ -80,7 +80,7 @@ struct FieldAccess<bool>
     static constexpr auto kType = Field::Type::boolean;
     static bool read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        return object.boolean(field.key.data());
+        return object.boolean(field.keyBytes());
     }
     static void write(document::DocumentWriter &writer, const char *key, bool value)
     {
@@ -94,7 +94,7 @@ struct FieldAccess<QString>
     static constexpr auto kType = Field::Type::text;
     static QString read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        return object.string(field.key.data());
+        return object.string(field.keyBytes());
     }
     static void write(document::DocumentWriter &writer, const char *key, const QString &value)
     {
@@ -108,7 +108,7 @@ struct FieldAccess<QList<qint64>>
     static constexpr auto kType = Field::Type::integers;
     static QList<qint64> read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        const document::ArrayReader array = object.array(field.key.data());
+        const document::ArrayReader array = object.array(field.keyBytes());
         QList<qint64> values;
         values.reserve(array.size());
         for (qsizetype i = 0; i < array.size(); ++i)

@@ -38,7 +38,7 @@ struct FieldAccess<QList<std::shared_ptr<Settings>>>
 
     static List read(const document::ObjectReader &object, const FieldFacts &field)
     {
-        return decodeList<Settings>(object, field.key.data());
+        return decodeList<Settings>(object, field.keyBytes());
     }
     static void write(document::DocumentWriter &writer, const char *key, const List &list)
     {

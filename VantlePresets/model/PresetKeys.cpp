@@ -10,7 +10,7 @@
 namespace vantle {
 namespace {
 
-/// Names by their length, in which few of them agree.
+/// Names by their length and last byte, in which few of them agree.
 class KeyTable
 {
 public:
@@ -30,22 +30,26 @@ public:
 
     [[nodiscard]] bool contains(std::string_view key) const
     {
-        if (key.size() >= m_keys.size())
-            return false;
-        const auto &keys = m_keys[key.size()];
+        const auto &keys = m_keys[bucketOf(key)];
         return std::find(keys.begin(), keys.end(), key) != keys.end();
     }
 
 private:
+    static constexpr std::size_t kBuckets = 128;
+
+    [[nodiscard]] static std::size_t bucketOf(std::string_view key)
+    {
+        return key.empty() ? 0 : (3 * key.size() + static_cast<unsigned char>(key.back())) % kBuckets;
+    }
+
     void add(const Field &field)
     {
         const std::string_view key(field.key().data(), static_cast<std::size_t>(field.key().size()));
         if (field.isRead() && !contains(key))
-            m_keys.at(key.size()).push_back(key);
+            m_keys[bucketOf(key)].push_back(key);
     }
 
-    static constexpr std::size_t kLongest = 63;
-    std::array<std::vector<std::string_view>, kLongest + 1> m_keys;
+    std::array<std::vector<std::string_view>, kBuckets> m_keys;
 };
 
 } // namespace

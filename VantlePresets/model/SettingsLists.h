@@ -21,7 +21,7 @@ using SettingsPrivate =
 /// Reads a member that is an array of settings objects; throws DecodingError.
 template <class Settings>
 [[nodiscard]] QList<std::shared_ptr<Settings>> decodeList(const document::ObjectReader &object,
-                                                          const char *key)
+                                                          std::string_view key)
 {
     const document::ArrayReader array = object.array(key);
     QList<std::shared_ptr<Settings>> list;

@@ -45,7 +45,7 @@ constexpr auto kId = [] {
     row.meaning = "The preset's identifier. Without a valid one a new one is taken."_L1;
     row.isAssignable = false;
     row.read = [](Data &data, const document::ObjectReader &object, const FieldFacts &field) {
-        const auto uuid = uuidFromText(object.stringIfAny(field.key.data()).value_or(QString()));
+        const auto uuid = uuidFromText(object.stringIfAny(field.keyBytes()).value_or(QString()));
         data.uuid = uuid ? *uuid : newObjectId();
     };
     row.write = [](const Data &data, document::DocumentWriter &writer, const FieldFacts &field) {
