@@ -48,6 +48,8 @@ Finding FolderInventory::compare(const ChangedPath &changed)
                 bracket->postponed.push_back(changed);
                 return {};
             }
+            if (changed.seen && m_ownChanges == m_ownChangesBeforeWalk)
+                return judge(changed, changed.cause, changed.seen, false);
             ownChanges = m_ownChanges;
             noted = m_notedFolder;
         }
@@ -223,6 +225,7 @@ bool FolderInventory::isNotedFolder(const std::optional<FileState> &noted) const
 std::uint32_t FolderInventory::beginWalk()
 {
     const std::lock_guard lock(m_mutex);
+    m_ownChangesBeforeWalk = m_ownChanges;
     return ++m_walk;
 }
 

@@ -16,6 +16,8 @@ struct ChangedPath
     LookCause cause = LookCause::look;
     /// Only whether the item is there and what it is; its date is taken over in silence.
     bool existenceOnly = false;
+    /// As the last walk met it. What changed since comes as an event.
+    std::optional<FileState> seen = {};
 };
 
 /// What a look at a path brought to light.
@@ -111,6 +113,7 @@ private:
     Inventory m_inventory;
     std::map<std::string, Bracket, std::less<>> m_brackets;
     std::uint64_t m_ownChanges = 0; // beginnings and ends; a look that one came between is repeated
+    std::uint64_t m_ownChangesBeforeWalk = 0;
     std::map<std::string, OwnOutcome, std::less<>> m_outcomesWhileReplacing;
     std::optional<FileState> m_notedFolder;
     std::uint32_t m_walk = 0;

@@ -147,8 +147,11 @@ void KernelEventStream::deliver(Urgency urgency)
         apply(PresenceInput::doubt);
     if (heard.mountsChanged)
         tellOfMounts();
-    if (heard.overflow)
+    if (heard.overflow) {
+        // The whole folder is about to be compared, and with it what came before the loss.
+        static_cast<void>(m_pending.take(false, PendingEvents::Clock::now()));
         apply(PresenceInput::overflow);
+    }
     if (urgency == Urgency::Now)
         apply(PresenceInput::flush);
     // Found missing just now, since the event that said so was lost: a client that waits is told at once.

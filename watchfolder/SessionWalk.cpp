@@ -53,7 +53,7 @@ void SessionWalk::found(const std::string &directory, std::string_view name,
     if (m_purpose == Purpose::Fill)
         fill(directory, name, state);
     else if (state && !m_present.meet(directory, name, *state, m_walk))
-        m_differences.push_back({.path = joinPath(directory, name)});
+        m_differences.push_back({.path = joinPath(directory, name), .seen = state});
 }
 
 void SessionWalk::fill(const std::string &directory, std::string_view name,

@@ -18,8 +18,8 @@ namespace vantle::document {
 struct Place
 {
     const Place *parent = nullptr;
-    std::string_view key;      ///< set for a member
-    qsizetype index = -1;      ///< set for an array's element
+    std::string_view key; ///< set for a member
+    qsizetype index = -1; ///< set for an array's element
 
     [[nodiscard]] QString text() const;
 };
