@@ -46,6 +46,7 @@ Finding FolderInventory::compare(const ChangedPath &changed)
             const std::lock_guard lock(m_mutex);
             if (Bracket *const bracket = bracketAround(changed.path)) {
                 bracket->postponed.push_back(changed);
+                bracket->postponed.back().seen.reset(); // another walk may have begun by then
                 return {};
             }
             if (changed.seen && m_ownChanges == m_ownChangesBeforeWalk)
@@ -247,9 +248,10 @@ bool FolderInventory::meet(std::string_view directory, std::string_view name, co
 std::vector<std::string> FolderInventory::notMet(std::string_view directory, std::uint32_t walk) const
 {
     const std::lock_guard lock(m_mutex);
-    std::vector<std::string> paths = m_inventory.pathsBelow(directory);
-    std::erase_if(paths,
-                  [this, walk](const std::string &path) { return m_inventory.find(path)->walk == walk; });
+    std::vector<std::string> paths;
+    m_inventory.forEachBelow(
+        directory, [walk](const Inventory::Record &record) { return record.walk != walk; },
+        [&paths](const std::string &path, const Inventory::Record &) { paths.push_back(path); });
     return paths;
 }
 

@@ -34,30 +34,32 @@ Inventory::Names *Inventory::names(std::string_view directory)
 std::vector<std::string> Inventory::pathsBelow(std::string_view directory) const
 {
     std::vector<std::string> paths;
-    const auto collect = [&paths](const Directories::value_type &entry) {
-        for (const auto &[name, record] : entry.second)
-            paths.push_back(joinPath(entry.first, name));
-    };
-    if (directory.empty()) {
-        for (const auto &entry : m_directories)
-            collect(entry);
-        return paths;
-    }
-    if (const auto itself = m_directories.find(directory); itself != m_directories.end())
-        collect(*itself);
-    const std::string prefix = joinPath(directory, {});
-    for (auto it = m_directories.lower_bound(prefix);
-         it != m_directories.end() && it->first.starts_with(prefix); ++it)
-        collect(*it);
+    forEachBelow(
+        directory, [](const Record &) { return true; },
+        [&paths](const std::string &path, const Record &) { paths.push_back(path); });
     return paths;
 }
 
-void Inventory::forEach(const std::function<void(const std::string &, const Record &)> &visit) const
+void Inventory::forEachBelow(std::string_view directory, const std::function<bool(const Record &)> &isWanted,
+                             const Visit &visit) const
 {
-    for (const auto &[directory, names] : m_directories) {
-        for (const auto &[name, record] : names)
-            visit(joinPath(directory, name), record);
+    const auto visitAll = [&](const Directories::value_type &entry) {
+        for (const auto &[name, record] : entry.second) {
+            if (isWanted(record))
+                visit(joinPath(entry.first, name), record);
+        }
+    };
+    if (directory.empty()) {
+        for (const auto &entry : m_directories)
+            visitAll(entry);
+        return;
     }
+    if (const auto itself = m_directories.find(directory); itself != m_directories.end())
+        visitAll(*itself);
+    const std::string prefix = joinPath(directory, {});
+    for (auto it = m_directories.lower_bound(prefix);
+         it != m_directories.end() && it->first.starts_with(prefix); ++it)
+        visitAll(*it);
 }
 
 Inventory::Names &Inventory::namesForUpdate(std::string_view directory)
@@ -69,7 +71,9 @@ Inventory::Names &Inventory::namesForUpdate(std::string_view directory)
 void Inventory::put(std::string_view path, const Record &record)
 {
     const auto [directory, name] = splitPath(path);
-    namesForUpdate(directory).insert_or_assign(std::string(name), record);
+    Names &names = namesForUpdate(directory);
+    makeRoom(names);
+    names.insert_or_assign(std::string(name), record);
 }
 
 void Inventory::remove(std::string_view path)

@@ -65,9 +65,7 @@ void SessionWalk::fill(const std::string &directory, std::string_view name,
         m_directory = directory;
         m_names = &m_inventory.namesForUpdate(directory);
     }
-    // Growing fourfold and not twofold halves what filling a large table costs.
-    if (m_names->size() >= m_names->bucket_count())
-        m_names->reserve(4 * m_names->size());
+    Inventory::makeRoom(*m_names);
     m_names->try_emplace(std::string(name), Inventory::Record{.state = state.value_or(FileState()),
                                                               .hasState = state.has_value()});
 }
