@@ -17,9 +17,10 @@ FileTime fileTime(const statx_timestamp &time)
 
 std::optional<FileState> readState(int directory, const char *name, int flags, std::error_code &error)
 {
-    constexpr unsigned wanted = STATX_TYPE | STATX_MTIME | STATX_CTIME | STATX_INO | STATX_SIZE | STATX_NLINK;
+    constexpr unsigned kWanted =
+        STATX_TYPE | STATX_MTIME | STATX_CTIME | STATX_INO | STATX_SIZE | STATX_NLINK;
     struct statx found = {};
-    if (statx(directory, name, AT_NO_AUTOMOUNT | flags, wanted, &found) != 0) {
+    if (statx(directory, name, AT_NO_AUTOMOUNT | flags, kWanted, &found) != 0) {
         error.assign(errno, std::system_category());
         return std::nullopt;
     }

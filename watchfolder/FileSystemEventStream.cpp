@@ -18,9 +18,9 @@ startKernelEventStream(const FileSystemEventStream::Configuration &configuration
         WatchBackend backend;
         std::unique_ptr<KernelQueue> (*open)(std::error_code &);
     };
-    constexpr std::array kernels = {Kernel{WatchBackend::Fanotify, openFanotifyQueue},
-                                    Kernel{WatchBackend::Inotify, openInotifyQueue}};
-    for (const Kernel &kernel : kernels) {
+    constexpr std::array kKernels = {Kernel{WatchBackend::Fanotify, openFanotifyQueue},
+                                     Kernel{WatchBackend::Inotify, openInotifyQueue}};
+    for (const Kernel &kernel : kKernels) {
         if (backend != WatchBackend::Automatic && backend != kernel.backend)
             continue;
         std::shared_ptr<FileSystemEventStream> stream =

@@ -19,7 +19,7 @@ using Input = PresenceInput;
 using Step = PresenceStep;
 
 // What has no row changes nothing: a wait that is over too late, a doubt about what is looked for anyway.
-constexpr std::array rows = {
+constexpr std::array kRows = {
     Row{present, Input::doubt, {present, Step::look}},
     Row{present, Input::overflow, {overflowed, Step::waitForQuiet}},
     Row{present, Input::opened, {present, Step::rest, Step::rootChanged}},
@@ -53,7 +53,7 @@ constexpr std::array rows = {
 
 PresenceStep afterInput(FolderPresence presence, PresenceInput input)
 {
-    for (const Row &row : rows) {
+    for (const Row &row : kRows) {
         if (row.presence == presence && row.input == input)
             return row.step;
     }

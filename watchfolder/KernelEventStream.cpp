@@ -203,8 +203,8 @@ void KernelEventStream::handle(const KernelQueue::Record &record, PendingEvents:
     if (record.role == WatchRole::Parent || record.role == WatchRole::Ancestor || record.name.empty()) {
         // Of these only what may take the folder away is asked for, and its mode: a folder that can't be read
         // is known to whoever compares.
-        constexpr quint32 takingAway = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_DELETE | IN_MOVE;
-        heard.doubt = heard.doubt || (record.role != WatchRole::Below && (record.mask & takingAway));
+        constexpr quint32 kTakingAway = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_DELETE | IN_MOVE;
+        heard.doubt = heard.doubt || (record.role != WatchRole::Below && (record.mask & kTakingAway));
         return;
     }
     if (isDirectoryEvent(record.mask) && (record.mask & departingEvents))

@@ -24,7 +24,7 @@ struct Translation
     bool changesDirectoryTree; // a directory that this happens to has to be scanned
 };
 
-constexpr std::array translations = {
+constexpr std::array kTranslations = {
     Translation{IN_CREATE, ItemCreated, true},       Translation{IN_DELETE, ItemRemoved, true},
     Translation{IN_MOVED_FROM, ItemRenamed, true},   Translation{IN_MOVED_TO, ItemRenamed, true},
     Translation{IN_MODIFY, ItemModified, false},     Translation{IN_CLOSE_WRITE, ItemModified, false},
@@ -34,7 +34,7 @@ constexpr std::array translations = {
 constexpr quint32 allTranslated()
 {
     quint32 events = 0;
-    for (const Translation &translation : translations)
+    for (const Translation &translation : kTranslations)
         events |= translation.kernelEvent;
     return events;
 }
@@ -73,7 +73,7 @@ quint32 eventFlags(quint32 kernelMask)
 {
     const bool isDirectory = isDirectoryEvent(kernelMask);
     quint32 flags = isDirectory ? ItemIsDir : ItemIsFile;
-    for (const Translation &translation : translations) {
+    for (const Translation &translation : kTranslations) {
         if ((kernelMask & translation.kernelEvent) == 0)
             continue;
         flags |= translation.flag;

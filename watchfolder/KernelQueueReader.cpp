@@ -15,12 +15,12 @@ namespace vantle {
 
 namespace {
 
-constexpr std::size_t readSize = std::size_t{256} << 10;
+constexpr std::size_t kReadSize = std::size_t{256} << 10;
 // Past this nobody fetches; a scan of the folder is cheaper than going through that many events.
-constexpr std::size_t mostBytes = std::size_t{64} << 20;
+constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 // After a read the thread naps: a busy writer then costs one wake-up per nap and not one per event. The
 // kernel's queue holds 16,384 events, which takes even several busy writers far longer than this to fill.
-constexpr int napMilliseconds = 5;
+constexpr int kNapMilliseconds = 5;
 
 Descriptor openWakeDescriptor()
 {
@@ -105,7 +105,7 @@ void KernelQueueReader::run()
                                           {napping ? -1 : queue->descriptor(), POLLIN, 0},
                                           {m_mounts.get(), POLLPRI, 0}}};
         // An interrupted poll says nothing about the sources; the reads below are harmless then.
-        poll(sources.data(), sources.size(), napping ? napMilliseconds : -1);
+        poll(sources.data(), sources.size(), napping ? kNapMilliseconds : -1);
         eventfd_t ignored = 0;
         eventfd_read(m_wake.get(), &ignored);
         std::uint64_t drain = 0;
@@ -134,17 +134,17 @@ void KernelQueueReader::run()
 // Reads until the queue is empty; a read that leaves room has emptied it.
 bool KernelQueueReader::readAll(const std::shared_ptr<KernelQueue> &queue)
 {
-    static thread_local const auto buffer = std::make_unique<char[]>(readSize);
+    static thread_local const auto buffer = std::make_unique<char[]>(kReadSize);
     bool came = false;
     while (true) {
-        const ssize_t size = queue->read(buffer.get(), readSize);
+        const ssize_t size = queue->read(buffer.get(), kReadSize);
         if (size < 0 && errno == EINTR)
             continue;
         if (size <= 0)
             return came;
         came = true;
         store(queue, {buffer.get(), static_cast<std::size_t>(size)});
-        if (static_cast<std::size_t>(size) < readSize / 2)
+        if (static_cast<std::size_t>(size) < kReadSize / 2)
             return true;
     }
 }
@@ -154,7 +154,7 @@ void KernelQueueReader::store(const std::shared_ptr<KernelQueue> &queue, std::st
     const std::lock_guard lock(m_mutex);
     if (queue != m_queue)
         return;
-    if (m_batch.bytes.size() + bytes.size() > mostBytes) {
+    if (m_batch.bytes.size() + bytes.size() > kMostBytes) {
         m_batch.bytes.clear();
         m_batch.dropped = true;
     }

@@ -30,16 +30,16 @@ std::string_view withoutPadding(std::string_view name)
 /// A record of file-system id, handle and name, of which the first two are the directory.
 bool splitDirectoryAndName(std::string_view content, FanotifyRecord &record)
 {
-    constexpr std::size_t lengthAt = sizeof(__kernel_fsid_t) + offsetof(file_handle, handle_bytes);
-    constexpr std::size_t handleAt = sizeof(__kernel_fsid_t) + offsetof(file_handle, f_handle);
+    constexpr std::size_t kLengthAt = sizeof(__kernel_fsid_t) + offsetof(file_handle, handle_bytes);
+    constexpr std::size_t kHandleAt = sizeof(__kernel_fsid_t) + offsetof(file_handle, f_handle);
     unsigned handleBytes = 0;
-    if (content.size() < handleAt)
+    if (content.size() < kHandleAt)
         return false;
-    std::memcpy(&handleBytes, content.data() + lengthAt, sizeof handleBytes);
-    if (handleBytes >= content.size() - handleAt)
+    std::memcpy(&handleBytes, content.data() + kLengthAt, sizeof handleBytes);
+    if (handleBytes >= content.size() - kHandleAt)
         return false;
-    record.directory = content.substr(0, handleAt + handleBytes);
-    record.name = withoutPadding(content.substr(handleAt + handleBytes));
+    record.directory = content.substr(0, kHandleAt + handleBytes);
+    record.name = withoutPadding(content.substr(kHandleAt + handleBytes));
     return true;
 }
 

@@ -15,17 +15,17 @@ public:
 
     std::chrono::milliseconds nextDelay(Clock::time_point now)
     {
-        const bool isQuiet = !m_last || now - *m_last > 2 * longest;
-        m_delay = isQuiet ? shortest : std::min(2 * m_delay, longest);
+        const bool isQuiet = !m_last || now - *m_last > 2 * kLongest;
+        m_delay = isQuiet ? kShortest : std::min(2 * m_delay, kLongest);
         m_last = now;
         return m_delay;
     }
 
 private:
-    static constexpr std::chrono::milliseconds shortest{250};
-    static constexpr std::chrono::milliseconds longest{5000};
+    static constexpr std::chrono::milliseconds kShortest{250};
+    static constexpr std::chrono::milliseconds kLongest{5000};
 
-    std::chrono::milliseconds m_delay = shortest;
+    std::chrono::milliseconds m_delay = kShortest;
     std::optional<Clock::time_point> m_last;
 };
 

@@ -11,7 +11,7 @@ namespace vantle {
 namespace {
 
 // By bit number.
-constexpr std::array flagNames = {
+constexpr std::array kFlagNames = {
     " ScanSubDirs",      " UserDropped", " KernelDropped", " IdsWrapped",        " HistoryDone",
     " RootChanged",      " Mount",       " Unmount",       " ItemCreated",       " ItemRemoved",
     " ItemInodeMetaMod", " ItemRenamed", " ItemModified",  " ItemFinderInfoMod", " ItemChangeOwner",
@@ -43,9 +43,9 @@ QString VRXWatchFolderEvent::itemsFlagsString() const
 QString VRXWatchFolderEvent::stringFromFSEventStreamEventFlag(quint32 flag)
 {
     const auto bit = static_cast<size_t>(std::countr_zero(flag));
-    if (!std::has_single_bit(flag) || bit >= flagNames.size())
+    if (!std::has_single_bit(flag) || bit >= kFlagNames.size())
         return {};
-    return QString::fromLatin1(flagNames[bit]);
+    return QString::fromLatin1(kFlagNames[bit]);
 }
 
 } // namespace vantle
