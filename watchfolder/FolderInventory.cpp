@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/FolderInventory.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 #include "watchfolder/StateBelow.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/FolderWalk.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "watchfolder/Descriptor.h"
+#include "base/Descriptor.h"
 #include "watchfolder/KernelEventTable.h"
 #include "watchfolder/KernelQueue.h"
 #include "watchfolder/KernelRecords.h"

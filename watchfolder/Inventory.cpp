@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/Inventory.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 namespace vantle {
 

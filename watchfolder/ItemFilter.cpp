@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/ItemFilter.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 #include <QtCore/QMimeDatabase>
 

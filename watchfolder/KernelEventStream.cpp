@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/KernelEventStream.h"
 
+#include "base/NativePath.h"
 #include "watchfolder/KernelEventTable.h"
-#include "watchfolder/NativePath.h"
 #include "watchfolder/WayToFolder.h"
 
 #include <QtCore/QDebug>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/RunLoop.h"
 #include "watchfolder/FileState.h"
 #include "watchfolder/FileSystemEventStream.h"
 #include "watchfolder/FolderPresence.h"
 #include "watchfolder/KernelQueueReader.h"
 #include "watchfolder/PendingEvents.h"
 #include "watchfolder/RescanBackoff.h"
-#include "watchfolder/RunLoop.h"
 
 #include <atomic>
 #include <map>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "watchfolder/Descriptor.h"
+#include "base/Descriptor.h"
 #include "watchfolder/KernelQueue.h"
 
 #include <cstdint>

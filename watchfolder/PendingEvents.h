@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "watchfolder/OpenFileProbe.h"
+#include "base/OpenFileProbe.h"
 #include "watchfolder/VRXWatchFolderEvent.h"
 
 #include <chrono>

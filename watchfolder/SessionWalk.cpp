@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/SessionWalk.h"
 
-#include "watchfolder/Descriptor.h"
-#include "watchfolder/NativePath.h"
+#include "base/Descriptor.h"
+#include "base/NativePath.h"
 
 #include <fcntl.h>
 

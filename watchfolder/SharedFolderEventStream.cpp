@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/SharedFolderEventStream.h"
 
-#include "watchfolder/RunLoop.h"
+#include "base/RunLoop.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/VRXWatchFolder.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 #include "watchfolder/OwnChangeState.h"
 #include "watchfolder/WatchFolderCore.h"
 

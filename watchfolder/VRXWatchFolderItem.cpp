@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/VRXWatchFolderItem.h"
 
+#include "base/NativePath.h"
 #include "watchfolder/FileState.h"
-#include "watchfolder/NativePath.h"
 
 #include <QtCore/QDebug>
 

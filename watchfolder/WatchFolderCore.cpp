@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/WatchFolderCore.h"
 
+#include "base/WorkingQueue.h"
 #include "watchfolder/FileState.h"
 #include "watchfolder/FolderWalk.h"
 #include "watchfolder/WatchSession.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <fcntl.h>
 

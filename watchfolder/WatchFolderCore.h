@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/NativePath.h"
 #include "watchfolder/ItemFilter.h"
-#include "watchfolder/NativePath.h"
 #include "watchfolder/QualityOfService.h"
 #include "watchfolder/VRXWatchFolderDelegate.h"
 #include "watchfolder/WatchFolderEnvironment.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/WatchFolderEnvironment.h"
 
-#include "watchfolder/NativePath.h"
-#include "watchfolder/RunLoop.h"
+#include "base/NativePath.h"
+#include "base/RunLoop.h"
 
 #include <QtCore/QTimer>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/WorkingQueue.h"
 #include "watchfolder/ChangeReport.h"
 #include "watchfolder/FolderInventory.h"
 #include "watchfolder/PendingDirectories.h"
 #include "watchfolder/RescanBackoff.h"
 #include "watchfolder/WatchFolderCore.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <set>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 #include <functional>
 #include <map>

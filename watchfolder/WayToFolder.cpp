@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "watchfolder/WayToFolder.h"
 
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 #include <unistd.h>
 

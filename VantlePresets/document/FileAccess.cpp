@@ -181,7 +181,8 @@ void writeFileInPlace(const std::filesystem::path &path, QByteArrayView content)
     requireNoNul(path);
     Descriptor file(checked([&] { return ::open(path.c_str(), kFlags, 0666); }));
     writeFully(file.get(), content);
-    file.close();
+    if (!file.close())
+        throwLastError();
 }
 
 } // namespace vantle

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "VantlePresets/document/FileAccess.h"
+#include "base/Descriptor.h"
 
 #include <cerrno>
-#include <utility>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 // How the functions on files call the system. Private to this folder.
 namespace vantle {
@@ -29,29 +28,6 @@ auto checked(Call call)
             throwLastError();
     }
 }
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    /// Some file systems tell only now that there is no space (NFS, quotas).
-    void close()
-    {
-        if (::close(std::exchange(m_descriptor, -1)) != 0 && errno != EINTR)
-            throwLastError();
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 /// The system would take the path to end there.
 inline void requireNoNul(const std::filesystem::path &path)

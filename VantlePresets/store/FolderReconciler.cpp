@@ -6,8 +6,8 @@
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/MainThreadQueue.h"
-#include "watchfolder/NativePath.h"
-#include "watchfolder/OpenFileProbe.h"
+#include "base/NativePath.h"
+#include "base/OpenFileProbe.h"
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <algorithm>

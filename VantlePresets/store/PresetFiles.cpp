@@ -4,8 +4,8 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/StagedFile.h"
 #include "VantlePresets/model/PresetFactory.h"
+#include "base/WorkingQueue.h"
 #include "watchfolder/VRXWatchFolder.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <cerrno>
 #include <chrono>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/support/StandardStreams.h"
 #include "apps/support/StopOnSignal.h"
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 #include "watchfolder/VRXWatchFolder.h"
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "benchmarks/watchfolder/BareLoops.h"
 
-#include "watchfolder/Descriptor.h"
+#include "base/Descriptor.h"
 #include "watchfolder/KernelEventTable.h"
 
 #include <dirent.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "base/RunLoop.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Wait.h"
 #include "tests/watchfolder/Recorder.h"
-#include "watchfolder/RunLoop.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/watchfolder/Recorder.h"
 
+#include "base/NativePath.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Wait.h"
-#include "watchfolder/NativePath.h"
 
 #include <algorithm>
 #include <atomic>

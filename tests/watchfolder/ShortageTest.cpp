@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "base/WorkingQueue.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ScarceResources.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Wait.h"
 #include "tests/watchfolder/Recorder.h"
-#include "watchfolder/WorkingQueue.h"
 
 #include <gmock/gmock.h>
 

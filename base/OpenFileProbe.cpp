@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "watchfolder/OpenFileProbe.h"
+#include "base/OpenFileProbe.h"
 
-#include "watchfolder/Descriptor.h"
+#include "base/Descriptor.h"
 #include "watchfolder/FileState.h"
 
 #include <fcntl.h>

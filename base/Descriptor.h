@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <unistd.h>
-
+#include <cerrno>
 #include <utility>
+
+#include <unistd.h>
 
 namespace vantle {
 
@@ -22,11 +23,13 @@ public:
     ~Descriptor()
     {
         if (m_descriptor >= 0)
-            close(m_descriptor);
+            ::close(m_descriptor);
     }
 
-    int get() const { return m_descriptor; }
-    bool isOpen() const { return m_descriptor >= 0; }
+    /// False, with errno set, when the file system tells only now that there is no space (NFS, quotas).
+    [[nodiscard]] bool close() { return ::close(std::exchange(m_descriptor, -1)) == 0 || errno == EINTR; }
+    [[nodiscard]] int get() const { return m_descriptor; }
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
 
 private:
     int m_descriptor = -1;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "watchfolder/WorkingQueue.h"
+#include "base/WorkingQueue.h"
 
 #include <sys/resource.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "watchfolder/RunLoop.h"
+#include "base/RunLoop.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "watchfolder/NativePath.h"
+#include "base/NativePath.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QUtf8StringView>
