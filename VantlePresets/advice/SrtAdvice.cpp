@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 namespace vantle::advice {
 namespace {
@@ -28,8 +27,6 @@ struct ParameterRule
     QLatin1StringView text; ///< when the rule is broken
     QLatin1StringView source;
 };
-
-constexpr qint64 kAny = std::numeric_limits<qint64>::max();
 
 // Of a parameter's rows the first that is broken counts.
 constexpr std::array<ParameterRule, 8> kParameters{
@@ -63,12 +60,11 @@ constexpr std::array<ParameterRule, 8> kParameters{
       "mode is caller, listener or rendezvous"_L1, source::kSrtTransmit},
      {"latency"_L1,
       Measure::number,
-      1000,
-      kAny,
+      0,
+      10000,
       {},
       AdviceSeverity::warning,
-      "ffmpeg reads this latency in microseconds, less than one millisecond; SRT's own programs read "
-      "milliseconds"_L1,
+      "a latency is in milliseconds, at most 10000; only ffmpeg's own addresses count microseconds"_L1,
       source::kSrtOptions},
      {"pkt_size"_L1,
       Measure::number,

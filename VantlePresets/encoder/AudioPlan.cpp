@@ -101,7 +101,8 @@ void addEncoder(PlanDraft &draft, qsizetype index, const AudioSettings &track)
         else
             draft.streams.add({u"-metadata:s"_s + stream, "language="_L1 + code});
     }
-    draft.streams.add({u"-disposition"_s + stream, track.isDefault() ? u"default"_s : u"0"_s});
+    const bool isDefault = index == defaultTrack(draft.preset);
+    draft.streams.add({u"-disposition"_s + stream, isDefault ? u"default"_s : u"0"_s});
 }
 
 /// The channels are picked by number. (The `pan` filter remixes when layouts of equal size differ.)
@@ -126,8 +127,9 @@ void addTestTones(PlanDraft &draft, const AudioSettingsList &tracks)
     QStringList tones;
     for (qint64 channel = 0; channel < channels; ++channel)
         tones.append(u"0.2*sin(2*PI*%1*t)"_s.arg(200 + 100 * channel));
-    draft.addInput(
-        {u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc=%1:s=%2"_s.arg(tones.join(u'|')).arg(sampleRate)});
+    Arguments input;
+    input.add({u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc=%1:s=%2"_s.arg(tones.join(u'|')).arg(sampleRate)});
+    draft.addInput(input);
 }
 
 void addNotes(PlanDraft &draft)
@@ -135,7 +137,8 @@ void addNotes(PlanDraft &draft)
     draft.note(u"bitsPerSample"_s, u"AAC keeps none, the encoder works on floating-point samples"_s);
     if (!draft.container)
         return;
-    draft.note(u"trackName"_s, draft.container->name + " as the encoder writes it has no track names"_L1);
+    if (draft.masterPlaylist.isEmpty())
+        draft.note(u"trackName"_s, draft.container->name + " as the encoder writes it has no track names"_L1);
     if (!draft.container->carriesLanguages)
         draft.note(u"language"_s, draft.container->name + " names no languages"_L1);
     if (!draft.container->marksDefault && draft.preset.audioSettings().size() > 1)
@@ -143,6 +146,14 @@ void addNotes(PlanDraft &draft)
 }
 
 } // namespace
+
+qsizetype defaultTrack(const VantlePreset &preset)
+{
+    const AudioSettingsList &tracks = preset.audioSettings();
+    const auto found =
+        std::find_if(tracks.begin(), tracks.end(), [](const auto &track) { return track->isDefault(); });
+    return found == tracks.end() ? 0 : found - tracks.begin();
+}
 
 void planAudio(PlanDraft &draft)
 {

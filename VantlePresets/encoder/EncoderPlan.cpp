@@ -63,6 +63,7 @@ struct EncoderPlan::Data : QSharedData
     Arguments arguments;
     QStringList problems;
     QStringList notes;
+    QString masterPlaylist;
 };
 
 EncoderPlan::EncoderPlan(Data data) : m_data(new Data(std::move(data))) {}
@@ -78,6 +79,11 @@ QStringList EncoderPlan::problems() const
 QStringList EncoderPlan::notes() const
 {
     return m_data->notes;
+}
+
+QString EncoderPlan::masterPlaylist() const
+{
+    return m_data->masterPlaylist;
 }
 
 QStringList EncoderPlan::arguments() const
@@ -104,9 +110,8 @@ QByteArray EncoderPlan::withSecretsMasked(QByteArray message) const
 
 EncoderPlan planEncoder(const VantlePreset &preset, const EncoderRequest &request)
 {
-    PlanDraft draft{preset, request, nullptr, {}, {}, {}, {}, {}, {}};
-    if (!request.input().isEmpty())
-        draft.addInput({u"-i"_s, request.input()});
+    PlanDraft draft{preset, request, nullptr, {}, {}, {}, {}, {}, {}, {}};
+    encoder::planInput(draft);
     encoder::planDestination(draft);
     encoder::planVideo(draft);
     encoder::planAudio(draft);
@@ -117,6 +122,7 @@ EncoderPlan planEncoder(const VantlePreset &preset, const EncoderRequest &reques
     if (!plan.problems.isEmpty())
         return EncoderPlan(std::move(plan));
     plan.notes = draft.notes;
+    plan.masterPlaylist = draft.masterPlaylist;
     Arguments &out = plan.arguments;
     out.add({u"ffmpeg"_s, u"-hide_banner"_s});
     out.add(draft.input);

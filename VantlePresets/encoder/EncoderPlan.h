@@ -26,7 +26,7 @@ public:
     ~EncoderRequest();
 
     /// A file, a URL, or "-" for standard input; "" for test pictures, and tones with as many channels as the
-    /// preset takes.
+    /// preset takes. The latency in an SRT address is in milliseconds.
     [[nodiscard]] QString input() const;
     /// Sets input().
     void setInput(const QString &input);
@@ -40,7 +40,8 @@ public:
     [[nodiscard]] QString output() const;
     /// Sets output().
     void setOutput(const QString &output);
-    /// Whether the input is read in real time, as a live stream is sent, and not as fast as it goes.
+    /// Whether the input is read in real time, as a live stream is sent, and not as fast as it goes. A live
+    /// input is never slowed down.
     [[nodiscard]] bool isPaced() const;
     /// Sets isPaced().
     void setPaced(bool paced);
@@ -75,6 +76,10 @@ public:
     [[nodiscard]] QStringList arguments() const;
     /// The same for showing and logging: each secret is "********".
     [[nodiscard]] QStringList maskedArguments() const;
+    /// The file, as a path of the folder that the encoder is started in, to which it writes the master
+    /// playlist of an HLS stream once a segment of each part is there. It lacks what completeMasterPlaylist()
+    /// adds. "" when there is none, or none in a folder.
+    [[nodiscard]] QString masterPlaylist() const;
     /// Every secret in the arguments (stream key, password, passphrase, an address's parameters), the longest
     /// first. Known from where it was put in, not found again in the text.
     [[nodiscard]] QStringList secrets() const;
@@ -89,6 +94,11 @@ private:
 
     QSharedDataPointer<Data> m_data;
 };
+
+/// Whether an input comes at its sender's pace: standard input, or a URL of SRT, RTMP, RTSP, RTP, UDP and
+/// the like. Don't probe such an input for inputChannels(): the probe would take the head of the stream, or
+/// the one connection that there is. Callable from any thread.
+[[nodiscard]] VANTLE_PRESETS_EXPORT bool isLiveInput(const QString &input);
 
 /// Plans the command line with which ffmpeg 5.1 encodes a preset and sends it. Looks at nothing but its
 /// arguments: no file is opened, no server contacted, no program started. On the thread that the preset

@@ -11,6 +11,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+// Apple's authoring rules for HLS: segments of 6 s, whole multiples of the key frames' 2 s (7.5, 1.13), and
+// 15 minutes of a live stream to go back (8.12).
+constexpr int kSegmentSeconds = 6;
+constexpr int kWindowSeconds = 15 * 60;
+
 /// The folder or the upload's address, without a slash at the end.
 std::optional<Argument> baseOf(PlanDraft &draft, bool &isUpload)
 {
@@ -53,7 +58,7 @@ QString streamMap(const VantlePreset &preset)
         QString entry = "a:"_L1 + number(i) + group;
         if (tag.match(tracks[i]->language()).hasMatch())
             entry += ",language:"_L1 + tracks[i]->language();
-        entry += tracks[i]->isDefault() ? ",default:yes"_L1 : ""_L1;
+        entry += i == defaultTrack(preset) ? ",default:yes"_L1 : ""_L1;
         map.append(entry + ",name:audio"_L1 + number(i));
     }
     return map.join(u' ');
@@ -71,12 +76,17 @@ void planHls(PlanDraft &draft)
     const auto base = baseOf(draft, isUpload);
     if (!base)
         return;
-    const QString flags = u"independent_segments+delete_segments"_s;
+    // append_list goes on from the playlists that an earlier run left. Where a server does not give them
+    // back, numbers that count the seconds of the clock rise all the same.
+    const QString flags = u"independent_segments+delete_segments+program_date_time+append_list"_s;
     Arguments &out = draft.destination;
-    out.add({u"-f"_s, u"hls"_s, u"-hls_time"_s, u"2"_s, u"-hls_list_size"_s, u"6"_s, u"-hls_flags"_s,
+    out.add({u"-f"_s, u"hls"_s, u"-hls_time"_s, QString::number(kSegmentSeconds), u"-hls_list_size"_s,
+             QString::number(kWindowSeconds / kSegmentSeconds), u"-hls_flags"_s,
              isUpload ? flags : flags + "+temp_file"_L1});
     if (isUpload)
-        out.add({u"-method"_s, u"PUT"_s});
+        out.add({u"-hls_start_number_source"_s, u"epoch"_s, u"-method"_s, u"PUT"_s});
+    else
+        draft.masterPlaylist = base->text(true) + "/master.m3u8"_L1;
     out.add({u"-hls_segment_type"_s, hasHEVC ? u"fmp4"_s : u"mpegts"_s, u"-master_pl_name"_s,
              u"master.m3u8"_s, u"-var_stream_map"_s, streamMap(draft.preset)});
     out.add(u"-hls_segment_filename"_s,

@@ -25,6 +25,20 @@ struct Options : StoreOptions
     bool fast = false;
 };
 
+CLI::Validator durationCheck()
+{
+    constexpr double kLongest = 365.0 * 24 * 3600;
+    return {[=](const std::string &text) {
+                bool isNumber = false;
+                const double seconds = QString::fromStdString(text).toDouble(&isNumber);
+                return isNumber && seconds > 0 && seconds <= kLongest
+                           ? std::string()
+                           : "\"" + text + "\" is not above 0 and at most " +
+                                 std::to_string(static_cast<int>(kLongest)) + " seconds";
+            },
+            "SECONDS"};
+}
+
 /// The preset with the assignments, which hold for this command only.
 std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList<Assignment> &assignments)
 {
@@ -46,7 +60,9 @@ EncoderRequest requestOf(const Options &options, const VantlePreset &preset)
     if (options.input == kTestInput)
         return request;
     request.setInput(QString::fromStdString(options.input));
-    if (!preset.audioSettings().isEmpty())
+    if (isLive(request.input()))
+        request.setPaced(false);
+    else if (!preset.audioSettings().isEmpty())
         request.setInputChannels(channelsOfInput(request.input()));
     return request;
 }
@@ -66,13 +82,24 @@ void print(const QStringList &arguments, const Options &options, Output &out)
     out.line();
 }
 
+/// A stream on standard input leaves none for a text.
+void checkStandardInput(const Options &options)
+{
+    const bool isText = std::any_of(options.assignments.begin(), options.assignments.end(),
+                                    [](const std::string &text) { return text.ends_with("=@-"); });
+    if (options.input == "-" && isText)
+        throw Refusal(u"standard input can't be both --input and the text of \"@-\"; use @FILE"_s);
+}
+
 ExitCode ffmpeg(const Options &options, Output &out)
 {
+    checkStandardInput(options);
     const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);
-    const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
+    const EncoderRequest request = requestOf(options, *preset);
+    const EncoderPlan plan = planEncoder(*preset, request);
     for (const QString &problem : plan.problems())
         complain(problem);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
@@ -81,7 +108,9 @@ ExitCode ffmpeg(const Options &options, Output &out)
     for (const QString &note : plan.notes())
         complain("note: "_L1 + note);
     if (options.run)
-        return runEncoder(plan, options.json, out);
+        return runEncoder(*preset, request, plan, options.json, out);
+    if (!plan.masterPlaylist().isEmpty())
+        complain(u"note: the encoder's own master playlist lacks track names and more, which --run adds"_s);
     print(options.reveal ? plan.arguments() : plan.maskedArguments(), options, out);
     return ExitCode::good;
 }
@@ -103,12 +132,12 @@ void addFfmpegCommand(CLI::App &app, Command &chosen)
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");
     command
         ->add_option("--input", options->input,
-                     "A file or URL: its first video and audio stream; or test pictures and tones")
+                     "A file, URL or -: its first video and audio stream; or test pictures and tones")
         ->capture_default_str();
     command->add_option("--output", options->output,
                         "A folder or http address for HLS, else an address, in place of the preset's");
     command->add_option("--duration", options->duration, "End after so many seconds of media")
-        ->check(CLI::PositiveNumber);
+        ->check(durationCheck());
     command->add_flag("--fast", options->fast, "Read the input as fast as it goes, not in real time");
     command->add_flag("--run", options->run, "Run it, and print its progress once a second");
     command->add_flag("--reveal", options->reveal, "Show the stream key and the password");
