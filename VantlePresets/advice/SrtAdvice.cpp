@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/advice/AdviceList.h"
 #include "VantlePresets/advice/Sources.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <QtCore/QUrlQuery>
 
@@ -127,7 +127,7 @@ void adviseEscapes(AdviceList &advice, const QUrlQuery &query)
 
 void adviseConnection(AdviceList &advice, const SRTVantlePreset &preset)
 {
-    const auto address = Address::parse(preset.streamingURL());
+    const auto address = StreamAddress::parse(preset.streamingURL());
     if (!address) {
         advice.error(u"streamingURL"_s, u"is no host and no URL such as srt://host:9000"_s,
                      source::kPresetFile);

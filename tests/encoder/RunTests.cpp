@@ -156,7 +156,7 @@ TEST(EncoderRun, ARestartIntoTheSameFolderGoesOn)
                 EXPECT_EQ(contents.value(path, content), content) << path << " was written twice";
                 contents.insert(path, content);
             }
-            EXPECT_EQ(playlist.segments.value(0).last(8),
+            EXPECT_EQ(playlist.segments.value(0).right(8),
                       QByteArray::number(playlist.first).rightJustified(5, '0') + ".ts");
             const int next = playlist.first + static_cast<int>(playlist.segments.size());
             EXPECT_GT(next, last.value(part, 0)) << "the sequence rises";
