@@ -8,6 +8,7 @@
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/document/StagedFile.h"
 #include "VantlePresets/encoder/MasterPlaylist.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcess>
@@ -234,9 +235,12 @@ int channelsOfInput(const QString &input)
         throw Refusal("--input: nothing was learnt of it in "_L1 +
                       QString::number(kProbeMilliseconds / 1000) + " seconds"_L1);
     }
-    if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
-        throw Refusal("--input: "_L1 +
-                      escapedControls(QString::fromUtf8(probe.readAllStandardError().trimmed())));
+    if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0) {
+        QString message = QString::fromUtf8(probe.readAllStandardError().trimmed());
+        if (input.contains("://"_L1))
+            message.replace(input, shownAddress(input));
+        throw Refusal("--input: "_L1 + escapedControls(message));
+    }
     return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
 }
 
