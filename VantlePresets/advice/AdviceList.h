@@ -5,9 +5,13 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
-namespace vantle::advice {
+namespace vantle {
 
-struct Address;
+struct StreamAddress;
+
+}
+
+namespace vantle::advice {
 
 /// What the rules have found so far. Texts never repeat what a preset's texts hold.
 class AdviceList
@@ -57,6 +61,6 @@ void adviseAudio(AdviceList &advice, const VantlePreset &preset);
 void adviseIdentifiers(AdviceList &advice, const VantlePreset &preset);
 
 /// Judges the port that counts: the address's own comes before the preset's.
-void advisePort(AdviceList &advice, const Address &address, qint64 presetPort);
+void advisePort(AdviceList &advice, const StreamAddress &address, qint64 presetPort);
 
 } // namespace vantle::advice

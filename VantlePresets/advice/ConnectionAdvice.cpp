@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/advice/AdviceList.h"
 #include "VantlePresets/advice/ServiceRules.h"
 #include "VantlePresets/advice/Sources.h"
 #include "VantlePresets/model/ServiceIngest.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <algorithm>
 #include <array>
@@ -25,11 +25,18 @@ constexpr std::array<Scheme, 4> kSchemes{{{Protocol::rtmp, "rtmp"_L1},
                                           {Protocol::rtspUDP, "rtsp"_L1},
                                           {Protocol::rtspTCP, "rtsp"_L1}}};
 
+/// On the machine itself, where a relay may stand before a service.
+bool isLocal(const StreamAddress &address)
+{
+    return address.host.compare("localhost"_L1, Qt::CaseInsensitive) == 0 ||
+           address.host.startsWith("127."_L1) || address.host == "[::1]"_L1;
+}
+
 /// An RTMP-family preset beside its service's rules.
 struct ServiceCheck
 {
     ServiceCheck(const RTMPVantlePreset &presetToCheck, const ServiceRules &itsRules,
-                 const Address &itsAddress)
+                 const StreamAddress &itsAddress)
         : preset(presetToCheck), rules(itsRules), address(itsAddress), named(ingestOfHost(address.host))
     {
         if (named && named->type != rules.type)
@@ -41,19 +48,19 @@ struct ServiceCheck
     {
         const bool isOwnHost = address.host.isEmpty() || named ||
                                address.host.endsWith("."_L1 + rules.domain, Qt::CaseInsensitive);
-        return isOwnHost || (rules.judgesOtherHosts && !address.isLocal());
+        return isOwnHost || (rules.judgesOtherHosts && !isLocal(address));
     }
 
     const RTMPVantlePreset &preset;
     const ServiceRules &rules;
-    const Address &address;
+    const StreamAddress &address;
     const ServiceIngest *named; ///< the ingest whose host the address is
 };
 
 /// The port that counts, and what says it: the address's own comes before the preset's.
 struct Port
 {
-    Port(const Address &address, qint64 presetPort)
+    Port(const StreamAddress &address, qint64 presetPort)
         : place(address.port.isEmpty() ? u"portNumber"_s : u"streamingURL"_s),
           number(address.port.isEmpty() ? presetPort : address.port.toLongLong())
     {
@@ -155,7 +162,7 @@ void adviseService(AdviceList &advice, const ServiceCheck &check)
 {
     // The files of other kinds, which may name the service's host too, keep neither application nor key.
     const bool isOwnKind = check.preset.type() == check.rules.type;
-    if (!check.address.isLocal())
+    if (!isLocal(check.address))
         adviseHost(advice, check);
     if (check.goesToService())
         adviseProtocolAndPort(advice, check);
@@ -168,7 +175,7 @@ void adviseService(AdviceList &advice, const ServiceCheck &check)
                      check.rules.protocolSource);
 }
 
-void adviseScheme(AdviceList &advice, const RTMPVantlePreset &preset, const Address &address)
+void adviseScheme(AdviceList &advice, const RTMPVantlePreset &preset, const StreamAddress &address)
 {
     const bool suits =
         address.scheme.isEmpty() || std::any_of(kSchemes.begin(), kSchemes.end(), [&](const Scheme &scheme) {
@@ -191,11 +198,11 @@ void adviseCharacters(AdviceList &advice, QLatin1StringView field, const QString
             source::kFfmpegManual);
 }
 
-void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const Address &address)
+void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const StreamAddress &address)
 {
-    const bool isInAddress = !address.userInfo.isEmpty();
+    const bool isInAddress = !address.login.isEmpty();
     if (carriesFlv(preset))
-        adviseCharacters(advice, "streamingURL"_L1, address.userInfo, "%+"_L1);
+        adviseCharacters(advice, "streamingURL"_L1, QString(address.login + address.password), "%+"_L1);
     if (!preset.authenticate() || isInAddress)
         return;
     const QString missing = u"is missing; a server that asks wants login and password"_s;
@@ -216,7 +223,7 @@ void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const Addre
 
 } // namespace
 
-void advisePort(AdviceList &advice, const Address &address, qint64 presetPort)
+void advisePort(AdviceList &advice, const StreamAddress &address, qint64 presetPort)
 {
     constexpr qint64 kHighestPort = 65535;
     const Port port(address, presetPort);
@@ -227,7 +234,7 @@ void advisePort(AdviceList &advice, const Address &address, qint64 presetPort)
 void adviseConnection(AdviceList &advice, const RTMPVantlePreset &preset)
 {
     const ServiceRules *rules = rulesFor(preset);
-    const auto address = Address::parse(preset.streamingURL());
+    const auto address = StreamAddress::parse(preset.streamingURL());
     if (!address) {
         advice.error(u"streamingURL"_s, u"is no host and no URL such as rtmp://host:1935/live"_s,
                      source::kPresetFile);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/advice/ServiceConnection.h"
 
-#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/model/ServiceIngest.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <algorithm>
 
@@ -10,7 +10,6 @@ namespace vantle {
 namespace {
 
 using namespace Qt::StringLiterals;
-using advice::Address;
 
 bool isOwnApplication(const RTMPVantlePreset &preset)
 {
@@ -27,7 +26,7 @@ bool setServiceConnection(VantlePreset &preset)
     auto *const push = dynamic_cast<RTMPVantlePreset *>(&preset);
     if (!push || !firstIngestOf(push->type()))
         return false;
-    std::optional<Address> address = Address::parse(push->streamingURL());
+    std::optional<StreamAddress> address = StreamAddress::parse(push->streamingURL());
     const ServiceIngest *const named = address ? ingestOfHost(address->host) : nullptr;
     const bool isOwnHost = named && named->type == push->type();
     const bool isBackup = push->isBackup() || (isOwnHost && named->isBackup);
@@ -39,13 +38,13 @@ bool setServiceConnection(VantlePreset &preset)
     if (!isEmpty && !isOwnHost)
         return true;
     if (isEmpty)
-        address = Address{};
+        address = StreamAddress{};
     if (!address->scheme.isEmpty())
         address->scheme = u"rtmps"_s;
     address->port.clear();
     address->host = best.host;
     push->setStreamingURL(address->text());
-    const bool namesApplication = address->path.size() > 1;
+    const bool namesApplication = !address->path.isEmpty();
     if (!namesApplication && (push->application().isEmpty() || isOwnApplication(*push)))
         push->setApplication(best.application);
     return true;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/advice/ServiceRules.h"
 
-#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/advice/Sources.h"
 #include "VantlePresets/model/ServiceIngest.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <algorithm>
 #include <array>
@@ -63,7 +63,7 @@ const ServiceRules *rulesFor(const VantlePreset &preset)
     const auto *push = dynamic_cast<const RTMPVantlePreset *>(&preset);
     if (own || !push)
         return own;
-    const auto address = Address::parse(push->streamingURL());
+    const auto address = StreamAddress::parse(push->streamingURL());
     const ServiceIngest *named = address ? ingestOfHost(address->host) : nullptr;
     return named ? rulesOf(named->type) : nullptr;
 }

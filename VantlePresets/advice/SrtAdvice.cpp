@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "VantlePresets/advice/Address.h"
 #include "VantlePresets/advice/AdviceList.h"
 #include "VantlePresets/advice/Sources.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <QtCore/QUrlQuery>
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 namespace vantle::advice {
 namespace {
@@ -28,8 +27,6 @@ struct ParameterRule
     QLatin1StringView text; ///< when the rule is broken
     QLatin1StringView source;
 };
-
-constexpr qint64 kAny = std::numeric_limits<qint64>::max();
 
 // Of a parameter's rows the first that is broken counts.
 constexpr std::array<ParameterRule, 8> kParameters{
@@ -63,12 +60,11 @@ constexpr std::array<ParameterRule, 8> kParameters{
       "mode is caller, listener or rendezvous"_L1, source::kSrtTransmit},
      {"latency"_L1,
       Measure::number,
-      1000,
-      kAny,
+      0,
+      10000,
       {},
       AdviceSeverity::warning,
-      "ffmpeg reads this latency in microseconds, less than one millisecond; SRT's own programs read "
-      "milliseconds"_L1,
+      "a latency is in milliseconds, at most 10000; only ffmpeg's own addresses count microseconds"_L1,
       source::kSrtOptions},
      {"pkt_size"_L1,
       Measure::number,
@@ -131,7 +127,7 @@ void adviseEscapes(AdviceList &advice, const QUrlQuery &query)
 
 void adviseConnection(AdviceList &advice, const SRTVantlePreset &preset)
 {
-    const auto address = Address::parse(preset.streamingURL());
+    const auto address = StreamAddress::parse(preset.streamingURL());
     if (!address) {
         advice.error(u"streamingURL"_s, u"is no host and no URL such as srt://host:9000"_s,
                      source::kPresetFile);

@@ -60,6 +60,15 @@ std::optional<StreamAddress> StreamAddress::parse(const QString &text)
     return address;
 }
 
+QString StreamAddress::text() const
+{
+    const auto part = [](QLatin1StringView before, const QString &value, QLatin1StringView behind = {}) {
+        return value.isEmpty() ? QString() : before + value + behind;
+    };
+    return part({}, scheme, "://"_L1) + part({}, login + part(":"_L1, password), "@"_L1) + host +
+           part(":"_L1, port) + part("/"_L1, path) + part("?"_L1, query);
+}
+
 QString shownAddress(const QString &text)
 {
     return text.isEmpty() ? text : withSecretsAs(masked(text), text);

@@ -26,6 +26,10 @@ struct VANTLE_PRESETS_EXPORT StreamAddress
     /// Reads "host", "host:1935/live" or a whole URL. Nothing when it is none of these. Callable from any
     /// thread.
     [[nodiscard]] static std::optional<StreamAddress> parse(const QString &text);
+
+    /// The parts as one text, as they are: what parse() read, unless something was changed. Callable from any
+    /// thread.
+    [[nodiscard]] QString text() const;
 };
 
 /// A preset's address for showing. What may be secret in it is masked: the password, the parameters, and the

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignments.h"
+#include "apps/vantlectl/EncoderRun.h"
 #include "apps/vantlectl/NamedPreset.h"
-#include "apps/vantlectl/encoder/EncoderPlan.h"
-#include "apps/vantlectl/encoder/EncoderRun.h"
 
 #include "VantlePresets/document/DocumentWriter.h"
 
@@ -26,6 +25,20 @@ struct Options : StoreOptions
     bool fast = false;
 };
 
+CLI::Validator durationCheck()
+{
+    constexpr double kLongest = 365.0 * 24 * 3600;
+    return {[=](const std::string &text) {
+                bool isNumber = false;
+                const double seconds = QString::fromStdString(text).toDouble(&isNumber);
+                return isNumber && seconds > 0 && seconds <= kLongest
+                           ? std::string()
+                           : "\"" + text + "\" is not above 0 and at most " +
+                                 std::to_string(static_cast<int>(kLongest)) + " seconds";
+            },
+            "SECONDS"};
+}
+
 /// The preset with the assignments, which hold for this command only.
 std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList<Assignment> &assignments)
 {
@@ -41,49 +54,64 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
 EncoderRequest requestOf(const Options &options, const VantlePreset &preset)
 {
     EncoderRequest request;
-    request.output = QString::fromStdString(options.output);
-    request.isPaced = !options.fast;
-    request.duration = options.duration;
+    request.setOutput(QString::fromStdString(options.output));
+    request.setPaced(!options.fast);
+    request.setDuration(options.duration);
     if (options.input == kTestInput)
         return request;
-    request.input = QString::fromStdString(options.input);
-    if (!preset.audioSettings().isEmpty())
-        request.inputChannels = channelsOfInput(request.input);
+    request.setInput(QString::fromStdString(options.input));
+    if (isLive(request.input()))
+        request.setPaced(false);
+    else if (!preset.audioSettings().isEmpty())
+        request.setInputChannels(channelsOfInput(request.input()));
     return request;
 }
 
-void print(const Arguments &arguments, const Options &options, Output &out)
+void print(const QStringList &arguments, const Options &options, Output &out)
 {
     if (!options.json) {
-        out.line(arguments.shellLine(options.reveal));
+        out.line(shellLine(arguments));
         return;
     }
     out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
         writer.beginArray();
-        for (const QString &text : arguments.texts(options.reveal))
+        for (const QString &text : arguments)
             writer.string(text);
         writer.endArray();
     }));
     out.line();
 }
 
+/// A stream on standard input leaves none for a text.
+void checkStandardInput(const Options &options)
+{
+    const bool isText = std::any_of(options.assignments.begin(), options.assignments.end(),
+                                    [](const std::string &text) { return text.ends_with("=@-"); });
+    if (options.input == "-" && isText)
+        throw Refusal(u"standard input can't be both --input and the text of \"@-\"; use @FILE"_s);
+}
+
 ExitCode ffmpeg(const Options &options, Output &out)
 {
+    checkStandardInput(options);
     const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);
-    const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
-    for (const QString &problem : plan.problems)
+    const EncoderRequest request = requestOf(options, *preset);
+    const EncoderPlan plan = planEncoder(*preset, request);
+    for (const QString &problem : plan.problems())
         complain(problem);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
-    if (!plan.problems.isEmpty())
+    if (!plan.problems().isEmpty())
         return ExitCode::failed;
-    for (const QString &note : plan.notes)
+    for (const QString &note : plan.notes())
         complain("note: "_L1 + note);
     if (options.run)
-        return runEncoder(plan.arguments, options.json, out);
-    print(plan.arguments, options, out);
+        return runEncoder(*preset, request, plan, options.json, out);
+    if (!plan.masterPlaylist().isEmpty())
+        complain(u"note: the encoder's own master playlist lacks track names and more, which --run adds"_s);
+    print(options.reveal ? plan.arguments() : plan.maskedArguments(), options, out);
     return ExitCode::good;
 }
 
@@ -104,12 +132,12 @@ void addFfmpegCommand(CLI::App &app, Command &chosen)
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");
     command
         ->add_option("--input", options->input,
-                     "A file or URL: its first video and audio stream; or test pictures and tones")
+                     "A file, URL or -: its first video and audio stream; or test pictures and tones")
         ->capture_default_str();
     command->add_option("--output", options->output,
                         "A folder or http address for HLS, else an address, in place of the preset's");
     command->add_option("--duration", options->duration, "End after so many seconds of media")
-        ->check(CLI::PositiveNumber);
+        ->check(durationCheck());
     command->add_flag("--fast", options->fast, "Read the input as fast as it goes, not in real time");
     command->add_flag("--run", options->run, "Run it, and print its progress once a second");
     command->add_flag("--reveal", options->reveal, "Show the stream key and the password");

@@ -272,9 +272,10 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
                                          "a caller says mode=listener"},
              {url(srt(), "rtmp://host"), "error streamingURL: an SRT address begins with srt://"},
              {url(srt(), "host?mode=server"), "error streamingURL: mode is caller, listener or rendezvous"},
-             {url(srt(), "host?latency=200"),
-              "warning streamingURL: ffmpeg reads this latency in microseconds, less than one millisecond; "
-              "SRT's own programs read milliseconds"},
+             {url(srt(), "host?latency=200"), ""},
+             {url(srt(), "host?latency=200000"), "warning streamingURL: a latency is in milliseconds, at "
+                                                 "most 10000; only ffmpeg's own addresses "
+                                                 "count microseconds"},
              {url(srt(), "host?passphrase=nineisall"), "error streamingURL: a passphrase has 10 to 79 bytes"},
              {url(srt(), "host?passphrase=" + QByteArray(79, 'x')), ""},
              {url(srt(), "host?passphrase=" + QByteArray(80, 'x')),

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
-#include "apps/vantlectl/encoder/ServerArgument.h"
+#include "VantlePresets/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/ServerArgument.h"
+#include "VantlePresets/encoder/SrtParameters.h"
 
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QUrl>
-#include <QtCore/QUrlQuery>
 
 #include <algorithm>
 #include <array>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -30,12 +29,6 @@ constexpr std::array<Transport, 4> kTransports{{{StreamingProtocol::rtmp, "rtmp"
                                                 {StreamingProtocol::rtmps, "rtmps"_L1, &kFlv, {}},
                                                 {StreamingProtocol::rtspUDP, "rtsp"_L1, &kRtsp, "udp"_L1},
                                                 {StreamingProtocol::rtspTCP, "rtsp"_L1, &kRtsp, "tcp"_L1}}};
-
-bool hasControls(const QString &text)
-{
-    return std::any_of(text.begin(), text.end(),
-                       [](QChar c) { return c.category() == QChar::Other_Control; });
-}
 
 /// Refuses texts that would end an argument or a line early.
 void checkTexts(PlanDraft &draft, std::initializer_list<std::pair<QLatin1StringView, QString>> texts)
@@ -55,13 +48,11 @@ struct Server
 
 std::optional<Server> serverOf(PlanDraft &draft, const QString &streamingURL)
 {
-    const bool isOwn = draft.request.output.isEmpty();
+    const bool isOwn = draft.request.output().isEmpty();
     const QString field = isOwn ? u"streamingURL"_s : u"--output"_s;
-    const auto address = StreamAddress::parse(isOwn ? streamingURL : draft.request.output);
+    const auto address = StreamAddress::parse(isOwn ? streamingURL : draft.request.output());
     if (!address)
         draft.problem(field, u"is no host and no URL"_s);
-    else if (address->host.isEmpty())
-        draft.problem(field, u"the host is missing"_s);
     return address ? std::optional(Server{field, *address}) : std::nullopt;
 }
 
@@ -88,7 +79,7 @@ const Transport &transportOf(PlanDraft &draft, const RTMPVantlePreset &preset, S
         return *own;
     const auto named = std::find_if(kTransports.rbegin(), kTransports.rend(),
                                     [&](const Transport &transport) { return transport.scheme == scheme; });
-    if (draft.request.output.isEmpty() || named == kTransports.rend())
+    if (draft.request.output().isEmpty() || named == kTransports.rend())
         draft.problem(server.field, scheme + " does not go with the protocol "_L1 +
                                         displayName(preset.streamingProtocol()));
     return named == kTransports.rend() ? *own : *named;
@@ -126,7 +117,7 @@ void addPath(PlanDraft &draft, const RTMPVantlePreset &preset, const Server &ser
 {
     QStringList visible = server.address.path.split(u'/', Qt::SkipEmptyParts);
     QString key;
-    if (draft.request.output.isEmpty()) {
+    if (draft.request.output().isEmpty()) {
         if (!preset.application().isEmpty())
             visible.append(preset.application());
         key = preset.streamKey();
@@ -134,13 +125,13 @@ void addPath(PlanDraft &draft, const RTMPVantlePreset &preset, const Server &ser
     }
     const bool isService =
         preset.type() == StreamingType::youTube || preset.type() == StreamingType::facebook;
-    if (key.isEmpty() && (!isService || !draft.request.output.isEmpty()) && visible.size() > 1)
+    if (key.isEmpty() && (!isService || !draft.request.output().isEmpty()) && visible.size() > 1)
         key = visible.takeLast();
     if (visible.isEmpty())
-        draft.problem(draft.request.output.isEmpty() ? u"application"_s : server.field,
+        draft.problem(draft.request.output().isEmpty() ? u"application"_s : server.field,
                       u"the application is missing"_s);
     if (key.isEmpty())
-        draft.problem(draft.request.output.isEmpty() ? u"streamKey"_s : server.field,
+        draft.problem(draft.request.output().isEmpty() ? u"streamKey"_s : server.field,
                       isService ? u"the stream key is missing"_s
                                 : displayName(preset.type()) +
                                       " files keep no stream key: add streamKey=@- to the command line, or "
@@ -160,6 +151,8 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     auto server = serverOf(draft, host);
     if (!server)
         return;
+    if (server->address.host.isEmpty())
+        draft.problem(server->field, u"the host is missing"_s);
     const Transport &transport = transportOf(draft, preset, *server);
     draft.container = transport.container;
     setPort(draft, *server, preset.portNumber());
@@ -177,45 +170,30 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     draft.destination.add(target);
 }
 
-struct SrtParameter
+/// What the preset and the address's parameters say; the latter count.
+SrtValues srtValuesOf(PlanDraft &draft, const SRTVantlePreset &preset, const Server &server)
 {
-    QLatin1StringView name;   ///< in an address
-    QLatin1StringView option; ///< ffmpeg's; its -streamid means packet identifiers
-    bool isSecret;
-};
-
-constexpr std::array<SrtParameter, 4> kSrtParameters{{{"passphrase"_L1, "-passphrase"_L1, true},
-                                                      {"streamid"_L1, "-srt_streamid"_L1, true},
-                                                      {"latency"_L1, "-latency"_L1, false},
-                                                      {"mode"_L1, "-mode"_L1, false}}};
-
-/// What the preset and the address's parameters say; the latter count. In microseconds: ffmpeg's latency.
-QHash<QString, QString> srtParameters(PlanDraft &draft, const SRTVantlePreset &preset, const Server &server)
-{
-    QHash<QString, QString> values{{u"latency"_s, u"200000"_s}, {u"mode"_s, u"caller"_s}};
-    if (preset.authenticate())
-        values.insert(u"passphrase"_s, preset.streamKey());
+    // Seven transport packets are what SRT sends in one datagram. Without lingering, for so many seconds at
+    // most, the stream's end would be lost when it closes.
+    SrtValues values{{kSrtMode, u"caller"_s}, {kSrtPacketSize, u"1316"_s}, {kSrtLinger, u"5"_s}};
+    setSrtValue(draft, {}, values, kSrtLatency, u"200"_s);
     if (!preset.application().isEmpty())
-        values.insert(u"streamid"_s, preset.application());
-    for (const auto &[name, value] : QUrlQuery(server.address.query).queryItems(QUrl::FullyDecoded)) {
-        if (std::none_of(kSrtParameters.begin(), kSrtParameters.end(),
-                         [&name = name](const SrtParameter &parameter) { return parameter.name == name; }))
-            draft.problem(server.field, u"only passphrase, streamid, latency and mode can be parameters"_s);
-        values.insert(name, value);
-    }
-    return values;
-}
-
-void checkPassphrase(PlanDraft &draft, const QString &passphrase)
-{
-    constexpr qsizetype kShortest = 10;
-    constexpr qsizetype kLongest = 64;
-    const qsizetype size = passphrase.toUtf8().size();
-    if (size == 0)
+        setSrtValue(draft, u"application"_s, values, kSrtStreamIdentifier, preset.application());
+    setSrtParameters(draft, server.field, values, server.address.query);
+    if (values.contains(kSrtPassphrase)) {
+        // The address's own.
+    } else if (!preset.authenticate()) {
+        if (!preset.streamKey().isEmpty())
+            draft.note(u"streamKey"_s, u"is used only while authenticate is true"_s);
+    } else if (preset.streamKey().isEmpty()) {
         draft.problem(u"streamKey"_s, u"is the passphrase while authenticate is true; SRT files do not keep "
                                       "it: add streamKey=@- to the command line"_s);
-    else if (size < kShortest || size > kLongest)
-        draft.problem(u"streamKey"_s, u"a passphrase has 10 to 64 characters"_s);
+    } else {
+        setSrtValue(draft, u"streamKey"_s, values, kSrtPassphrase, preset.streamKey());
+    }
+    if (values.contains(kSrtPassphrase) && !values.contains(kSrtKeyLength))
+        values.insert(kSrtKeyLength, u"16"_s);
+    return values;
 }
 
 void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
@@ -230,25 +208,10 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
     if (address.scheme != "srt"_L1 || !address.path.isEmpty() || !address.login.isEmpty())
         draft.problem(server->field, u"is no address such as srt://host:9000"_s);
     setPort(draft, *server, preset.portNumber());
-    checkTexts(draft, {{"application"_L1, preset.application()}, {"streamKey"_L1, preset.streamKey()}});
-
-    const QHash<QString, QString> values = srtParameters(draft, preset, *server);
-    if (values.contains(u"passphrase"_s))
-        checkPassphrase(draft, values[u"passphrase"_s]);
-    else if (!preset.streamKey().isEmpty())
-        draft.note(u"streamKey"_s, u"is used only while authenticate is true"_s);
-    // Seven transport packets are what SRT sends in one datagram. Without lingering, for so many seconds at
-    // most, the stream's end would be lost when it closes.
-    draft.destination.add({u"-f"_s, u"mpegts"_s, u"-mpegts_flags"_s, u"+resend_headers"_s, u"-pkt_size"_s,
-                           u"1316"_s, u"-linger"_s, u"5"_s});
-    for (const SrtParameter &parameter : kSrtParameters) {
-        const QString value = values.value(parameter.name);
-        if (!value.isEmpty())
-            draft.destination.add(parameter.option,
-                                  parameter.isSecret ? Argument().secret(value) : Argument().plain(value));
-    }
-    if (values.contains(u"passphrase"_s))
-        draft.destination.add({u"-pbkeylen"_s, u"16"_s});
+    const SrtValues values = srtValuesOf(draft, preset, *server);
+    checkSrtHost(draft, server->field, values, address.host);
+    draft.destination.add({u"-f"_s, u"mpegts"_s, u"-mpegts_flags"_s, u"+resend_headers"_s});
+    draft.destination.add(srtOptions(values));
     draft.destination.add(serverArgument(address));
 }
 
@@ -256,7 +219,7 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
 
 void planDestination(PlanDraft &draft)
 {
-    checkTexts(draft, {{"--output"_L1, draft.request.output}});
+    checkTexts(draft, {{"--output"_L1, draft.request.output()}});
     if (const auto *push = dynamic_cast<const RTMPVantlePreset *>(&draft.preset))
         planPush(draft, *push);
     else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&draft.preset))
@@ -265,4 +228,4 @@ void planDestination(PlanDraft &draft)
         planHls(draft);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

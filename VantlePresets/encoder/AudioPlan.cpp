@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/PlanDraft.h"
 
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -60,12 +60,15 @@ void checkChannels(PlanDraft &draft, qsizetype index, const AudioSettings &track
     const QString path = fieldPath(kList, index, "inputChannels"_L1);
     if (!layoutOf(track))
         draft.problem(path, u"AAC carries 1 to 8 or 16 channels, not %1"_s.arg(track.inputChannels().size()));
-    const int available = draft.request.input.isEmpty() ? kTestChannels : draft.request.inputChannels;
+    const std::optional<int> available =
+        draft.request.input().isEmpty() ? kTestChannels : draft.request.inputChannels();
     for (const qint64 channel : track.inputChannels()) {
-        if (channel < 0 || channel >= available)
-            draft.problem(
-                path, u"the source has %1 channels, counted from 0, and no channel %2"_s.arg(available).arg(
-                          channel));
+        if (channel < 0)
+            draft.problem(path, u"channels are counted from 0, there is no channel %1"_s.arg(channel));
+        else if (available && channel >= *available)
+            draft.problem(path,
+                          u"the source has %1 channels, counted from 0, and no channel %2"_s.arg(*available)
+                              .arg(channel));
     }
 }
 
@@ -98,7 +101,8 @@ void addEncoder(PlanDraft &draft, qsizetype index, const AudioSettings &track)
         else
             draft.streams.add({u"-metadata:s"_s + stream, "language="_L1 + code});
     }
-    draft.streams.add({u"-disposition"_s + stream, track.isDefault() ? u"default"_s : u"0"_s});
+    const bool isDefault = index == defaultTrack(draft.preset);
+    draft.streams.add({u"-disposition"_s + stream, isDefault ? u"default"_s : u"0"_s});
 }
 
 /// The channels are picked by number. (The `pan` filter remixes when layouts of equal size differ.)
@@ -123,8 +127,9 @@ void addTestTones(PlanDraft &draft, const AudioSettingsList &tracks)
     QStringList tones;
     for (qint64 channel = 0; channel < channels; ++channel)
         tones.append(u"0.2*sin(2*PI*%1*t)"_s.arg(200 + 100 * channel));
-    draft.addInput(
-        {u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc=%1:s=%2"_s.arg(tones.join(u'|')).arg(sampleRate)});
+    Arguments input;
+    input.add({u"-f"_s, u"lavfi"_s, u"-i"_s, u"aevalsrc=%1:s=%2"_s.arg(tones.join(u'|')).arg(sampleRate)});
+    draft.addInput(input);
 }
 
 void addNotes(PlanDraft &draft)
@@ -132,7 +137,8 @@ void addNotes(PlanDraft &draft)
     draft.note(u"bitsPerSample"_s, u"AAC keeps none, the encoder works on floating-point samples"_s);
     if (!draft.container)
         return;
-    draft.note(u"trackName"_s, draft.container->name + " as the encoder writes it has no track names"_L1);
+    if (draft.masterPlaylist.isEmpty())
+        draft.note(u"trackName"_s, draft.container->name + " as the encoder writes it has no track names"_L1);
     if (!draft.container->carriesLanguages)
         draft.note(u"language"_s, draft.container->name + " names no languages"_L1);
     if (!draft.container->marksDefault && draft.preset.audioSettings().size() > 1)
@@ -140,6 +146,14 @@ void addNotes(PlanDraft &draft)
 }
 
 } // namespace
+
+qsizetype defaultTrack(const VantlePreset &preset)
+{
+    const AudioSettingsList &tracks = preset.audioSettings();
+    const auto found =
+        std::find_if(tracks.begin(), tracks.end(), [](const auto &track) { return track->isDefault(); });
+    return found == tracks.end() ? 0 : found - tracks.begin();
+}
 
 void planAudio(PlanDraft &draft)
 {
@@ -157,7 +171,7 @@ void planAudio(PlanDraft &draft)
     if (!draft.problems.isEmpty())
         return;
 
-    const bool isTest = draft.request.input.isEmpty();
+    const bool isTest = draft.request.input().isEmpty();
     const QString input = isTest ? u"[1:a:0]"_s : u"[0:a:0]"_s;
     QString split;
     QStringList filters;
@@ -175,4 +189,4 @@ void planAudio(PlanDraft &draft)
     addNotes(draft);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

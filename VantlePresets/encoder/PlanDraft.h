@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/vantlectl/encoder/Container.h"
-#include "apps/vantlectl/encoder/EncoderPlan.h"
+#include "VantlePresets/encoder/Argument.h"
+#include "VantlePresets/encoder/Container.h"
+#include "VantlePresets/encoder/EncoderPlan.h"
 
-namespace vantle::ctl {
+#include <algorithm>
+
+namespace vantle::encoder {
 
 /// A plan in the making, with what the parts of planning tell each other.
 struct PlanDraft
@@ -19,10 +22,12 @@ struct PlanDraft
     Arguments destination;
     QStringList problems;
     QStringList notes;
+    QString masterPlaylist; ///< the file, "" when there is none
 
-    void addInput(std::initializer_list<QString> arguments)
+    /// What ends with "-i" and the input. A live one keeps its own pace.
+    void addInput(const Arguments &arguments, bool isLive = false)
     {
-        if (request.isPaced)
+        if (request.isPaced() && !isLive)
             input.add({QStringLiteral("-re")});
         input.add(arguments);
     }
@@ -49,10 +54,26 @@ struct PlanDraft
 inline constexpr QLatin1StringView kUncheckedCertificate{
     "the encoder does not check the server's certificate"};
 
+/// Of a preset with tracks, the one that players begin with: the document's first default one, else the
+/// first.
+[[nodiscard]] qsizetype defaultTrack(const VantlePreset &preset);
+
+[[nodiscard]] inline bool isControl(QChar c)
+{
+    return c.category() == QChar::Other_Control;
+}
+
+/// Whether the text would end an argument or a line early.
+[[nodiscard]] inline bool hasControls(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(), isControl);
+}
+
 // Each adds its part to the draft.
+void planInput(PlanDraft &draft);
 void planDestination(PlanDraft &draft);
 void planHls(PlanDraft &draft);
 void planVideo(PlanDraft &draft);
 void planAudio(PlanDraft &draft);
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

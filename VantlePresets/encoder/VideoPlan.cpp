@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/PlanDraft.h"
 
 #include "VantlePresets/settings/LevelFit.h"
 
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <limits>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -205,10 +205,12 @@ void addTestPictures(PlanDraft &draft, const VideoSettingsList &renditions)
     });
     const auto fastest = *std::max_element(renditions.begin(), renditions.end(),
                                            [](auto &a, auto &b) { return a->frameRate() < b->frameRate(); });
-    draft.addInput({u"-f"_s, u"lavfi"_s, u"-i"_s,
-                    u"testsrc2=size=%1x%2:rate=%3"_s.arg(largest->width())
-                        .arg(largest->height())
-                        .arg(rateText(fastest->frameRate()))});
+    Arguments input;
+    input.add({u"-f"_s, u"lavfi"_s, u"-i"_s,
+               u"testsrc2=size=%1x%2:rate=%3"_s.arg(largest->width())
+                   .arg(largest->height())
+                   .arg(rateText(fastest->frameRate()))});
+    draft.addInput(input);
 }
 
 } // namespace
@@ -222,13 +224,16 @@ void planVideo(PlanDraft &draft)
         draft.problem(fieldPath(kList, 1),
                       u"%1 carries one video stream, this preset has %2"_s.arg(draft.container->name)
                           .arg(renditions.size()));
+    // Interlaced frames, which their streams mark, become one frame of each field; others pass as they are.
+    const QString input =
+        draft.request.input().isEmpty() ? u"[0:v:0]"_s : u"[0:v:0]bwdif=mode=send_field:deint=interlaced,"_s;
     QString split;
     for (qsizetype i = 0; i < renditions.size(); ++i) {
         const VideoSettings &video = *renditions[i];
         const auto profile = checkedProfile(draft, i, video);
         if (!profile)
             continue;
-        const QString source = renditions.size() == 1 ? u"[0:v:0]"_s : u"[p%1]"_s.arg(i);
+        const QString source = renditions.size() == 1 ? input : u"[p%1]"_s.arg(i);
         split += source;
         draft.filters.append(filterOf(i, source, video, *profile->choice));
         addEncoder(draft, i, video, *profile);
@@ -236,9 +241,9 @@ void planVideo(PlanDraft &draft)
     if (!draft.problems.isEmpty())
         return;
     if (renditions.size() > 1)
-        draft.filters.prepend(u"[0:v:0]split=%1%2"_s.arg(renditions.size()).arg(split));
-    if (draft.request.input.isEmpty())
+        draft.filters.prepend(u"%1split=%2%3"_s.arg(input).arg(renditions.size()).arg(split));
+    if (draft.request.input().isEmpty())
         addTestPictures(draft, renditions);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

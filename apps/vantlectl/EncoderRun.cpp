@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/EncoderRun.h"
+#include "apps/vantlectl/EncoderRun.h"
 
 #include "apps/support/StopOnSignal.h"
 #include "apps/vantlectl/StoreSession.h"
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/model/Secrets.h"
+#include "VantlePresets/document/StagedFile.h"
+#include "VantlePresets/encoder/MasterPlaylist.h"
+#include "VantlePresets/model/StreamAddress.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcess>
@@ -49,19 +51,28 @@ constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
                                                   {"bitrate", "bitRate", {}},
                                                   {"speed", "speed", {}}}};
 
+bool isStandardInput(const QString &input)
+{
+    return input == "-"_L1 || input.startsWith("pipe:"_L1);
+}
+
 /// One encoder that runs.
 class EncoderProcess : public QObject
 {
 public:
-    EncoderProcess(const Arguments &arguments, bool json, Output &out)
-        : m_secrets(arguments.secrets()), m_json(json), m_out(out)
+    EncoderProcess(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
+                   bool json, Output &out)
+        : m_preset(preset), m_plan(plan), m_json(json), m_out(out)
     {
-        QStringList texts = arguments.texts(true);
+        QStringList texts = plan.arguments();
         m_process.setProgram(texts.takeFirst());
         m_process.setArguments(QStringList{u"-nostdin"_s, u"-loglevel"_s, u"warning"_s, u"-nostats"_s,
                                            u"-stats_period"_s, u"1"_s, u"-progress"_s, u"pipe:1"_s} +
                                texts);
-        m_process.setStandardInputFile(QProcess::nullDevice());
+        if (isStandardInput(request.input()))
+            m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
+        else
+            m_process.setStandardInputFile(QProcess::nullDevice());
         m_process.setChildProcessModifier([] {
             // The child needs the signals that this process takes from a descriptor, and ends with it.
             sigset_t none;
@@ -86,6 +97,7 @@ public:
         takeMessages();
         if (!m_messages.isEmpty())
             complainMasked(m_messages);
+        completeMaster();
         if (m_failure)
             std::rethrow_exception(m_failure);
         return code();
@@ -118,11 +130,9 @@ private:
             complainMasked(line);
     }
 
-    void complainMasked(QByteArray line)
+    void complainMasked(const QByteArray &line)
     {
-        for (const QString &secret : m_secrets)
-            line.replace(secret.toUtf8(), masked(secret).toUtf8());
-        complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(line)));
+        complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(m_plan.withSecretsMasked(line))));
     }
 
     void takeProgress()
@@ -131,12 +141,34 @@ private:
         for (const QByteArray &line : takeLines(m_progress)) {
             const qsizetype equals = line.indexOf('=');
             m_values.insert(line.first(std::max<qsizetype>(equals, 0)), line.sliced(equals + 1).trimmed());
-            if (line.startsWith("progress="))
+            if (line.startsWith("progress=")) {
+                completeMaster();
                 print();
+            }
         }
     } catch (const std::exception &) {
         m_failure = std::current_exception();
         m_process.terminate();
+    }
+
+    /// The encoder writes it once, as soon as a segment of each part is there.
+    void completeMaster()
+    {
+        if (m_plan.masterPlaylist().isEmpty() || m_isMasterGivenUp)
+            return;
+        const std::filesystem::path path = fileSystemPath(m_plan.masterPlaylist());
+        try {
+            const QByteArray written = readFile(path);
+            const QByteArray complete = completeMasterPlaylist(m_preset, written);
+            if (complete != written)
+                StagedFile(path, complete).commit();
+        } catch (const std::system_error &error) {
+            if (error.code() == std::errc::no_such_file_or_directory)
+                return;
+            m_isMasterGivenUp = true;
+            complain("note: "_L1 + escapedControls(m_plan.masterPlaylist()) +
+                     " stays as the encoder wrote it: "_L1 + QString::fromUtf8(error.what()));
+        }
     }
 
     void print()
@@ -163,7 +195,8 @@ private:
         return QString::fromUtf8(m_values.value(field.key.toByteArray()));
     }
 
-    QStringList m_secrets;
+    const VantlePreset &m_preset;
+    EncoderPlan m_plan;
     bool m_json;
     Output &m_out;
     QProcess m_process;
@@ -172,10 +205,21 @@ private:
     QByteArray m_progress;
     QHash<QByteArray, QByteArray> m_values;
     bool m_isStopped = false;
+    bool m_isMasterGivenUp = false;
     std::exception_ptr m_failure;
 };
 
 } // namespace
+
+bool isLive(const QString &input)
+{
+    if (isLiveInput(input))
+        return true;
+    std::error_code none;
+    const auto type = std::filesystem::status(fileSystemPath(input), none).type();
+    return type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character ||
+           type == std::filesystem::file_type::socket;
+}
 
 int channelsOfInput(const QString &input)
 {
@@ -191,15 +235,19 @@ int channelsOfInput(const QString &input)
         throw Refusal("--input: nothing was learnt of it in "_L1 +
                       QString::number(kProbeMilliseconds / 1000) + " seconds"_L1);
     }
-    if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
-        throw Refusal("--input: "_L1 +
-                      escapedControls(QString::fromUtf8(probe.readAllStandardError().trimmed())));
+    if (probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0) {
+        QString message = QString::fromUtf8(probe.readAllStandardError().trimmed());
+        if (input.contains("://"_L1))
+            message.replace(input, shownAddress(input));
+        throw Refusal("--input: "_L1 + escapedControls(message));
+    }
     return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
 }
 
-ExitCode runEncoder(const Arguments &arguments, bool json, Output &out)
+ExitCode runEncoder(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
+                    bool json, Output &out)
 {
-    return EncoderProcess(arguments, json, out).run();
+    return EncoderProcess(preset, request, plan, json, out).run();
 }
 
 } // namespace vantle::ctl

@@ -3,7 +3,7 @@
 
 #include <QtCore/QString>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 
 /// What a container, as ffmpeg 5.1 writes it, can carry.
 struct Container
@@ -21,9 +21,11 @@ inline constexpr Container kHlsSegments{QLatin1StringView("HLS"), false, true, t
 /// Players take HEVC from HLS in fragmented MP4 only.
 inline constexpr Container kHlsFragments{
     QLatin1StringView("HLS with MP4 fragments"), false, true, false, false, true, true};
+/// What services take that make the ladder themselves: one playlist of segments with video and audio.
+inline constexpr Container kHlsPush{QLatin1StringView("HLS push"), true, true, true, true, true, false};
 inline constexpr Container kFlv{QLatin1StringView("FLV"), true, false, false, true, false, false};
 inline constexpr Container kRtsp{QLatin1StringView("RTSP"), false, true, false, true, false, false};
 inline constexpr Container kTransportStream{
     QLatin1StringView("MPEG-TS"), false, true, true, true, true, false};
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder
