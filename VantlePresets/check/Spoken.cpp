@@ -38,6 +38,8 @@ QString languageOf(QByteArrayView beginning)
 QString speaksOther(QByteArrayView beginning, QLatin1StringView wanted)
 {
     const QString language = languageOf(beginning);
+    if (language == wanted)
+        return "the server answers with "_L1 + wanted + " that can't be read"_L1;
     if (language.isEmpty())
         return "the server speaks something else than "_L1 + wanted;
     return "the server speaks "_L1 + language + ", not "_L1 + wanted;

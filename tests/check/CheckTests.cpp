@@ -11,6 +11,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QThread>
 #include <QtNetwork/QUdpSocket>
 
 namespace vantle::test {
@@ -71,6 +72,8 @@ TEST(Check, SaysOfEachServerWhatIsWrongInTime)
     const Server half(answerWith("\3" + QByteArray(100, 's')));
     const Server http(answerWith(kHttpError));
     const Server noise(answerWith("?!"));
+    const Server endless(answerWith("HTTP/1.1 " + QByteArray(10000, 'x')));
+    const Server hostile(answerWith("HTTP/1.1 404 \033[2Jgone\r\n"));
     const Server accepting(answerWith("HTTP/1.1 204 No Content\r\n\r\n"));
     const Server refusing(answerWith("HTTP/1.1 403 Forbidden\r\n\r\n"), &good);
     const Server rtsp(answerWith("RTSP/1.0 200 OK\r\nCSeq: 1\r\n\r\n"));
@@ -209,6 +212,16 @@ TEST(Check, SaysOfEachServerWhatIsWrongInTime)
          {u"--output=http://localhost:%1/"_s.arg(noise.port())},
          tcp,
          "HTTP failed the server speaks something else than HTTP"},
+        {"upload, no end",
+         "HLS",
+         {u"--output=http://localhost:%1/"_s.arg(endless.port())},
+         tcp,
+         "HTTP failed the server answers with HTTP that can't be read"},
+        {"upload, escape sequence",
+         "HLS",
+         {u"--output=http://localhost:%1/"_s.arg(hostile.port())},
+         tcp,
+         "HTTP ok 404 \\u001b[2Jgone: the server answers; uploads were not tried"},
         {"folder", "HLS", {}, {}, "folder ok no server to ask: HLS goes into "},
         {"no folder", "HLS", {u"--output=preset.json/x"_s}, {}, "folder failed "},
         {"SRT",
@@ -293,6 +306,67 @@ TEST(Check, SaysOfEachServerWhatIsWrongInTime)
         // Far less than Qt's and libsrt's own limits, and more than a busy machine needs.
         EXPECT_LT(said.milliseconds, 15000);
     }
+}
+
+std::shared_ptr<VantlePreset> presetFor(const Server &server)
+{
+    const QByteArray address = "127.0.0.1:" + QByteArray::number(server.port());
+    return decodePreset(presetText("RTMP")
+                            .with("streamingURL", '"' + address + '"')
+                            .with("streamingProtocol", R"("RTMP")")
+                            .text());
+}
+
+TEST(Check, EndsWhenItIsCancelledOrDestroyed)
+{
+    const Server silent(staySilent);
+    const auto preset = presetFor(silent);
+    for (const bool isDestroyed : {false, true}) {
+        auto check = std::make_unique<ConnectionCheck>(*preset);
+        int steps = 0;
+        bool hasFinished = false;
+        QObject::connect(check.get(), &ConnectionCheck::finished, [&] { hasFinished = true; });
+        QObject::connect(check.get(), &ConnectionCheck::stepFinished, [&](const CheckStep &step) {
+            ++steps;
+            if (step.name != "TCP"_L1)
+                return;
+            if (isDestroyed)
+                check.reset();
+            else
+                check->cancel();
+        });
+        check->start();
+        check->start();
+        ASSERT_TRUE(waitUntil([&] { return steps == 2 && silent.isCallerGone(); }));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(steps, 2);
+        EXPECT_FALSE(hasFinished);
+    }
+}
+
+TEST(Check, RunsOnAThreadOfItsOwn)
+{
+    const Server server(shakeHands);
+    QThread thread;
+    auto *const check = new ConnectionCheck(*presetFor(server));
+    check->moveToThread(&thread);
+    QObject::connect(&thread, &QThread::started, check, &ConnectionCheck::start);
+    QObject::connect(&thread, &QThread::finished, check, &QObject::deleteLater);
+    QStringList steps;
+    std::optional<bool> result;
+    QObject here;
+    QObject::connect(check, &ConnectionCheck::stepFinished, &here,
+                     [&](const CheckStep &step) { steps.append(step.name); });
+    QObject::connect(check, &ConnectionCheck::finished, &here, [&](bool isGood) { result = isGood; });
+    thread.start();
+    EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
+    thread.quit();
+    thread.wait();
+    EXPECT_EQ(result, true);
+    EXPECT_EQ(steps, (QStringList{u"name look-up"_s, u"TCP"_s, u"RTMP handshake"_s}));
+    // Version and two blocks: nothing was said after the handshake.
+    EXPECT_TRUE(waitUntil([&] { return server.isCallerGone(); }));
+    EXPECT_EQ(server.said().size(), 1 + 2 * 1536);
 }
 
 } // namespace

@@ -79,6 +79,7 @@ Server::Server(Conversation conversation, const QSslConfiguration *tls)
         if (caller == nullptr)
             return;
         m_said.clear();
+        m_isCallerGone = false;
         const auto take = [this, caller] {
             m_said += caller->readAll();
             m_conversation(*caller, m_said);
