@@ -1,21 +1,66 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/check/Addresses.h"
 
-#include <QtNetwork/QHostInfo>
+#include <QtCore/QUrl>
+
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+#include <netdb.h>
+#include <sys/socket.h>
 
 namespace vantle::check {
 namespace {
 
 using namespace Qt::StringLiterals;
 
+/// What a look-up's thread finds.
+struct Found
+{
+    int error = 0; ///< getaddrinfo()'s
+    QList<QHostAddress> addresses;
+};
+
+Found lookUp(const QByteArray &name)
+{
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM; // else each address comes once for each kind of socket
+    hints.ai_flags = AI_ADDRCONFIG;
+    addrinfo *list = nullptr;
+    Found found;
+    found.error = ::getaddrinfo(name.constData(), nullptr, &hints, &list);
+    if (found.error != 0)
+        return found;
+    for (const addrinfo *entry = list; entry != nullptr; entry = entry->ai_next)
+        found.addresses.append(QHostAddress(entry->ai_addr));
+    ::freeaddrinfo(list);
+    return found;
+}
+
+QString reasonOf(int error)
+{
+    switch (error) {
+    case EAI_NONAME:
+        return u"there is no host of this name"_s;
+    case EAI_AGAIN:
+        return u"no name server could be asked"_s;
+    default:
+        return QString::fromLocal8Bit(::gai_strerror(error));
+    }
+}
+
+/// Nothing ends getaddrinfo() before it gives up by itself, and Qt's own look-up makes the process wait for
+/// that when it quits. So each look-up has a thread of its own, which is left behind when its step goes
+/// first; it uses nothing of Qt's that quitting takes away.
 class NameLookUp : public StepWork
 {
 public:
     using StepWork::StepWork;
     ~NameLookUp() override
     {
-        if (m_id >= 0)
-            QHostInfo::abortHostLookup(m_id);
+        const std::lock_guard lock(m_link->mutex);
+        m_link->step = nullptr;
     }
 
     void start() override
@@ -25,7 +70,23 @@ public:
             good(target().host + " is an address"_L1);
             return;
         }
-        m_id = QHostInfo::lookupHost(target().host, this, [this](const QHostInfo &info) { take(info); });
+        const QByteArray name = QUrl::toAce(target().host);
+        if (name.isEmpty()) {
+            failed(target().host + ": is no host name"_L1);
+            return;
+        }
+        m_link->step = this;
+        try {
+            std::thread([link = m_link, name] {
+                Found found = lookUp(name);
+                const std::lock_guard lock(link->mutex);
+                if (NameLookUp *const step = link->step)
+                    QMetaObject::invokeMethod(
+                        step, [step, found] { step->take(found); }, Qt::QueuedConnection);
+            }).detach();
+        } catch (const std::system_error &error) {
+            failed("can't make a thread: "_L1 + QString::fromLocal8Bit(error.what()));
+        }
     }
 
     [[nodiscard]] QString whenLate() const override
@@ -34,21 +95,27 @@ public:
     }
 
 private:
-    void take(const QHostInfo &info)
+    /// Between the step and its thread. The step is set while it lives.
+    struct Link
     {
-        m_id = -1;
-        context().addresses = info.addresses();
-        if (info.error() != QHostInfo::NoError || info.addresses().isEmpty()) {
-            failed(target().host + ": "_L1 + info.errorString());
+        std::mutex mutex;
+        NameLookUp *step = nullptr;
+    };
+
+    void take(const Found &found)
+    {
+        context().addresses = found.addresses;
+        if (found.addresses.isEmpty()) {
+            failed(target().host + ": "_L1 + reasonOf(found.error));
             return;
         }
         QStringList texts;
-        for (const QHostAddress &address : info.addresses())
+        for (const QHostAddress &address : found.addresses)
             texts.append(address.toString());
         good(target().host + " is "_L1 + texts.join(", "_L1));
     }
 
-    int m_id = -1;
+    std::shared_ptr<Link> m_link = std::make_shared<Link>();
 };
 
 } // namespace

@@ -62,6 +62,7 @@ public:
           m_kinds(stepsFor(m_context.target)), m_limit(check)
     {
         m_limit.setSingleShot(true);
+        m_limit.setTimerType(Qt::PreciseTimer); // others come up to a twentieth too soon
         connect(&m_limit, &QTimer::timeout, q, [this] { end(false, m_work->whenLate()); });
     }
 

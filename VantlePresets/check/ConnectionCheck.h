@@ -54,8 +54,9 @@ struct VANTLE_CHECK_EXPORT CheckOptions
 /// listener that serves one caller | | this machine, as SRT's listener or as HLS's folder | whether the port
 /// is free, whether the folder can be written to |
 ///
-/// Runs on the event loop of the thread that calls start(), to which it has to belong, and blocks nowhere.
-/// The values of the preset are read by the constructor, on the preset's thread; the preset is not kept.
+/// Runs on the event loop of the thread that calls start(), to which it has to belong, and blocks nowhere; a
+/// look-up has a thread of its own, which ends when the system gives up, also later than the check. The
+/// values of the preset are read by the constructor, on the preset's thread; the preset is not kept.
 /// Destroying it ends it, in a slot of its own signals too.
 class VANTLE_CHECK_EXPORT ConnectionCheck : public QObject
 {

@@ -116,7 +116,7 @@ TEST(Check, SaysOfEachServerWhatIsWrongInTime)
          {rtmpsOf, url("rtmps", "127.0.0.1", rtmps.port()), ca},
          tlsSteps,
          "RTMP handshake ok the server speaks RTMP"},
-        {"no such name", "RTMP", {u"streamingURL=a..b"_s}, {}, "name look-up failed a..b: "},
+        {"no such name", "RTMP", {u"streamingURL=a..b"_s}, {}, "name look-up failed a..b: is no host name"},
         {"refuses",
          "RTMP",
          {url("rtmp", "127.0.0.1", closedPort())},
