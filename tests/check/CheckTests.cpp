@@ -31,13 +31,17 @@ struct Said
     qint64 milliseconds;
 };
 
-Said check(const TemporaryFolder &folder, const QStringList &arguments)
+/// Run by `launcher`, a command that takes another one, when there is one.
+Said check(const TemporaryFolder &folder, const QStringList &arguments, const QStringList &launcher = {})
 {
     QElapsedTimer clock;
     clock.start();
     QProcess process;
     process.setWorkingDirectory(QString::fromStdString(folder.path()));
-    process.start(QStringLiteral(VANTLECTL), QStringList{u"check"_s} + arguments);
+    QStringList command = launcher + QStringList{QStringLiteral(VANTLECTL), u"check"_s} + arguments;
+    process.setProgram(command.takeFirst());
+    process.setArguments(command);
+    process.start();
     if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
         process.kill();
     process.waitForFinished(-1);
@@ -306,6 +310,32 @@ TEST(Check, SaysOfEachServerWhatIsWrongInTime)
         // Far less than Qt's and libsrt's own limits, and more than a busy machine needs.
         EXPECT_LT(said.milliseconds, 15000);
     }
+}
+
+TEST(Check, WaitsNoLongerThanItsLimitForANameServer)
+{
+    const TemporaryFolder folder;
+    folder.write("resolv.conf", "nameserver 192.0.2.1\n");
+    folder.write("preset.json", presetText("RTMP").with("streamingProtocol", R"("RTMP")").text());
+    // A network of its own, whose only interface drops what goes to the name server.
+    const QStringList alone{u"unshare"_s,
+                            u"--map-root-user"_s,
+                            u"--mount"_s,
+                            u"--net"_s,
+                            u"sh"_s,
+                            u"-ec"_s,
+                            u"ip link set lo up; ip route add 192.0.2.1 dev lo; "
+                            "mount --bind resolv.conf /etc/resolv.conf; exec \"$@\""_s,
+                            u"sh"_s};
+    const Said said =
+        check(folder, {u"./preset.json"_s, u"--limit=1"_s, u"streamingURL=ingest.example.com"_s}, alone);
+    if (said.lines.isEmpty())
+        GTEST_SKIP() << "no network namespace: " << qPrintable(said.errors);
+    EXPECT_EQ(said.exitCode, 1);
+    EXPECT_TRUE(said.lines.last().endsWith("no name server has answered for ingest.example.com"_L1))
+        << qPrintable(said.lines.last());
+    // The system itself gives up after ten seconds.
+    EXPECT_LT(said.milliseconds, 9000);
 }
 
 std::shared_ptr<VantlePreset> presetFor(const Server &server)
