@@ -169,6 +169,9 @@ void AddressWork::failedHere(const QString &reason)
 
 void AddressWork::askNext()
 {
+    // The address that was given up may have answered in the meantime.
+    if (hasEnded())
+        return;
     const auto left = context().addresses.size() - m_asked;
     ++m_asked;
     if (left > 1)

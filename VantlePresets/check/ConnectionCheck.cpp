@@ -95,15 +95,19 @@ private:
             end(false, m_context.target.problem);
             return;
         }
+        m_hasEnded = false;
         m_limit.start(m_context.limit);
         m_work = m_kinds[m_steps.size()]->make(
             m_context, [this](bool isGood, const QString &text) { end(isGood, text); });
         m_work->start();
     }
 
-    /// The step's work may be on the stack: what follows waits for the event loop.
+    /// The step's work may be on the stack: what follows waits for the event loop. The limit may pass as the
+    /// work ends: the first counts.
     void end(bool isGood, const QString &text)
     {
+        if (std::exchange(m_hasEnded, true))
+            return;
         m_limit.stop();
         const auto time = std::chrono::milliseconds(m_clock.elapsed());
         m_steps.append({m_kinds.isEmpty() ? u"preset"_s : QString(m_kinds[m_steps.size()]->name),
@@ -140,6 +144,7 @@ private:
     std::unique_ptr<StepWork> m_work;
     QList<CheckStep> m_steps;
     bool m_isStarted = false;
+    bool m_hasEnded = false; ///< the step under way
     bool m_isCancelled = false;
 };
 

@@ -42,6 +42,7 @@ protected:
     [[nodiscard]] const CheckContext &context() const { return m_context; }
     [[nodiscard]] const CheckTarget &target() const { return m_context.target; }
 
+    [[nodiscard]] bool hasEnded() const { return !m_done; }
     void good(const QString &text) { end(true, text); }
     void failed(const QString &text) { end(false, text); }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/check/ConnectionCheck.h"
+#include "VantlePresets/check/StepWork.h"
 #include "tests/check/Servers.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
@@ -336,6 +337,24 @@ TEST(Check, WaitsNoLongerThanItsLimitForANameServer)
         << qPrintable(said.lines.last());
     // The system itself gives up after ten seconds.
     EXPECT_LT(said.milliseconds, 9000);
+}
+
+TEST(Check, AnAddressThatIsDeadOrSwallowsEverythingDoesNotHideTheNext)
+{
+    const FullPort swallowing;
+    QTcpServer behind;
+    ASSERT_TRUE(behind.listen(QHostAddress(u"127.0.0.2"_s), swallowing.port()));
+    check::CheckContext context;
+    context.target.port = swallowing.port();
+    context.limit = std::chrono::seconds(3);
+    context.addresses = {QHostAddress(u"127.0.0.3"_s), QHostAddress(u"127.0.0.1"_s), behind.serverAddress()};
+    QString said;
+    const auto work = check::kTcp.make(
+        context, [&](bool isGood, const QString &text) { said = (isGood ? "ok "_L1 : "failed "_L1) + text; });
+    work->start();
+    EXPECT_TRUE(waitUntil([&] { return !said.isEmpty(); }));
+    EXPECT_EQ(said, "ok 127.0.0.2 port "_L1 + QString::number(swallowing.port()));
+    EXPECT_EQ(context.socket->state(), QAbstractSocket::ConnectedState);
 }
 
 std::shared_ptr<VantlePreset> presetFor(const Server &server)

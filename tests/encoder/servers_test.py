@@ -109,7 +109,7 @@ class ServersTest(unittest.TestCase):
                 self.assertEqual((code, found[-1][:2]), (1, (step, "failed")))
 
     def test_srt(self):
-        self.write("SRT", streamingURL="localhost", portNumber=9, authenticate=True)
+        self.write("SRT", streamingURL="127.0.0.1", portNumber=9, authenticate=True)
         with servers.SrtLiveTransmit(self.folder, PASSPHRASE, is_for_one=True) as listener:
             here = [f"portNumber={listener.port}", f"streamKey={PASSPHRASE}"]
             # Refused callers do not take its place.
@@ -122,7 +122,7 @@ class ServersTest(unittest.TestCase):
             self.assert_video(listener.received())
 
     def test_a_check_takes_the_place_of_an_srt_listener_that_serves_one(self):
-        self.write("SRT", streamingURL="localhost", portNumber=9, authenticate=True)
+        self.write("SRT", streamingURL="127.0.0.1", portNumber=9, authenticate=True)
         with servers.SrtLiveTransmit(self.folder, PASSPHRASE, is_for_one=True) as listener:
             code, found = self.check(f"portNumber={listener.port}", f"streamKey={PASSPHRASE}")
             self.assertEqual((code, found[-1]), (0, (
