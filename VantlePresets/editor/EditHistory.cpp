@@ -36,6 +36,7 @@ QWidget *editedField()
 EditHistory::EditHistory(const std::shared_ptr<PresetsManager> &manager, QObject *parent)
     : QObject(parent), m_manager(manager)
 {
+    connect(&m_changes, &PresetChanges::presetWillChange, this, &EditHistory::takeSoon);
     connect(manager.get(), &PresetsManager::presetUpdated, this,
             [this](const std::shared_ptr<VantlePreset> &preset) {
                 if (preset != m_preset)
@@ -56,36 +57,14 @@ void EditHistory::setPreset(const std::shared_ptr<VantlePreset> &preset)
 {
     if (preset == m_preset)
         return;
-    if (m_preset)
-        m_preset->disconnect(this);
     m_preset = preset;
+    m_changes.setPreset(preset);
     m_documents.clear();
     m_bytes = 0;
     m_current = -1;
     m_editing = nullptr;
-    observe();
-    if (!preset)
-        return;
-    connect(preset.get(), &VantlePreset::objectWillChange, this, &EditHistory::takeSoon);
-    connect(preset.get(), &VantlePreset::videoSettingsChanged, this, &EditHistory::observe);
-    connect(preset.get(), &VantlePreset::audioSettingsChanged, this, &EditHistory::observe);
-    append(documentOf(*preset));
-}
-
-void EditHistory::observe()
-{
-    for (const auto &connection : std::as_const(m_records))
-        disconnect(connection);
-    m_records.clear();
-    if (!m_preset)
-        return;
-    const auto follow = [this](const auto &records) {
-        for (const auto &record : records)
-            m_records.append(
-                connect(record.get(), &ObservableRecord::objectWillChange, this, &EditHistory::takeSoon));
-    };
-    follow(m_preset->videoSettings());
-    follow(m_preset->audioSettings());
+    if (preset)
+        append(documentOf(*preset));
 }
 
 void EditHistory::takeSoon()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/PresetChanges.h"
 #include "VantlePresets/store/PresetsManager.h"
 
 #include <QtCore/QByteArray>
@@ -30,7 +31,6 @@ public:
     void redo() { go(1); }
 
 private:
-    void observe();
     void takeSoon();
     void take();
     void append(const QByteArray &document);
@@ -38,13 +38,13 @@ private:
 
     std::shared_ptr<PresetsManager> m_manager;
     std::shared_ptr<VantlePreset> m_preset;
+    PresetChanges m_changes;
     QList<QByteArray> m_documents; ///< the oldest first
     qsizetype m_current = -1;
     qsizetype m_bytes = 0;       ///< of all documents
     QPointer<QWidget> m_editing; ///< the field whose edits the last step consists of
     bool m_isTakeDue = false;
     bool m_isGoing = false;
-    QList<QMetaObject::Connection> m_records; ///< to the renditions and tracks
 };
 
 } // namespace vantle

@@ -36,6 +36,8 @@ inline constexpr int kSymbolSize = 16;
 
 /// The sign of a warning, as high as a line of the font, with its top left corner at the point.
 void paintWarningSign(QPainter &painter, const QPointF &topLeft, const QFont &font);
+/// The same for an error, in another shape and colour.
+void paintErrorSign(QPainter &painter, const QPointF &topLeft, const QFont &font);
 /// The width that the sign takes, the space behind it included.
 [[nodiscard]] int warningSignWidth(const QFont &font);
 
