@@ -6,12 +6,13 @@
 #include <QtGui/QFontMetrics>
 #include <QtGui/QPainter>
 #include <QtGui/QPolygonF>
-#include <QtGui/QTextDocument>
 
 #include <algorithm>
 
 namespace vantle {
 namespace {
+
+using namespace Qt::StringLiterals;
 
 QRectF signBox(const QPointF &topLeft, const QFont &font)
 {
@@ -108,7 +109,9 @@ void paintErrorSign(QPainter &painter, const QPointF &topLeft, const QFont &font
 
 QString toolTipFor(const QString &text)
 {
-    return text.isEmpty() ? QString() : Qt::convertFromPlainText(text);
+    if (text.isEmpty())
+        return {};
+    return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(text.toHtmlEscaped());
 }
 
 } // namespace vantle

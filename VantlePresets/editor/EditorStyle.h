@@ -41,7 +41,8 @@ void paintErrorSign(QPainter &painter, const QPointF &topLeft, const QFont &font
 /// The width that the sign takes, the space behind it included.
 [[nodiscard]] int warningSignWidth(const QFont &font);
 
-/// The tool tip that shows the text as it is: Qt takes any text that looks like markup for markup.
+/// The tool tip that shows the text as it is, in lines that fit the screen: Qt takes any text that looks like
+/// markup for markup.
 [[nodiscard]] QString toolTipFor(const QString &text);
 
 } // namespace vantle

@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// The verbs of phrases that speak of the field without naming it.
-constexpr std::array kVerbs{"is"_L1, "must"_L1, "begins"_L1, "names"_L1, "holds"_L1};
+constexpr std::array kVerbs{"is"_L1, "must"_L1, "begins"_L1, "names"_L1, "holds"_L1, "has"_L1};
 /// Words that keep their small letter.
 constexpr std::array kNames{"ffmpeg"_L1, "pbkeylen"_L1, "backup=1"_L1};
 

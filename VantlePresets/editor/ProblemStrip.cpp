@@ -6,6 +6,7 @@
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/GroupBox.h"
 
+#include <QtCore/QFileInfo>
 #include <QtGui/QAccessible>
 #include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
@@ -31,8 +32,7 @@ struct Remedy
 
 constexpr std::array<Remedy, 5> kRemedies{{
     {std::errc::permission_denied,
-     QT_TRANSLATE_NOOP("vantle::ProblemStrip",
-                       "Ask for the right to change files in this folder, then try again."),
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Ask for the right to change files in %1, then try again."),
      QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Ask for the right to read this file.")},
     {std::errc::operation_not_permitted,
      QT_TRANSLATE_NOOP("vantle::ProblemStrip",
@@ -54,7 +54,7 @@ QString remedyFor(const PresetsFailure &failure)
         const char *const text = isLoad ? remedy.read : remedy.write;
         if (text &&
             failure.reason.contains(QString::fromStdString(std::make_error_code(remedy.reason).message())))
-            return ProblemStrip::tr(text);
+            return ProblemStrip::tr(text).replace("%1"_L1, QFileInfo(failure.path).path());
     }
     return isLoad ? ProblemStrip::tr("Correct the file or delete it; it is read again by itself.")
                   : QString();

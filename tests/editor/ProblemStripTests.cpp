@@ -52,8 +52,8 @@ TEST_F(Problems, AreSaidInASpaceThatIsReservedUntilTheNextTryWorks)
         ASSERT_TRUE(waitFor([&] { return !strip().text().isEmpty(); }));
         EXPECT_TRUE(strip().toolTip().contains(u"Alpha"_s)) << strip().toolTip().toStdString();
         EXPECT_EQ(strip().text(),
-                  u"“Alpha” is not saved: Permission denied. Ask for the right to change files "
-                  "in this folder, then try again."_s);
+                  u"“Alpha” is not saved: Permission denied. Ask for the right to change files in %1, then "
+                  "try again."_s.arg(QString::fromStdString(m_store.folder().string())));
         EXPECT_EQ(form()->geometry(), before) << "nothing moves";
         click(tryAgain());
         m_manager->waitForFileTasks();
