@@ -36,7 +36,6 @@ QWidget *editedField()
 EditHistory::EditHistory(const std::shared_ptr<PresetsManager> &manager, QObject *parent)
     : QObject(parent), m_manager(manager)
 {
-    connect(&m_changes, &PresetChanges::presetWillChange, this, &EditHistory::takeSoon);
     connect(manager.get(), &PresetsManager::presetUpdated, this,
             [this](const std::shared_ptr<VantlePreset> &preset) {
                 if (preset != m_preset)
@@ -57,18 +56,41 @@ void EditHistory::setPreset(const std::shared_ptr<VantlePreset> &preset)
 {
     if (preset == m_preset)
         return;
+    if (m_preset)
+        m_preset->disconnect(this);
     m_preset = preset;
-    m_changes.setPreset(preset);
     m_documents.clear();
     m_bytes = 0;
     m_current = -1;
     m_editing = nullptr;
-    if (preset)
-        append(documentOf(*preset));
+    observe();
+    if (!preset)
+        return;
+    connect(preset.get(), &VantlePreset::objectWillChange, this, &EditHistory::noteChange);
+    connect(preset.get(), &VantlePreset::videoSettingsChanged, this, &EditHistory::observe);
+    connect(preset.get(), &VantlePreset::audioSettingsChanged, this, &EditHistory::observe);
+    append(documentOf(*preset));
 }
 
-void EditHistory::takeSoon()
+void EditHistory::observe()
 {
+    for (const auto &connection : std::as_const(m_records))
+        disconnect(connection);
+    m_records.clear();
+    if (!m_preset)
+        return;
+    const auto follow = [this](const auto &records) {
+        for (const auto &record : records)
+            m_records.append(
+                connect(record.get(), &ObservableRecord::objectWillChange, this, &EditHistory::noteChange));
+    };
+    follow(m_preset->videoSettings());
+    follow(m_preset->audioSettings());
+}
+
+void EditHistory::noteChange()
+{
+    Q_EMIT presetWillChange();
     if (m_isTakeDue || m_isGoing)
         return;
     m_isTakeDue = true;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "VantlePresets/editor/PresetChanges.h"
 #include "VantlePresets/store/PresetsManager.h"
 
 #include <QtCore/QByteArray>
@@ -30,21 +29,27 @@ public:
     void undo() { go(-1); }
     void redo() { go(1); }
 
+Q_SIGNALS:
+    /// A field of the preset, or of one of its renditions and tracks, is about to be assigned, by whomever;
+    /// its old value still stands.
+    void presetWillChange();
+
 private:
-    void takeSoon();
+    void observe();
+    void noteChange();
     void take();
     void append(const QByteArray &document);
     void go(int steps);
 
     std::shared_ptr<PresetsManager> m_manager;
     std::shared_ptr<VantlePreset> m_preset;
-    PresetChanges m_changes;
     QList<QByteArray> m_documents; ///< the oldest first
     qsizetype m_current = -1;
     qsizetype m_bytes = 0;       ///< of all documents
     QPointer<QWidget> m_editing; ///< the field whose edits the last step consists of
     bool m_isTakeDue = false;
     bool m_isGoing = false;
+    QList<QMetaObject::Connection> m_records; ///< to the renditions and tracks
 };
 
 } // namespace vantle

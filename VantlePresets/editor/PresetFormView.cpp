@@ -42,7 +42,6 @@ PresetFormView::PresetFormView(Entries entries, QWidget *parent)
 {
     m_hintTimer.setSingleShot(true);
     connect(&m_hintTimer, &QTimer::timeout, this, &PresetFormView::showHints);
-    connect(&m_changes, &PresetChanges::presetWillChange, this, &PresetFormView::showHintsSoon);
     connect(qApp, &QApplication::focusChanged, this, [this] {
         if (m_hintTimer.isActive())
             m_hintTimer.start(0);
@@ -81,15 +80,17 @@ QPushButton *PresetFormView::makeAddButton(const QString &symbol, const QColor &
 
 void PresetFormView::setPreset(const std::shared_ptr<VantlePreset> &preset)
 {
-    if (preset == m_preset)
+    if (preset == m_preset) {
+        if (hintsFor(*preset) != m_hints) // it was changed while another form was shown
+            showHints();
         return;
+    }
     if (m_preset) {
         m_preset->disconnect(this);
         if (auto *field = qobject_cast<TextField *>(focusWidget()); field && isAncestorOf(field))
             field->endEdit();
     }
     m_preset = preset;
-    m_changes.setPreset(preset);
     connect(preset.get(), &VantlePreset::videoSettingsChanged, this, &PresetFormView::takeLists);
     connect(preset.get(), &VantlePreset::audioSettingsChanged, this, &PresetFormView::takeLists);
     verticalScrollBar()->setValue(0);

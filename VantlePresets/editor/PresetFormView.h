@@ -4,7 +4,6 @@
 #include "VantlePresets/core/ProgrammingFault.h"
 #include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/LazyStack.h"
-#include "VantlePresets/editor/PresetChanges.h"
 #include "VantlePresets/model/VantlePreset.h"
 
 #include <QtCore/QTimer>
@@ -36,6 +35,9 @@ public:
     /// Rows for all connection fields that the kind's files keep, beyond those of every form of the kind.
     void setShowsConnectionRows(bool shows);
 
+    /// Something of the preset is about to change: the hints follow it.
+    void showHintsSoon();
+
 protected:
     enum class Entries { fixed, canBeAdded };
 
@@ -51,11 +53,9 @@ private:
     void showConnection();
     void showLists();
     void takeLists();
-    void showHintsSoon();
     void showHints();
 
     std::shared_ptr<VantlePreset> m_preset;
-    PresetChanges m_changes;
     FieldHints m_hints;
     QTimer m_hintTimer;
     HintLabel *m_videoHint; ///< on the list as a whole, where a rendition would be added

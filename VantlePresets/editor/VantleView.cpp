@@ -144,6 +144,10 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
 
     connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this,
             &VantleView::showSelectedPresetSoon);
+    connect(m_history, &EditHistory::presetWillChange, this, [this] {
+        if (auto *form = qobject_cast<PresetFormView *>(m_detail->currentWidget()))
+            form->showHintsSoon();
+    });
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VantleView::saveBeforeEnd);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &VantleView::saveWhenLeft);
     qApp->installEventFilter(this);

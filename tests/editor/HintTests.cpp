@@ -136,6 +136,12 @@ TEST_F(Hints, LeaveTheFormStillWhileTheUserIsAtWork)
     m_manager->setSelectedPreset(preset);
     turn();
     EXPECT_EQ(shown(), wrongPort);
+    m_manager->setSelectedPreset(m_manager->presetWithName(u"HLS Preset"_s));
+    turn();
+    preset->setProperty("portNumber", 1935);
+    m_manager->setSelectedPreset(preset);
+    turn();
+    EXPECT_EQ(shown(), QStringList()) << "what changed while another form was shown";
 }
 
 } // namespace
