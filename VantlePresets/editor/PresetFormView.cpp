@@ -116,10 +116,16 @@ void PresetFormView::showHints()
 {
     if (QGuiApplication::mouseButtons() != Qt::NoButton) // what is being clicked must not move away
         return m_hintTimer.start(kWhileMouseIsHeld);
+    const QWidget *const focus = QApplication::focusWidget();
+    const bool isInside = focus && content()->isAncestorOf(focus);
+    const auto heightOnScreen = [&] { return isInside ? focus->mapTo(this, QPoint()).y() : 0; };
+    const int before = heightOnScreen();
     m_hints = hintsFor(*m_preset);
     if (m_connectionGroup)
         m_connectionGroup->setHints(m_hints);
     showLists();
+    // As far as the form can be scrolled, the field that the user is in stays where it is.
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + heightOnScreen() - before);
 }
 
 void PresetFormView::setShowsConnectionRows(bool shows)

@@ -13,6 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::waitFor;
 
+/// Advice on the preset as the form shows it.
 class Hints : public test::OpenEditor
 {
 protected:
@@ -142,6 +143,27 @@ TEST_F(Hints, LeaveTheFormStillWhileTheUserIsAtWork)
     m_manager->setSelectedPreset(preset);
     turn();
     EXPECT_EQ(shown(), QStringList()) << "what changed while another form was shown";
+}
+
+TEST_F(Hints, KeepTheFieldThatTheUserIsInWhereItIs)
+{
+    const auto preset = openWithNew(T::srt);
+    for (int i = 0; i < 8; ++i) {
+        preset->newVideoSettings();
+        preset->videoSettings().last()->setPid(300 + i);
+    }
+    turn();
+    form()->verticalScrollBar()->setValue(300);
+    turn();
+    auto *field = controls<QLineEdit>("bitRate").at(4);
+    field->setFocus();
+    const QPoint before = field->mapTo(form(), QPoint());
+    ASSERT_TRUE(form()->viewport()->rect().contains(before)) << before.y();
+    for (int i = 1; i < 4; ++i)
+        preset->videoSettings().at(i)->setPid(1);
+    EXPECT_TRUE(waitFor([&] { return shown().size() >= 3; }));
+    turn();
+    EXPECT_EQ(field->mapTo(form(), QPoint()), before);
 }
 
 } // namespace
