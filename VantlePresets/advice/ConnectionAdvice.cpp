@@ -127,10 +127,13 @@ void adviseApplication(AdviceList &advice, const ServiceCheck &check)
     const QString application = parts.join(u'/');
     const ServiceIngest &first = *firstIngestOf(check.rules.type);
     if (application.section(u'?', 0, 0) != first.application) {
-        advice.error(u"application"_s,
-                     "%1's application is %2"_L1.arg(check.rules.name, check.named ? check.named->application
-                                                                                   : first.application),
-                     check.named ? check.named->source : first.source);
+        const ServiceIngest &wanted = check.named ? *check.named : first;
+        const QString text = "%1's application is %2"_L1.arg(check.rules.name, wanted.application);
+        if (check.address.path.size() > 1)
+            advice.error(u"streamingURL"_s, "has a path that comes before the application; "_L1 + text,
+                         wanted.source);
+        else
+            advice.error(u"application"_s, text, wanted.source);
         return;
     }
     const ServiceIngest *backup = ingestFor(check.rules.type, check.preset.streamingProtocol(), true);

@@ -5,8 +5,8 @@
 #include "VantlePresets/editor/ChannelToggles.h"
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
-#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FieldRow.h"
+#include "VantlePresets/editor/HintLabel.h"
 #include "VantlePresets/editor/IntegerField.h"
 #include "VantlePresets/editor/SettingsHeader.h"
 #include "VantlePresets/editor/Switch.h"
@@ -61,8 +61,10 @@ void AudioSettingsView::makeFields()
     const bool isFixed = dynamic_cast<const RTMPVantlePreset *>(m_preset.get()) != nullptr;
     m_header = new SettingsHeader(bundleSymbol(u"speaker.wave.2.fill"_s, speakerTint()),
                                   isFixed ? QString() : u"audioSettings"_s);
+    m_hint = new HintLabel;
     m_row = new FieldRow;
     rows()->addWidget(m_header);
+    rows()->addWidget(m_hint);
     rows()->addWidget(m_row);
 
     m_codec = new ChoiceBox;
@@ -91,6 +93,8 @@ void AudioSettingsView::makeFields()
     }
     m_channels = new ChannelToggles;
     rows()->addWidget(m_channels);
+    m_channelsHint = new HintLabel(m_channels, m_channels->accessibleName());
+    rows()->addWidget(m_channelsHint);
 }
 
 void AudioSettingsView::connectFields()
@@ -148,11 +152,16 @@ void AudioSettingsView::showSettings()
         m_default->setChecked(m_settings->isDefault());
     m_language->showValue(m_settings->language());
     m_trackName->showValue(m_settings->trackName());
-    if (m_pid) {
+    if (m_pid)
         m_pid->showValue(m_settings->pid());
-        m_row->setHint(u"pid"_s, pidHint(m_settings->pid()));
-    }
     m_channels->showChannels(m_settings->inputChannels());
+}
+
+void AudioSettingsView::showHints(const FieldHints &hints, const QString &place)
+{
+    m_hint->setHint(hints.value(place));
+    m_row->setHints(hints, place + u'.');
+    m_channelsHint->setHint(hints.value(place + ".inputChannels"_L1));
 }
 
 void AudioSettingsView::setDefault(bool isDefault)

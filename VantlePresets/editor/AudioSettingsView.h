@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/SettingsForm.h"
 
 namespace vantle {
@@ -8,6 +9,7 @@ namespace vantle {
 class ChannelToggles;
 class ChoiceBox;
 class FieldRow;
+class HintLabel;
 class IntegerField;
 class SettingsHeader;
 class Switch;
@@ -21,6 +23,9 @@ public:
     AudioSettingsView(const std::shared_ptr<AudioSettings> &settings,
                       const std::shared_ptr<VantlePreset> &preset, QWidget *parent = nullptr);
 
+    /// What there is to say of the track, whose place in the document is given.
+    void showHints(const FieldHints &hints, const QString &place);
+
 private:
     void makeFields();
     void connectFields();
@@ -30,6 +35,7 @@ private:
     void removeSettings();
 
     SettingsHeader *m_header = nullptr;
+    HintLabel *m_hint = nullptr; ///< on the track as a whole
     FieldRow *m_row = nullptr;
     ChoiceBox *m_codec = nullptr;
     ChoiceBox *m_sampleRate = nullptr;
@@ -40,6 +46,7 @@ private:
     TextField *m_trackName = nullptr;
     IntegerField *m_pid = nullptr; ///< SRT presets only
     ChannelToggles *m_channels = nullptr;
+    HintLabel *m_channelsHint = nullptr;
 };
 
 } // namespace vantle

@@ -66,7 +66,7 @@ void EditHistory::setPreset(const std::shared_ptr<VantlePreset> &preset)
     observe();
     if (!preset)
         return;
-    connect(preset.get(), &VantlePreset::objectWillChange, this, &EditHistory::takeSoon);
+    connect(preset.get(), &VantlePreset::objectWillChange, this, &EditHistory::noteChange);
     connect(preset.get(), &VantlePreset::videoSettingsChanged, this, &EditHistory::observe);
     connect(preset.get(), &VantlePreset::audioSettingsChanged, this, &EditHistory::observe);
     append(documentOf(*preset));
@@ -82,14 +82,15 @@ void EditHistory::observe()
     const auto follow = [this](const auto &records) {
         for (const auto &record : records)
             m_records.append(
-                connect(record.get(), &ObservableRecord::objectWillChange, this, &EditHistory::takeSoon));
+                connect(record.get(), &ObservableRecord::objectWillChange, this, &EditHistory::noteChange));
     };
     follow(m_preset->videoSettings());
     follow(m_preset->audioSettings());
 }
 
-void EditHistory::takeSoon()
+void EditHistory::noteChange()
 {
+    Q_EMIT presetWillChange();
     if (m_isTakeDue || m_isGoing)
         return;
     m_isTakeDue = true;

@@ -29,9 +29,14 @@ public:
     void undo() { go(-1); }
     void redo() { go(1); }
 
+Q_SIGNALS:
+    /// A field of the preset, or of one of its renditions and tracks, is about to be assigned, by whomever;
+    /// its old value still stands.
+    void presetWillChange();
+
 private:
     void observe();
-    void takeSoon();
+    void noteChange();
     void take();
     void append(const QByteArray &document);
     void go(int steps);

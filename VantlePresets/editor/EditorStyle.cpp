@@ -1,14 +1,41 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/editor/EditorStyle.h"
 
+#include <QtCore/QLineF>
 #include <QtGui/QFontInfo>
 #include <QtGui/QFontMetrics>
 #include <QtGui/QPainter>
-#include <QtGui/QTextDocument>
+#include <QtGui/QPolygonF>
 
 #include <algorithm>
 
 namespace vantle {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QRectF signBox(const QPointF &topLeft, const QFont &font)
+{
+    const double height = QFontMetrics(font).height();
+    return QRectF(topLeft, QSizeF(height, height)).adjusted(1, 1.5, -1, -1.5);
+}
+
+/// A shape with an exclamation mark in the room of it.
+void paintSign(QPainter &painter, const QColor &tint, const QPolygonF &shape, const QRectF &mark)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(tint, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(tint);
+    painter.drawPolygon(shape);
+    painter.setPen(QPen(Qt::white, shape.boundingRect().height() / 8, Qt::SolidLine, Qt::RoundCap));
+    const double x = mark.center().x();
+    painter.drawLine(QPointF(x, mark.top()), QPointF(x, mark.top() + mark.height() * 0.55));
+    painter.drawPoint(QPointF(x, mark.bottom()));
+    painter.restore();
+}
+
+} // namespace
 
 QColor filmTint()
 {
@@ -62,24 +89,29 @@ int warningSignWidth(const QFont &font)
 
 void paintWarningSign(QPainter &painter, const QPointF &topLeft, const QFont &font)
 {
-    const double height = QFontMetrics(font).height();
-    const QRectF box = QRectF(topLeft, QSizeF(height, height)).adjusted(1, 1.5, -1, -1.5);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(filmTint(), 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(filmTint());
-    painter.drawPolygon(
-        QPolygonF({QPointF(box.center().x(), box.top()), box.bottomLeft(), box.bottomRight()}));
-    painter.setPen(QPen(Qt::white, height / 9, Qt::SolidLine, Qt::RoundCap));
-    const double x = box.center().x();
-    painter.drawLine(QPointF(x, box.top() + box.height() * 0.4), QPointF(x, box.top() + box.height() * 0.62));
-    painter.drawPoint(QPointF(x, box.top() + box.height() * 0.83));
-    painter.restore();
+    const QRectF box = signBox(topLeft, font);
+    paintSign(painter, filmTint(),
+              QPolygonF({{box.center().x(), box.top()}, box.bottomLeft(), box.bottomRight()}),
+              QRectF(box.left(), box.top() + box.height() * 0.4, box.width(), box.height() * 0.43));
+}
+
+void paintErrorSign(QPainter &painter, const QPointF &topLeft, const QFont &font)
+{
+    const QRectF box = signBox(topLeft, font);
+    QPolygonF octagon;
+    for (int corner = 0; corner < 8; ++corner) {
+        const QLineF radius = QLineF::fromPolar(box.height() / 2 + 0.5, 22.5 + 45 * corner);
+        octagon.append(box.center() + radius.p2());
+    }
+    paintSign(painter, trashTint(), octagon,
+              QRectF(box.left(), box.top() + box.height() * 0.22, box.width(), box.height() * 0.53));
 }
 
 QString toolTipFor(const QString &text)
 {
-    return text.isEmpty() ? QString() : Qt::convertFromPlainText(text);
+    if (text.isEmpty())
+        return {};
+    return u"<p style=\"white-space: pre-wrap\">%1</p>"_s.arg(text.toHtmlEscaped());
 }
 
 } // namespace vantle

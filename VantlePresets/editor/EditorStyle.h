@@ -36,10 +36,13 @@ inline constexpr int kSymbolSize = 16;
 
 /// The sign of a warning, as high as a line of the font, with its top left corner at the point.
 void paintWarningSign(QPainter &painter, const QPointF &topLeft, const QFont &font);
+/// The same for an error, in another shape and colour.
+void paintErrorSign(QPainter &painter, const QPointF &topLeft, const QFont &font);
 /// The width that the sign takes, the space behind it included.
 [[nodiscard]] int warningSignWidth(const QFont &font);
 
-/// The tool tip that shows the text as it is: Qt takes any text that looks like markup for markup.
+/// The tool tip that shows the text as it is, in lines that fit the screen: Qt takes any text that looks like
+/// markup for markup.
 [[nodiscard]] QString toolTipFor(const QString &text);
 
 } // namespace vantle

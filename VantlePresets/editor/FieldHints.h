@@ -1,31 +1,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include "VantlePresets/advice/Advice.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QStringList>
 
 namespace vantle {
 
-class VideoSettings;
-
-/// What a form says under one of its fields.
+/// What a form says about one of its places.
 struct FieldHint
 {
-    QString field; ///< the property's name
-    QString text;  ///< one sentence for the user
+    AdviceSeverity severity = AdviceSeverity::warning; ///< the worst of what is said
+    QStringList phrases;                               ///< as Advice::text has them; none when all is well
+
+    friend bool operator==(const FieldHint &, const FieldHint &) = default;
 };
 
-/// What the model itself knows: a profile that does not fit, with one that would, a bit rate above the
-/// profile's limit.
-[[nodiscard]] QList<FieldHint> hintsFor(const VideoSettings &settings);
+/// By place, as Advice::place has it.
+using FieldHints = QHash<QString, FieldHint>;
 
-/// Empty for a packet identifier that a transport stream can give to a stream: 16 to 8190 (ISO/IEC 13818-1,
-/// table 2-3, reserves those below, and 8191 is the null packet's).
-[[nodiscard]] QString pidHint(qint64 pid);
-/// Empty for a TCP or UDP port.
-[[nodiscard]] QString portHint(qint64 port);
+/// The advice on a preset. What concerns a field without a row in the form is in it, too, but shown nowhere:
+/// such fields are the host's, and the user could not mend them there.
+[[nodiscard]] FieldHints hintsFor(const VantlePreset &preset);
 
-/// The profiles that suit the rendition; none when its size and rate are beyond computing.
-[[nodiscard]] QStringList fittingProfiles(const VideoSettings &settings);
+/// The phrases as sentences, one a line: "Host is empty." of "is empty" beside the caption "Host".
+[[nodiscard]] QString hintText(const FieldHint &hint, const QString &caption);
 
 } // namespace vantle

@@ -3,7 +3,7 @@
 
 #include "VantlePresets/core/ProgrammingFault.h"
 #include "VantlePresets/editor/EditorStyle.h"
-#include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/HintLabel.h"
 
 #include <QtCore/QEvent>
 #include <QtWidgets/QAbstractButton>
@@ -54,21 +54,20 @@ void FieldRow::setFieldVisible(QWidget *control, bool visible)
     arrangeAgain();
 }
 
-void FieldRow::setHint(const QString &property, const QString &text)
+void FieldRow::setHints(const FieldHints &hints, const QString &prefix)
 {
+    bool isChanged = false;
     for (Field &field : m_fields) {
-        if (field.control->objectName() != property || (text.isEmpty() && !field.hint))
+        const FieldHint hint =
+            field.isVisible ? hints.value(prefix + field.control->objectName()) : FieldHint();
+        if (!field.hint && hint.phrases.isEmpty())
             continue;
         if (!field.hint)
-            field.hint = new FormLabel(FormLabel::Voice::warning, QString(), this);
-        if (field.hint->text() == text && field.hint->isHidden() == text.isEmpty())
-            return;
-        field.hint->setText(text);
-        field.hint->setVisible(!text.isEmpty());
-        field.control->setAccessibleDescription(text);
-        arrangeAgain();
-        return;
+            field.hint = new HintLabel(field.control, field.caption->text(), this);
+        isChanged = field.hint->setHint(hint) || isChanged;
     }
+    if (isChanged)
+        arrangeAgain();
 }
 
 int FieldRow::heightForWidth(int width) const
@@ -139,7 +138,7 @@ int FieldRow::arrangeLine(const QList<Place> &line, int y, const Measure &measur
     }
     height += below;
     for (const Place &place : line) {
-        FormLabel *const hint = place.field->hint;
+        HintLabel *const hint = place.field->hint;
         if (!hint || hint->isHidden())
             continue;
         const int width = std::min(hint->sizeHint().width(), measure.width);

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/FieldHints.h"
+
 #include <QtCore/QList>
 #include <QtWidgets/QWidget>
 
 namespace vantle {
 
 class FormLabel;
+class HintLabel;
 
 /// Controls side by side, each below its caption, all on one line; what does not fit goes to a further
 /// line. A field is as wide as it says or as its control and caption need, so that rows of the same
@@ -26,9 +29,8 @@ public:
     void setLineBelow(QWidget *control, QWidget *line);
     void setFieldVisible(QWidget *control, bool visible);
 
-    /// Shows a warning under the field of the property, and tells it with the control; none with an empty
-    /// text.
-    void setHint(const QString &property, const QString &text);
+    /// Shows under each field what there is for its place, which is the prefix and the property's name.
+    void setHints(const FieldHints &hints, const QString &prefix);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
@@ -46,7 +48,7 @@ private:
         QWidget *control;
         const QWidget *below; ///< the control under which the field stands, or null
         QWidget *lineBelow;
-        FormLabel *hint;
+        HintLabel *hint; ///< made when there is something to say
         int minimumWidth;
         bool isVisible;
     };

@@ -84,6 +84,13 @@ void PresetsListView::setFilter(const QString &text)
     scrollTo(m_model->indexOf(m_manager->selectedPreset()));
 }
 
+void PresetsListView::goToShown()
+{
+    setFocus();
+    if (!m_model->indexOf(m_manager->selectedPreset()).isValid() && m_model->rowCount() > 0)
+        setCurrentIndex(m_model->index(0));
+}
+
 void PresetsListView::endNameEdit()
 {
     const QPersistentModelIndex index = m_model->indexOf(m_nameEdit->preset());

@@ -30,6 +30,9 @@ public:
     /// Shows the presets whose name or kind has the words of the text; all with an empty one. The selection
     /// stays, seen or not.
     void setFilter(const QString &text);
+    /// Takes the focus; when the selected preset is not shown, the first one that is becomes the selected
+    /// one.
+    void goToShown();
 
 Q_SIGNALS:
     /// What was done concerns presets that the filter may hide.

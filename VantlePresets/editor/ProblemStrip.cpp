@@ -6,6 +6,7 @@
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/GroupBox.h"
 
+#include <QtCore/QFileInfo>
 #include <QtGui/QAccessible>
 #include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
@@ -13,23 +14,70 @@
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QToolButton>
 
+#include <array>
+#include <system_error>
+
 namespace vantle {
 namespace {
 
 using namespace Qt::StringLiterals;
 
+/// What the user can do about a reason of the operating system's.
+struct Remedy
+{
+    std::errc reason;
+    const char *write; ///< when a file is to be saved or deleted
+    const char *read;
+};
+
+constexpr std::array<Remedy, 5> kRemedies{{
+    {std::errc::permission_denied,
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Ask for the right to change files in %1, then try again."),
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Ask for the right to read this file.")},
+    {std::errc::operation_not_permitted,
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip",
+                       "The file or its folder is protected; lift that, then try again."),
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "The file or its folder is protected; lift that.")},
+    {std::errc::read_only_file_system,
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Make the disk writable, then try again."), nullptr},
+    {std::errc::no_space_on_device,
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Free some space on the disk, then try again."), nullptr},
+    {std::errc::file_too_large,
+     QT_TRANSLATE_NOOP("vantle::ProblemStrip", "Shorten the preset or raise the limit, then try again."),
+     nullptr},
+}};
+
+QString remedyFor(const PresetsFailure &failure)
+{
+    const bool isLoad = failure.operation == PresetsFailure::Operation::load;
+    for (const Remedy &remedy : kRemedies) {
+        const char *const text = isLoad ? remedy.read : remedy.write;
+        if (text &&
+            failure.reason.contains(QString::fromStdString(std::make_error_code(remedy.reason).message())))
+            return ProblemStrip::tr(text).replace("%1"_L1, QFileInfo(failure.path).path());
+    }
+    return isLoad ? ProblemStrip::tr("Correct the file or delete it; it is read again by itself.")
+                  : QString();
+}
+
 QString sentence(const PresetsFailure &failure)
 {
     using Operation = PresetsFailure::Operation;
+    QString what;
     switch (failure.operation) {
     case Operation::load:
-        return ProblemStrip::tr("“%1” can't be read: %2").arg(failure.name, failure.reason);
+        what = ProblemStrip::tr("“%1” can't be read: %2.");
+        break;
     case Operation::save:
-        return ProblemStrip::tr("“%1” is not saved: %2").arg(failure.name, failure.reason);
+        what = ProblemStrip::tr("“%1” is not saved: %2.");
+        break;
     case Operation::deletion:
-        return ProblemStrip::tr("“%1” is not deleted: %2").arg(failure.name, failure.reason);
+        what = ProblemStrip::tr("“%1” is not deleted: %2.");
+        break;
     }
-    return failure.reason;
+    const QString text = what.arg(failure.name, failure.reason);
+    const QString remedy = remedyFor(failure);
+    return remedy.isEmpty() ? text : QString(text + u' ' + remedy);
 }
 
 } // namespace
@@ -52,11 +100,12 @@ ProblemStrip::ProblemStrip(const std::shared_ptr<PresetsManager> &manager, QWidg
     line->addWidget(m_tryAgain);
     line->addWidget(m_close);
     QSizePolicy reserved = m_tryAgain->sizePolicy();
-    reserved.setRetainSizeWhenHidden(true); // the strip is as high as its button, whether it is shown or not
+    reserved.setRetainSizeWhenHidden(true); // the button may be higher than the text
     m_tryAgain->setSizePolicy(reserved);
     connect(m_tryAgain, &QPushButton::clicked, this, &ProblemStrip::tryAgain);
     connect(m_close, &QToolButton::clicked, this, &ProblemStrip::clearNotices);
     connect(manager.get(), &PresetsManager::startFailed, this, &ProblemStrip::showProblems);
+    connect(manager.get(), &PresetsManager::didLoad, this, &ProblemStrip::showProblems);
     connect(manager.get(), &PresetsManager::failed, this, &ProblemStrip::showProblems);
     connect(manager.get(), &PresetsManager::recovered, this, &ProblemStrip::showProblems);
     showProblems();
@@ -95,14 +144,15 @@ void ProblemStrip::showProblems()
 {
     const QStringList all = problems();
     QString text = all.isEmpty() ? QString() : all.last();
-    if (all.size() > 1)
-        text = tr("%1 (and %2 more)").arg(text, QString::number(all.size() - 1));
+    if (all.size() > 1) // first, since the end of a long text is elided
+        text = tr("1 of %1: %2").arg(QString::number(all.size()), text);
     const bool isNews = text != m_text->text() && !text.isEmpty();
     m_text->setText(text);
     setToolTip(toolTipFor(all.join(u'\n')));
     m_tryAgain->setVisible(!m_manager->failures().isEmpty());
     m_close->setVisible(!m_notices.isEmpty());
     setAccessibleName(text);
+    setAccessibleDescription(all.join(u'\n'));
     if (isNews) {
         QAccessibleEvent alert(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&alert);

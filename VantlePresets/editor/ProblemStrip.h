@@ -12,11 +12,11 @@ namespace vantle {
 
 class FormLabel;
 
-/// One line above the form that says what the store could not save, delete or load, with the reason, and
-/// offers to try again. It takes its space always and is empty while all is well; nothing in the window
-/// moves when it speaks.
+/// Two lines above the form that say what the store could not save, delete or load, why, and what to do about
+/// it, and a button to try again. They take their space always and are empty while all is well; nothing in
+/// the window moves when the strip speaks.
 ///
-/// Of several problems the last one is shown, with their number; the tool tip has all of them.
+/// Of several problems the last one is shown, with their number; the tool tip has all of them, in full.
 class ProblemStrip : public QWidget
 {
     Q_OBJECT

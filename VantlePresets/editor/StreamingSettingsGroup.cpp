@@ -3,8 +3,8 @@
 
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
-#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/HintLabel.h"
 #include "VantlePresets/editor/IntegerField.h"
 #include "VantlePresets/editor/PastedAddress.h"
 #include "VantlePresets/editor/Switch.h"
@@ -109,10 +109,8 @@ void StreamingSettingsGroup::makeRow(int number)
         makeReveal(row);
         m_grid->addWidget(row.reveal, line, 2);
     }
-    if (kind.control == Control::number) {
-        m_portHint = new FormLabel(FormLabel::Voice::warning);
-        m_grid->addWidget(m_portHint, line + 1, 1, 1, 3);
-    }
+    row.hint = new HintLabel(row.control, row.caption->text());
+    m_grid->addWidget(row.hint, line + 1, 1, 1, 3);
 }
 
 QWidget *StreamingSettingsGroup::makeControl(int number)
@@ -221,10 +219,6 @@ void StreamingSettingsGroup::showPreset()
         const QVariant value = m_preset->property(kind.property);
         if (auto *number = qobject_cast<IntegerField *>(row.control)) {
             number->showValue(value.toLongLong());
-            const QString hint = shown ? portHint(value.toLongLong()) : QString();
-            m_portHint->setText(hint);
-            m_portHint->setVisible(!hint.isEmpty());
-            number->setAccessibleDescription(hint);
         } else if (auto *text = qobject_cast<TextField *>(row.control)) {
             text->showValue(value.toString());
         } else if (auto *toggle = qobject_cast<Switch *>(row.control)) {
@@ -234,6 +228,21 @@ void StreamingSettingsGroup::showPreset()
         }
     }
     m_host = m_preset->property("streamingURL").toString();
+    showHints();
+}
+
+void StreamingSettingsGroup::setHints(const FieldHints &hints)
+{
+    m_hints = hints;
+    showHints();
+}
+
+void StreamingSettingsGroup::showHints()
+{
+    for (int i = 0; i < kRows; ++i) {
+        const QString property = QLatin1StringView(kRowKinds[static_cast<size_t>(i)].property);
+        m_rows[static_cast<size_t>(i)].hint->setHint(isShown(i) ? m_hints.value(property) : FieldHint());
+    }
 }
 
 void StreamingSettingsGroup::write(int number, const QVariant &value)

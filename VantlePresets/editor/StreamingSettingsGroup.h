@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/GroupBox.h"
 #include "VantlePresets/model/VantlePreset.h"
 
@@ -12,6 +13,7 @@ class QToolButton;
 namespace vantle {
 
 class FormLabel;
+class HintLabel;
 struct PastedAddress;
 
 /// The connection of a preset that reaches a server, a row for each field: those that every form of the kind
@@ -33,6 +35,8 @@ public:
     /// All that the kind's files keep. An address that is then pasted as the host fills the rows that it
     /// names.
     void setShowsAllRows(bool all);
+    /// Shows under each row what there is for its field.
+    void setHints(const FieldHints &hints);
 
 private Q_SLOTS:
     void showPreset();
@@ -43,6 +47,7 @@ private:
         FormLabel *caption;
         QWidget *control;
         QToolButton *reveal; ///< of secrets
+        HintLabel *hint;
     };
 
     void makeRow(int number);
@@ -52,13 +57,14 @@ private:
     void takeHost(const QString &text);
     void takeAddress(const PastedAddress &address);
     void setIfShown(const char *property, const QVariant &value);
+    void showHints();
     [[nodiscard]] bool isShown(int number) const;
 
     std::shared_ptr<VantlePreset> m_preset;
+    FieldHints m_hints;
     bool m_showsAll = false;
     QGridLayout *m_grid;
     std::array<Row, kRows> m_rows{};
-    FormLabel *m_portHint = nullptr;
     QString m_host; ///< what the host's field held before its last change
 };
 

@@ -25,6 +25,8 @@ public:
     void carryEditOver();
     /// The field is about to show something else altogether: what is typed belongs to the past.
     void endEdit();
+    /// Whether the text is the user's, in a field that has the focus, and not yet what the model made of it.
+    [[nodiscard]] bool isBeingEdited() const { return isModified() && hasFocus(); }
 
     [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
 
@@ -36,7 +38,6 @@ protected:
     bool event(QEvent *event) override;
     /// What showValue() was told last.
     [[nodiscard]] const QString &value() const { return m_value; }
-    [[nodiscard]] bool isBeingEdited() const { return isModified() && hasFocus(); }
 
 private:
     void takeEdit(const QString &text);

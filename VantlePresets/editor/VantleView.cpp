@@ -144,6 +144,10 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
 
     connect(m_manager.get(), &PresetsManager::selectedPresetChanged, this,
             &VantleView::showSelectedPresetSoon);
+    connect(m_history, &EditHistory::presetWillChange, this, [this] {
+        if (auto *form = qobject_cast<PresetFormView *>(m_detail->currentWidget()))
+            form->showHintsSoon();
+    });
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VantleView::saveBeforeEnd);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &VantleView::saveWhenLeft);
     qApp->installEventFilter(this);
@@ -205,15 +209,18 @@ QWidget *VantleView::makeFindField()
     line->hide();
     connect(m_find, &QLineEdit::textChanged, m_list, &PresetsListView::setFilter);
     connect(m_list, &PresetsListView::filterMustEnd, this, &VantleView::closeFind);
-    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), line);
-    escape->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(escape, &QShortcut::activated, this, [this] {
+    // In the list, too; not while the field is hidden, when the key is the host's.
+    m_endFind = new QShortcut(QKeySequence(Qt::Key_Escape), m_sidebar);
+    m_endFind->setContext(Qt::WidgetWithChildrenShortcut);
+    m_endFind->setEnabled(false);
+    connect(m_endFind, &QShortcut::activated, this, [this] {
         closeFind();
         m_list->setFocus();
     });
     auto *down = new QShortcut(QKeySequence(Qt::Key_Down), line);
     down->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(down, &QShortcut::activated, m_list, qOverload<>(&QWidget::setFocus));
+    connect(down, &QShortcut::activated, m_list, &PresetsListView::goToShown);
+    connect(m_find, &QLineEdit::returnPressed, m_list, &PresetsListView::goToShown);
     return line;
 }
 
@@ -221,6 +228,7 @@ void VantleView::openFind()
 {
     m_sidebar->show();
     m_find->parentWidget()->show();
+    m_endFind->setEnabled(true);
     m_find->setFocus(Qt::ShortcutFocusReason);
     m_find->selectAll();
 }
@@ -231,6 +239,7 @@ void VantleView::closeFind()
         return;
     const bool hadFocus = m_find->hasFocus();
     m_find->parentWidget()->hide();
+    m_endFind->setEnabled(false);
     m_find->clear();
     if (hadFocus)
         m_list->setFocus();

@@ -7,6 +7,7 @@
 #include <QtWidgets/QWidget>
 
 class QLineEdit;
+class QShortcut;
 class QSpacerItem;
 class QStackedWidget;
 class QToolButton;
@@ -72,6 +73,7 @@ private:
     QWidget *m_sidebar = nullptr;
     PresetsListView *m_list = nullptr;
     QLineEdit *m_find = nullptr;
+    QShortcut *m_endFind = nullptr;
     EditHistory *m_history;
     ProblemStrip *m_problems = nullptr;
     QWidget *m_header = nullptr;

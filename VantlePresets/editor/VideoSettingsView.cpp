@@ -4,15 +4,13 @@
 #include "VantlePresets/editor/BundleIcon.h"
 #include "VantlePresets/editor/ChoiceBox.h"
 #include "VantlePresets/editor/EditorStyle.h"
-#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/FieldRow.h"
 #include "VantlePresets/editor/FormLabel.h"
+#include "VantlePresets/editor/HintLabel.h"
 #include "VantlePresets/editor/IntegerField.h"
 #include "VantlePresets/editor/SettingsHeader.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
-
-#include <QtCore/QHash>
 
 namespace vantle {
 namespace {
@@ -48,6 +46,15 @@ const QStringList &offeredProfileNames()
     return names;
 }
 
+/// The profiles that suit the rendition; none when its size and rate are beyond computing.
+QStringList fittingProfiles(const VideoSettings &settings)
+{
+    if (settings.codec() == VideoCodec::h264 &&
+        !H264Profile::isComputable(settings.width(), settings.height(), settings.frameRate()))
+        return {};
+    return settings.profileLevels(settings.codec(), settings.resolution(), settings.frameRate());
+}
+
 } // namespace
 
 VideoSettingsView::VideoSettingsView(const std::shared_ptr<VideoSettings> &settings,
@@ -65,7 +72,9 @@ void VideoSettingsView::makeFields()
     m_header =
         new SettingsHeader(bundleSymbol(u"film"_s, filmTint()), isFixed ? QString() : u"videoSettings"_s);
     m_row = new FieldRow;
+    m_hint = new HintLabel;
     rows()->addWidget(m_header);
+    rows()->addWidget(m_hint);
     rows()->addWidget(m_row);
 
     m_codec = new ChoiceBox;
@@ -118,25 +127,21 @@ void VideoSettingsView::takeBitRate(qint64 bitRate)
     // Without a profile that fits there is no limit to keep to: the settings would take any rate for 0.
     if (m_maxBitrate > 0)
         m_settings->setBitRate(bitRate);
-    showHints();
+    Q_EMIT hintsWillChange();
 }
 
-void VideoSettingsView::showHints()
+void VideoSettingsView::showHints(const FieldHints &hints, const QString &place)
 {
-    QHash<QString, QString> hints;
-    for (const FieldHint &hint : hintsFor(*m_settings))
-        hints.insert(hint.field, hint.text);
-    if (m_isRateRefused && !hints.contains(u"bitRate"_s)) {
-        hints[u"bitRate"_s] =
-            m_maxBitrate > 0
-                ? tr("Limited to %1, the most that %2 allows.")
-                      .arg(QString::number(m_maxBitrate), m_settings->profile())
-                : tr("Stays at %1 until the profile fits.").arg(QString::number(m_settings->bitRate()));
-    }
-    if (m_pid)
-        hints[u"pid"_s] = pidHint(m_settings->pid());
-    for (const QString &field : {u"profile"_s, u"bitRate"_s, u"pid"_s})
-        m_row->setHint(field, hints.value(field));
+    m_hint->setHint(hints.value(place));
+    if (!m_isRateRefused)
+        return m_row->setHints(hints, place + u'.');
+    FieldHints withOwn = hints;
+    withOwn[place + ".bitRate"_L1].phrases.prepend(
+        m_maxBitrate > 0
+            ? tr("Limited to %1, the most that %2 allows")
+                  .arg(QString::number(m_maxBitrate), m_settings->profile())
+            : tr("Stays at %1 until the profile fits").arg(QString::number(m_settings->bitRate())));
+    m_row->setHints(withOwn, place + u'.');
 }
 
 void VideoSettingsView::observe()
@@ -150,15 +155,10 @@ void VideoSettingsView::observe()
     connect(settings, &VideoSettings::resolutionChanged, this, &VideoSettingsView::showSettings);
     connect(settings, &VideoSettings::frameRateChanged, this, &VideoSettingsView::showSettings);
     connect(settings, &VideoSettings::profileChanged, this, &VideoSettingsView::showProfiles);
-    connect(settings, &VideoSettings::bitRateChanged, this, [this](qint64 bitRate) {
-        m_bitRate->showValue(bitRate);
-        showHints();
-    });
+    connect(settings, &VideoSettings::bitRateChanged, this,
+            [this](qint64 bitRate) { m_bitRate->showValue(bitRate); });
     if (m_pid)
-        connect(settings, &VideoSettings::pidChanged, this, [this](qint64 pid) {
-            m_pid->showValue(pid);
-            showHints();
-        });
+        connect(settings, &VideoSettings::pidChanged, this, [this](qint64 pid) { m_pid->showValue(pid); });
 }
 
 void VideoSettingsView::showSettings()
@@ -192,7 +192,6 @@ void VideoSettingsView::showProfiles()
     m_isRateRefused = false;
     m_maxBitrate = m_settings->maxBitRate();
     m_maximum->setText(tr("Maximum") + "  "_L1 + QString::number(m_maxBitrate));
-    showHints();
 }
 
 void VideoSettingsView::removeSettings()

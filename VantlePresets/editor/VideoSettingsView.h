@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/editor/FieldHints.h"
 #include "VantlePresets/editor/SettingsForm.h"
 
 namespace vantle {
@@ -8,6 +9,7 @@ namespace vantle {
 class ChoiceBox;
 class FieldRow;
 class FormLabel;
+class HintLabel;
 class IntegerField;
 class SettingsHeader;
 
@@ -23,13 +25,19 @@ public:
     /// The largest bit rate that the chosen profile allows, in kbit/s.
     [[nodiscard]] qint64 maxBitrate() const { return m_maxBitrate; }
 
+    /// What there is to say of the rendition, whose place in the document is given.
+    void showHints(const FieldHints &hints, const QString &place);
+
+Q_SIGNALS:
+    /// There is something to say that the settings alone don't tell.
+    void hintsWillChange();
+
 private:
     void makeFields();
     void observe() override;
     void showSettings() override;
     void showSize();
     void showProfiles();
-    void showHints();
     void takeBitRate(qint64 bitRate);
     void removeSettings();
 
@@ -37,6 +45,7 @@ private:
     bool m_isRateRefused = false; ///< the bit rate that was typed is not the one that is held
 
     SettingsHeader *m_header = nullptr;
+    HintLabel *m_hint = nullptr; ///< on the rendition as a whole
     FieldRow *m_row = nullptr;
     ChoiceBox *m_codec = nullptr;
     ChoiceBox *m_resolution = nullptr;

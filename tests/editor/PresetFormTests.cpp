@@ -172,10 +172,6 @@ TEST_F(PresetForm, AWholeAddressThatIsPastedFillsTheRowsThatItNames)
     enter(control<QLineEdit>("streamingURL"));
     type(u"srt://typed:1"_s);
     EXPECT_EQ(m_manager->selectedPreset()->property("streamingURL"), u"srt://typed:1"_s);
-    enter(control<QLineEdit>("portNumber"));
-    type(u"70000"_s);
-    EXPECT_EQ(control<QLineEdit>("portNumber")->accessibleDescription(),
-              u"A port is a number from 1 to 65535."_s);
 }
 
 TEST_F(PresetForm, EntriesAreAddedLast)

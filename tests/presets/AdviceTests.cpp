@@ -145,6 +145,9 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
               "live-api-s.facebook.com\nerror streamingURL: Facebook's port for RTMPS is 443"},
              {youTube().with("application", R"("live")"),
               "error application: YouTube's application is live2"},
+             {url(youTube(), "rtmps://a.rtmps.youtube.com/live2/abcd"),
+              "error streamingURL: has a path that comes before the application; YouTube's application is "
+              "live2"},
              {backup, "warning application: YouTube's backup host takes the application live2?backup=1"},
              {youTube().with("application", R"("live2?backup=1")"),
               "warning application: backup=1 belongs to YouTube's backup host, b.rtmps.youtube.com"},
