@@ -10,7 +10,6 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/model/Secrets.h"
 
 namespace vantle::ctl {
 namespace {
@@ -78,14 +77,6 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
     return preset;
 }
 
-/// What OBS says can hold what it was told.
-QString withoutSecrets(QString text, const QStringList &secrets)
-{
-    for (const QString &secret : secrets)
-        text.replace(secret, masked(secret));
-    return escapedControls(text);
-}
-
 void report(Output &out, const Options &options, const std::function<void(document::DocumentWriter &)> &write,
             const QString &text)
 {
@@ -135,37 +126,30 @@ ExitCode applyPreset(const Options &options, Output &out)
     const auto preset = assignedPreset(options, *assignments);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
     const Access access = accessOf(options);
-    QStringList secrets{access.password};
-    secrets.removeAll(QString());
-    try {
-        obs::Connection connection(access.endpoint, access.password);
-        const obs::RunningObs running = obs::lookAt(connection, obs::isLoopback(access.endpoint.host)
-                                                                    ? obs::serverRun(access.endpoint.port)
-                                                                    : QString());
-        const obs::Plan plan = obs::planFor(*preset, running.host);
-        secrets += plan.secrets;
-        obs::refuseWhileActive(connection);
-        if (!isAccepted(plan, options))
-            return ExitCode::failed;
-        const bool hasChanged = obs::apply(connection, running, plan, preset->name());
-        if (plan.needsRestart)
-            complain(u"OBS has to be started again before it takes the audio format"_s);
-        const ExitCode code = options.start ? start(connection, plan) : ExitCode::good;
-        report(
-            out, options,
-            [&](document::DocumentWriter &writer) {
-                writer.string("preset", preset->name());
-                writer.string("profile", plan.profile);
-                writer.boolean("changed", hasChanged);
-                writer.boolean("onAir", options.start);
-            },
-            escapedControls(preset->name()) + (options.start ? " is on air"_L1
-                                               : hasChanged  ? " is applied, nothing is on air"_L1
-                                                            : " was applied before, nothing was changed"_L1));
-        return code;
-    } catch (const obs::Error &error) {
-        throw Refusal(withoutSecrets(error.text(), secrets));
-    }
+    obs::Connection connection(access.endpoint, access.password);
+    const obs::RunningObs running = obs::lookAt(
+        connection, obs::isLoopback(access.endpoint.host) ? obs::serverRun(access.endpoint.port) : QString());
+    const obs::Plan plan = obs::planFor(*preset, running.host);
+    connection.addSecrets(plan.secrets);
+    obs::refuseWhileActive(connection);
+    if (!isAccepted(plan, options))
+        return ExitCode::failed;
+    const bool hasChanged = obs::apply(connection, running, plan, preset->name());
+    if (plan.needsRestart)
+        complain(u"OBS has to be started again before it takes the audio format"_s);
+    const ExitCode code = options.start ? start(connection, plan) : ExitCode::good;
+    report(
+        out, options,
+        [&](document::DocumentWriter &writer) {
+            writer.string("preset", preset->name());
+            writer.string("profile", plan.profile);
+            writer.boolean("changed", hasChanged);
+            writer.boolean("onAir", options.start);
+        },
+        escapedControls(preset->name()) + (options.start ? " is on air"_L1
+                                           : hasChanged  ? " is applied, nothing is on air"_L1
+                                                         : " was applied before, nothing was changed"_L1));
+    return code;
 }
 
 ExitCode stop(obs::Connection &connection, const Options &options, Output &out)
@@ -205,13 +189,8 @@ ExitCode status(obs::Connection &connection, const Options &options, Output &out
 ExitCode tellOrStop(const Options &options, Output &out)
 {
     const Access access = accessOf(options);
-    try {
-        obs::Connection connection(access.endpoint, access.password);
-        return options.stop ? stop(connection, options, out) : status(connection, options, out);
-    } catch (const obs::Error &error) {
-        throw Refusal(withoutSecrets(error.text(), access.password.isEmpty() ? QStringList()
-                                                                             : QStringList{access.password}));
-    }
+    obs::Connection connection(access.endpoint, access.password);
+    return options.stop ? stop(connection, options, out) : status(connection, options, out);
 }
 
 /// What the parser can't say. Both the password and one assignment can't have all of standard input.
@@ -235,7 +214,11 @@ ExitCode obsCommand(const Options &options, Output &out)
         complain(QString::fromUtf8(reason));
         return ExitCode::usage;
     }
-    return options.preset.empty() ? tellOrStop(options, out) : applyPreset(options, out);
+    try {
+        return options.preset.empty() ? tellOrStop(options, out) : applyPreset(options, out);
+    } catch (const obs::Error &error) {
+        throw Refusal(error.text());
+    }
 }
 
 } // namespace

@@ -55,7 +55,8 @@ private:
         bool hasToReselect = false;
         for (const Parameter &parameter : m_plan.parameters)
             hasToReselect = (setParameter(parameter) && isReadAtSelection(parameter)) || hasToReselect;
-        setAudio();
+        setAudioFormat();
+        notePendingAudio();
         if (hasToReselect)
             reselect();
         setVideo();
@@ -76,9 +77,16 @@ private:
         expectProfile(m_plan.profile);
     }
 
+    /// OBS can be asking in a window then whether to start again. It has switched, and waits.
     void select(const QString &profile)
     {
-        m_connection.request(u"SetCurrentProfile"_s, {{u"profileName"_s, profile}});
+        try {
+            m_connection.request(u"SetCurrentProfile"_s, {{u"profileName"_s, profile}});
+        } catch (const NoAnswer &) {
+            m_isAsking = true;
+            throw Error("OBS is asking on its screen about the audio format of the profile \""_L1 + profile +
+                        u'"');
+        }
         expectProfile(profile);
     }
 
@@ -89,10 +97,12 @@ private:
             throw Error("OBS did not take the profile \""_L1 + profile + u'"');
     }
 
+    /// Through a profile of the same audio format, so that OBS has nothing to ask.
     void reselect()
     {
         m_connection.request(u"CreateProfile"_s, {{u"profileName"_s, QString(kInterim)}});
         expectProfile(kInterim);
+        setAudioFormat();
         select(m_plan.profile);
         m_connection.request(u"RemoveProfile"_s, {{u"profileName"_s, QString(kInterim)}});
     }
@@ -113,13 +123,19 @@ private:
         return true;
     }
 
-    void setAudio()
+    void setAudioFormat()
     {
         setParameter({u"Audio"_s, u"SampleRate"_s, QString::number(m_plan.audio.sampleRate)});
         setParameter({u"Audio"_s, u"ChannelSetup"_s, m_plan.audio.channelSetup});
+    }
+
+    void notePendingAudio()
+    {
         const bool isPending = m_plan.audio != m_obs.host.audio && !m_obs.run.isEmpty();
+        const bool hadChanged = m_hasChanged;
         setParameter({kOwnCategory, kAudioParameter,
                       isPending ? PendingAudio{m_obs.run, m_obs.host.audio}.text() : QString()});
+        m_hasChanged = hadChanged; // a note of ours is no change of what OBS does
     }
 
     [[nodiscard]] QJsonObject wantedVideo() const
@@ -169,6 +185,8 @@ private:
     {
         if (!m_hasChanged)
             return u"nothing was changed"_s;
+        if (m_isAsking)
+            return u"answer it, then apply the preset again"_s;
         if (m_obs.profile == m_plan.profile)
             return "the profile \""_L1 + m_plan.profile + "\" was changed in part"_L1;
         try {
@@ -187,6 +205,7 @@ private:
     const QString &m_presetName;
     bool m_hasChanged = false;
     bool m_isNew = false;
+    bool m_isAsking = false;
 };
 
 } // namespace

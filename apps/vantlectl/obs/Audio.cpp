@@ -27,9 +27,9 @@ constexpr std::array<ChannelSetup, 7> kSetups{{{1, "Mono"_L1},
                                                {6, "5.1"_L1},
                                                {8, "7.1"_L1}}};
 
-// OBS takes the next of these, in kbit/s.
+// OBS takes the next higher of these steps, in kbit/s.
 constexpr qint64 kLowestBitRate = 64;
-constexpr qint64 kHighestBitRate = 320;
+constexpr qint64 kHighestBitRate = 1024;
 constexpr qint64 kBitRateStep = 32;
 
 QString field(QLatin1StringView name)
@@ -39,8 +39,12 @@ QString field(QLatin1StringView name)
 
 void planBitRate(PlanDraft &draft, const AudioSettings &track)
 {
-    const qint64 steps = (std::max<qint64>(track.bitRate(), 0) + kBitRateStep - 1) / kBitRateStep;
-    const qint64 taken = std::clamp(steps * kBitRateStep, kLowestBitRate, kHighestBitRate);
+    // A frame of 1024 samples takes at most 6144 bits per channel; the encoder silently keeps to that.
+    const qint64 frames =
+        track.inputChannels().size() * std::clamp<qint64>(track.sampleRate(), 0, 96000) * 6144 / 1024 / 1000;
+    const qint64 highest = std::clamp(frames / kBitRateStep * kBitRateStep, kLowestBitRate, kHighestBitRate);
+    const qint64 steps = std::clamp<qint64>(track.bitRate(), 0, highest) + kBitRateStep - 1;
+    const qint64 taken = std::clamp(steps / kBitRateStep * kBitRateStep, kLowestBitRate, highest);
     if (taken != track.bitRate())
         draft.differ(field("bitRate"_L1),
                      u"OBS would send %1 kbit/s instead of %2"_s.arg(taken).arg(track.bitRate()));

@@ -3,6 +3,9 @@
 
 #include "apps/vantlectl/obs/Handshake.h"
 
+#include "VantlePresets/core/Log.h"
+#include "VantlePresets/model/Secrets.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QJsonDocument>
@@ -18,8 +21,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kConnectLimit = 4s;
-constexpr auto kAnswerLimit = 10s;
 constexpr auto kReadyInterval = 200ms;
 constexpr auto kCloseLimit = 1s;
 constexpr quint64 kLargestMessage = 1 << 24; // the list of requests, the longest answer, takes some 10 KiB
@@ -38,14 +39,16 @@ QString Endpoint::text() const
 }
 
 // The object is whole before it connects, so that its destructor ends what was begun.
-Connection::Connection(Endpoint endpoint, QString password, State state)
-    : m_endpoint(std::move(endpoint)), m_password(std::move(password)), m_state(state)
+Connection::Connection(State state, Endpoint endpoint, QString password, const Limits &limits)
+    : m_endpoint(std::move(endpoint)), m_password(std::move(password)), m_limits(limits), m_state(state)
 {
 }
 
-Connection::Connection(const Endpoint &endpoint, const QString &password)
-    : Connection(endpoint, password, State::connecting)
+Connection::Connection(const Endpoint &endpoint, const QString &password, const Limits &limits)
+    : Connection(State::connecting, endpoint, password, limits)
 {
+    if (!m_password.isEmpty())
+        m_secrets.append(m_password);
     m_socket.setProxy(QNetworkProxy::NoProxy);
     m_socket.setMaxAllowedIncomingMessageSize(kLargestMessage);
     m_socket.setMaxAllowedIncomingFrameSize(kLargestMessage);
@@ -54,7 +57,7 @@ Connection::Connection(const Endpoint &endpoint, const QString &password)
     QObject::connect(&m_socket, &QWebSocket::connected, &m_socket, [this] { m_state = State::open; });
     QObject::connect(&m_socket, &QWebSocket::disconnected, &m_socket, [this] {
         if (m_state != State::connecting) // the error that tells why follows
-            end(closeReason(static_cast<int>(m_socket.closeCode()), m_socket.closeReason()));
+            end(closeReason(static_cast<int>(m_socket.closeCode()), shown(m_socket.closeReason())));
     });
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
     const auto failed = &QWebSocket::errorOccurred;
@@ -62,17 +65,17 @@ Connection::Connection(const Endpoint &endpoint, const QString &password)
     const auto failed = QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error);
 #endif
     QObject::connect(&m_socket, failed, &m_socket, [this] {
-        end(m_socket.errorString() + "; is OBS running, with the server of its menu Tools > WebSocket Server "
-                                     "Settings switched on?"_L1);
+        end(shown(m_socket.errorString()) +
+            "; is OBS running, with the server of its menu Tools > WebSocket Server "
+            "Settings switched on?"_L1);
     });
 
     QWebSocketHandshakeOptions options;
     options.setSubprotocols({u"obswebsocket.json"_s});
     m_socket.open(QUrl("ws://"_L1 + m_endpoint.text()), options);
     const auto identified = [this] { return m_state == State::identified; };
-    if (!waitFor(identified, kConnectLimit))
-        throw Error(m_endpoint.text() + ": no OBS answers there within "_L1 +
-                    QString::number(std::chrono::seconds(kConnectLimit).count()) + " seconds"_L1);
+    if (!waitFor(identified, limits.connect))
+        throw Error(m_endpoint.text() + ": no OBS answers there in time"_L1);
 }
 
 Connection::~Connection()
@@ -106,7 +109,7 @@ bool Connection::waitFor(const std::function<bool()> &condition, std::chrono::mi
 
 QJsonObject Connection::request(const QString &type, const QJsonObject &data)
 {
-    const QDeadlineTimer deadline(kAnswerLimit);
+    const QDeadlineTimer deadline(m_limits.answer);
     const auto left = [&] { return std::chrono::milliseconds(deadline.remainingTime()); };
     for (;;) {
         try {
@@ -127,16 +130,14 @@ QJsonObject Connection::requestOnce(const QString &type, const QJsonObject &data
                     {u"requestId"_s, QString::number(++m_lastRequest)},
                     {u"requestData"_s, data}});
     if (!waitFor([this] { return !m_answer.isEmpty(); }, limit))
-        throw Error(
-            u"OBS did not answer %1 within %2 seconds; it may be asking something in a window"_s.arg(type)
-                .arg(std::chrono::seconds(kAnswerLimit).count()));
+        throw NoAnswer("OBS does not answer "_L1 + type);
     const QJsonObject status = m_answer["requestStatus"_L1].toObject();
     if (status["result"_L1].toBool())
         return m_answer["responseData"_L1].toObject();
     const int code = status["code"_L1].toInt();
     const QString comment = status["comment"_L1].toString();
     throw RequestError(u"OBS refused %1 (%2%3)"_s.arg(type).arg(code).arg(
-                           comment.isEmpty() ? QString() : QString(": "_L1 + comment)),
+                           comment.isEmpty() ? QString() : QString(": "_L1 + shown(comment))),
                        code);
 }
 
@@ -187,6 +188,14 @@ void Connection::send(int operation, const QJsonObject &data)
 {
     const QJsonObject whole{{u"op"_s, operation}, {u"d"_s, data}};
     m_socket.sendTextMessage(QString::fromUtf8(QJsonDocument(whole).toJson(QJsonDocument::Compact)));
+}
+
+/// What OBS says can hold what it was told.
+QString Connection::shown(QString remoteText) const
+{
+    for (const QString &secret : m_secrets)
+        remoteText.replace(secret, masked(secret));
+    return escapedControls(remoteText);
 }
 
 /// The first reason is the one that counts: closing follows from it.

@@ -4,6 +4,7 @@
 #include "apps/vantlectl/obs/ObsError.h"
 
 #include <QtCore/QJsonObject>
+#include <QtCore/QStringList>
 #include <QtWebSockets/QWebSocket>
 
 #include <chrono>
@@ -21,6 +22,13 @@ struct Endpoint
     [[nodiscard]] QString text() const;
 };
 
+/// How long the other side is waited for.
+struct Limits
+{
+    std::chrono::milliseconds connect{4000};
+    std::chrono::milliseconds answer{10000};
+};
+
 /// One conversation with obs-websocket 5, step by step: each call takes the events of this thread in until it
 /// is done, and ends within a time whatever the other side does. Closes the connection when it is destroyed:
 /// OBS takes five seconds longer to quit while a client is connected.
@@ -29,14 +37,17 @@ class Connection
 public:
     using EventHandler = std::function<void(const QString &type, const QJsonObject &data)>;
 
-    /// Connects and identifies within four seconds. Throws Error.
-    Connection(const Endpoint &endpoint, const QString &password);
+    /// Connects and identifies. Throws Error.
+    Connection(const Endpoint &endpoint, const QString &password, const Limits &limits = {});
     ~Connection();
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
-    /// The answer's data. Waits ten seconds at most, OBS's "not ready" included. Throws RequestError for a
-    /// refusal, Error when no answer comes.
+    /// Texts that are masked in whatever OBS says, beside the password.
+    void addSecrets(const QStringList &secrets) { m_secrets += secrets; }
+
+    /// The answer's data. Asks again while OBS is not ready. Throws RequestError for a refusal, NoAnswer when
+    /// none comes.
     QJsonObject request(const QString &type, const QJsonObject &data = {});
 
     /// Whether the condition came true within the limit. It is asked again whenever something has come in.
@@ -49,15 +60,18 @@ public:
 private:
     enum class State { connecting, open, identified, ended };
 
-    Connection(Endpoint endpoint, QString password, State state);
+    Connection(State state, Endpoint endpoint, QString password, const Limits &limits);
     void take(const QString &message);
     void answerHello(const QJsonObject &hello);
     void send(int operation, const QJsonObject &data);
     void end(const QString &why);
+    [[nodiscard]] QString shown(QString remoteText) const;
     QJsonObject requestOnce(const QString &type, const QJsonObject &data, std::chrono::milliseconds limit);
 
     Endpoint m_endpoint;
     QString m_password;
+    QStringList m_secrets;
+    Limits m_limits;
     QWebSocket m_socket;
     State m_state;
     QString m_why; ///< the connection has ended

@@ -7,8 +7,7 @@
 
 namespace vantle::ctl::obs {
 
-/// Why OBS can't be reached or does not do what it was asked for, as it is to be shown. May hold what OBS
-/// said: mask secrets before it is printed.
+/// Why OBS can't be reached or does not do what it was asked for, as it is to be shown.
 class Error : public std::runtime_error
 {
 public:
@@ -28,6 +27,13 @@ public:
 
 private:
     int m_code;
+};
+
+/// A request that OBS does not answer in time.
+class NoAnswer : public Error
+{
+public:
+    using Error::Error;
 };
 
 } // namespace vantle::ctl::obs

@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kStartLimit = 12s;
 constexpr auto kStopLimit = 10s;
 constexpr auto kInterval = 250ms;
 constexpr int kRises = 4; // of the bytes, one for each look: the first is the greeting of a server
@@ -52,9 +51,10 @@ bool isOver(const StreamStatus &status)
 }
 
 /// Whether the stream is on air within the limit.
-bool isConfirmed(Connection &connection, const StreamEvents &events, const bool &isInterrupted)
+bool isConfirmed(Connection &connection, const StreamEvents &events, const bool &isInterrupted,
+                 std::chrono::milliseconds limit)
 {
-    const QDeadlineTimer deadline(kStartLimit);
+    const QDeadlineTimer deadline(limit);
     qint64 bytes = 0;
     int rises = 0;
     while (!deadline.hasExpired() && !isInterrupted && !events.has(kStopped)) {
@@ -79,11 +79,11 @@ StreamStatus streamStatus(Connection &connection)
             answer["outputSkippedFrames"_L1].toInteger(), answer["outputTotalFrames"_L1].toInteger()};
 }
 
-void startStream(Connection &connection, const bool &isInterrupted)
+void startStream(Connection &connection, const bool &isInterrupted, std::chrono::milliseconds limit)
 {
     const StreamEvents events(connection);
     connection.request(u"StartStream"_s);
-    if (isConfirmed(connection, events, isInterrupted))
+    if (isConfirmed(connection, events, isInterrupted, limit))
         return;
     const QString seen = events.text();
     const qint64 bytes = streamStatus(connection).bytes;

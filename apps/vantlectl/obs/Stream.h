@@ -18,10 +18,11 @@ struct StreamStatus
 
 [[nodiscard]] StreamStatus streamStatus(Connection &connection);
 
-/// Starts the stream and waits until OBS says so and bytes go out, twelve seconds at most; else stops it and
+/// Starts the stream and waits until OBS says so and bytes go out; else stops it and
 /// throws Error with what was seen. When `isInterrupted` becomes true it is stopped as well. OBS answers
 /// "done" to a start before anything has happened.
-void startStream(Connection &connection, const bool &isInterrupted);
+void startStream(Connection &connection, const bool &isInterrupted,
+                 std::chrono::milliseconds limit = std::chrono::seconds(12));
 
 /// Stops the stream, or the attempt to reconnect, and waits for its end. False when nothing was on air.
 /// Throws Error.
