@@ -65,4 +65,5 @@ set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debi
 set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresetseditor0/symbols")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ffmpeg, qt6-wayland")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "obs-studio")
 include(CPack)

@@ -63,7 +63,11 @@ Access accessOf(const Options &options)
                       " is not this machine; stream key and password would go there for all to read. "
                       "--allow-remote sends them all the same"_L1);
     const auto own = isLocal ? obs::ownServerSettings() : std::nullopt;
-    return {{host, options.port.value_or(own ? own->port : obs::Endpoint().port)}, passwordOf(options, own)};
+    const quint16 port = options.port.value_or(own ? own->port : obs::Endpoint().port);
+    if (isLocal && !options.allowRemote && obs::isAnothersServer(port))
+        throw Refusal(u"--port: another user listens on %1, who would learn stream key and password. "
+                      "--allow-remote sends them all the same"_s.arg(port));
+    return {{host, port}, passwordOf(options, own)};
 }
 
 std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList<Assignment> &assignments)
@@ -120,6 +124,8 @@ ExitCode start(obs::Connection &connection, const obs::Plan &plan)
 
 ExitCode applyPreset(const Options &options, Output &out)
 {
+    if (options.start)
+        StopOnSignal::block(); // before there are threads; what comes is taken when the stream starts
     const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
@@ -250,7 +256,7 @@ void addObsCommand(CLI::App &app, Command &chosen)
         ->check(CLI::Range(1, 65535));
     command->add_option("--password", options->password, "@FILE or @-: the password of OBS's server");
     command->add_flag("--allow-remote", options->allowRemote,
-                      "Let --host be another machine, though secrets travel unencrypted");
+                      "Let OBS be another machine's or user's, who learns the secrets");
     command->callback([options, &chosen] {
         chosen = [options](Output &out) { return guarded([&] { return obsCommand(*options, out); }); };
     });

@@ -7,6 +7,7 @@ import hashlib
 import json
 import os
 import pathlib
+import secrets
 import signal
 import socket
 import subprocess
@@ -62,9 +63,10 @@ class Screen:
 
 
 class Obs:
-    """Runs until it is stopped. A password with the characters that its file has to escape."""
+    """Runs until it is stopped. Its password holds what its file escapes, and is new each time: OBS listens to the
+    whole network."""
 
-    password = r"scratch=secret\with;all"
+    password = r"scratch=se\cret;" + secrets.token_hex(12)
 
     def __init__(self, home, display, port):
         self.home = home

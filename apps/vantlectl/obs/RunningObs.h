@@ -33,6 +33,10 @@ struct PendingAudio
 /// the port. "" when it can't be told: OBS runs as another user or on another machine.
 [[nodiscard]] QString serverRun(quint16 port);
 
+/// Whether another user's process listens on the port of this machine: it would be told the stream key. What
+/// is behind a closed port, or in another network namespace, is not known to be another's.
+[[nodiscard]] bool isAnothersServer(quint16 port);
+
 /// What a running OBS says of itself.
 struct RunningObs
 {

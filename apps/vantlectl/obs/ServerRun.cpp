@@ -5,6 +5,8 @@
 
 #include <filesystem>
 
+#include <unistd.h>
+
 namespace vantle::ctl::obs {
 
 using namespace Qt::StringLiterals;
@@ -19,21 +21,28 @@ QList<QByteArray> linesOf(const QString &file)
     return opened.open(QFile::ReadOnly) ? opened.readAll().split('\n') : QList<QByteArray>();
 }
 
-/// The kernel's number of the socket that listens on the port, "" when there is none.
-QByteArray listeningSocket(quint16 port)
+/// What the kernel says of a socket that listens.
+struct Listener
+{
+    uid_t owner;
+    QByteArray inode;
+};
+
+std::optional<Listener> listenerOn(quint16 port)
 {
     constexpr qsizetype kLocalAddress = 1;
     constexpr qsizetype kState = 3;
+    constexpr qsizetype kOwner = 7;
     constexpr qsizetype kInode = 9;
     for (const QString &table : {u"/proc/net/tcp"_s, u"/proc/net/tcp6"_s}) {
         for (const QByteArray &line : linesOf(table)) {
             const QList<QByteArray> fields = line.simplified().split(' ');
             if (fields.size() > kInode && fields[kState] == "0A" &&
                 fields[kLocalAddress].split(':').last().toUShort(nullptr, 16) == port)
-                return fields[kInode];
+                return Listener{fields[kOwner].toUInt(), fields[kInode]};
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 bool hasSocket(const fs::path &process, const std::string &socket)
@@ -58,12 +67,18 @@ QByteArray startTime(const fs::path &process)
 
 } // namespace
 
+bool isAnothersServer(quint16 port)
+{
+    const auto listener = listenerOn(port);
+    return listener && listener->owner != ::geteuid();
+}
+
 QString serverRun(quint16 port)
 {
-    const QByteArray inode = listeningSocket(port);
-    if (inode.isEmpty())
+    const auto listener = listenerOn(port);
+    if (!listener)
         return {};
-    const std::string socket = "socket:[" + inode.toStdString() + "]";
+    const std::string socket = "socket:[" + listener->inode.toStdString() + "]";
     std::error_code error;
     for (fs::directory_iterator entry("/proc", error), end; !error && entry != end; entry.increment(error)) {
         const std::string name = entry->path().filename();
