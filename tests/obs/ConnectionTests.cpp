@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QtCore/QRegularExpression>
+
 namespace vantle::test {
 namespace {
 
@@ -122,6 +124,22 @@ TEST_F(ObsConnection, DoneIsNotBelievedAndTheProfileComesBack)
     }
 }
 
+TEST_F(ObsConnection, AnotherOutputModeTakesAProfileThatIsSelectedAnew)
+{
+    Connection connection = connect();
+    EXPECT_TRUE(applyTo(connection));
+    EXPECT_FALSE(applyTo(connection));
+    m_obs.parameters[m_obs.profile + "/Output/Mode"_L1] = u"Advanced"_s;
+    m_obs.profiles.append(u"Vantle-Interim"_s); // left by a command that was killed
+    m_obs.requests.clear();
+    EXPECT_TRUE(applyTo(connection));
+    EXPECT_EQ(m_obs.profile, u"Vantle Untitled Preset"_s);
+    EXPECT_EQ(m_obs.profiles, (QStringList{u"Mine"_s, m_obs.profile}));
+    const QStringList switches =
+        m_obs.requests.filter(u"Profile"_s).filter(QRegularExpression(u"Create|Current|Remove"_s));
+    EXPECT_EQ(switches.join(u' '), u"RemoveProfile CreateProfile SetCurrentProfile RemoveProfile"_s);
+}
+
 TEST_F(ObsConnection, ASwitchThatOnlyAPersonCanEndIsSaid)
 {
     m_obs.profiles.append(u"Vantle Untitled Preset"_s);
@@ -174,12 +192,10 @@ TEST(ObsAccess, SettingsOfOldAndNewVersions)
         settingsOfIni("\xef\xbb\xbf[General]\nServerPort=1\n[OBSWebSocket]\r\nServerEnabled=true\r\n"
                       "ServerPort=4460\r\nAuthRequired=true\r\nServerPassword=a=b\\\\c\r\n[Z]\nServerPort=2");
     ASSERT_TRUE(ini);
-    EXPECT_TRUE(ini->isEnabled);
     EXPECT_EQ(ini->port, 4460);
     EXPECT_EQ(ini->password, u"a=b\\c"_s);
     const auto json = settingsOfJson(R"({"auth_required":false,"server_port":70000,"server_password":"x"})");
     ASSERT_TRUE(json);
-    EXPECT_FALSE(json->isEnabled);
     EXPECT_EQ(json->port, 4455);
     EXPECT_EQ(json->password, QString()); // nobody asks for it
     EXPECT_FALSE(settingsOfJson("nonsense"));

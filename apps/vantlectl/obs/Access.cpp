@@ -73,7 +73,7 @@ std::optional<ServerSettings> settingsOfJson(const QByteArray &content)
     if (object.isEmpty())
         return std::nullopt;
     const bool asks = object["auth_required"_L1].toBool();
-    return ServerSettings{object["server_enabled"_L1].toBool(), portOf(object["server_port"_L1].toInteger()),
+    return ServerSettings{portOf(object["server_port"_L1].toInteger()),
                           asks ? object["server_password"_L1].toString() : QString()};
 }
 
@@ -83,8 +83,7 @@ std::optional<ServerSettings> settingsOfIni(const QByteArray &content)
     if (values.isEmpty())
         return std::nullopt;
     const bool asks = values.value("AuthRequired") == "true"_L1;
-    return ServerSettings{values.value("ServerEnabled") == "true"_L1,
-                          portOf(values.value("ServerPort").toLongLong()),
+    return ServerSettings{portOf(values.value("ServerPort").toLongLong()),
                           asks ? values.value("ServerPassword") : QString()};
 }
 

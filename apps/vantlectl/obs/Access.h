@@ -12,7 +12,6 @@ namespace vantle::ctl::obs {
 /// What OBS's own configuration says of its server.
 struct ServerSettings
 {
-    bool isEnabled = false;
     quint16 port = 4455;
     QString password; ///< "" when none is asked for
 };

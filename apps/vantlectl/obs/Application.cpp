@@ -8,8 +8,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto kServiceType = "rtmp_custom"_L1;
-/// Stands in for a moment where OBS has to select a profile anew: selecting the current one does nothing.
-constexpr auto kInterim = "Vantle Interim"_L1;
+/// Stands in for a moment where OBS has to select a profile anew: selecting the current one does nothing. No
+/// preset's profile has this name.
+constexpr auto kInterim = "Vantle-Interim"_L1;
 
 /// Values whose change takes effect when the profile is selected.
 bool isReadAtSelection(const Parameter &parameter)
@@ -51,6 +52,8 @@ private:
     void applyAll()
     {
         selectProfile();
+        if (m_obs.profiles.contains(kInterim)) // of a command that did not come to its end
+            removeInterim();
         setParameter({kOwnCategory, kPresetParameter, m_presetName});
         bool hasToReselect = false;
         for (const Parameter &parameter : m_plan.parameters)
@@ -104,6 +107,11 @@ private:
         expectProfile(kInterim);
         setAudioFormat();
         select(m_plan.profile);
+        removeInterim();
+    }
+
+    void removeInterim()
+    {
         m_connection.request(u"RemoveProfile"_s, {{u"profileName"_s, QString(kInterim)}});
     }
 
@@ -187,12 +195,12 @@ private:
             return u"nothing was changed"_s;
         if (m_isAsking)
             return u"answer it, then apply the preset again"_s;
-        if (m_obs.profile == m_plan.profile)
-            return "the profile \""_L1 + m_plan.profile + "\" was changed in part"_L1;
         try {
             select(m_obs.profile);
             if (m_isNew)
                 m_connection.request(u"RemoveProfile"_s, {{u"profileName"_s, m_plan.profile}});
+            if (m_obs.profile == m_plan.profile)
+                return "the profile \""_L1 + m_plan.profile + "\" was changed in part"_L1;
             return "OBS has its profile \""_L1 + m_obs.profile + "\" back"_L1;
         } catch (const Error &error) {
             return "OBS may be in the profile \""_L1 + m_plan.profile + "\" ("_L1 + error.text() + u')';

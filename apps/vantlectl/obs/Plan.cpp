@@ -31,9 +31,10 @@ Plan planFor(const VantlePreset &preset, const Host &host)
                      u"version %1 is too old, %2 is the first that can be told"_s.arg(host.version.toString())
                          .arg(kOldestVersion));
     planMode(draft);
-    planTarget(draft);
-    planVideo(draft);
-    planAudio(draft);
+    if (planTarget(draft)) {
+        planVideo(draft);
+        planAudio(draft);
+    }
     return draft.plan;
 }
 

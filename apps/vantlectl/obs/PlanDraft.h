@@ -28,7 +28,9 @@ private:
 };
 
 // Each adds its part to the draft.
-void planTarget(PlanDraft &draft);
+
+/// False for what OBS does not send at all.
+bool planTarget(PlanDraft &draft);
 void planVideo(PlanDraft &draft);
 void planAudio(PlanDraft &draft);
 

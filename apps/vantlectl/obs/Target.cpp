@@ -116,12 +116,12 @@ void setPath(PlanDraft &draft, const RTMPVantlePreset &preset, const StreamAddre
     service.server += u'/' + path.join(u'/');
 }
 
-void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
+bool planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
 {
     const StreamingProtocol protocol = preset.streamingProtocol();
     if (protocol != StreamingProtocol::rtmp && protocol != StreamingProtocol::rtmps) {
         draft.refuse(u"streamingProtocol"_s, "OBS does not stream by "_L1 + displayName(protocol));
-        return;
+        return false;
     }
     // A service's preset whose host was emptied goes to the service.
     const QString url =
@@ -130,7 +130,7 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
             : preset.streamingURL();
     auto address = addressOf(draft, url, preset.portNumber());
     if (!address)
-        return;
+        return true;
     const QString scheme = protocol == StreamingProtocol::rtmps ? u"rtmps"_s : u"rtmp"_s;
     if (!address->scheme.isEmpty() && address->scheme != scheme)
         draft.refuse(kUrl, address->scheme + " does not go with the protocol "_L1 + displayName(protocol));
@@ -141,6 +141,7 @@ void planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     if (preset.isBackup())
         draft.note(u"isBackup"_s, u"does not change the address: set the service's backup host"_s);
     setService(draft, service);
+    return true;
 }
 
 /// SRT's stream identifier and passphrase go where OBS has fields for them: in its address they could not
@@ -193,15 +194,18 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
 
 } // namespace
 
-void planTarget(PlanDraft &draft)
+bool planTarget(PlanDraft &draft)
 {
     if (const auto *push = dynamic_cast<const RTMPVantlePreset *>(&draft.preset))
-        planPush(draft, *push);
-    else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&draft.preset))
+        return planPush(draft, *push);
+    if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&draft.preset)) {
         planSrt(draft, *srt);
-    else
-        draft.refuse(u"type"_s, u"OBS sends HLS to the services of its own list only; `vantlectl ffmpeg` "
-                                "sends this preset"_s);
+        return true;
+    }
+    draft.refuse(u"type"_s,
+                 u"OBS sends HLS to the services of its own list only; `vantlectl ffmpeg` sends this "
+                 "preset"_s);
+    return false;
 }
 
 } // namespace vantle::ctl::obs
