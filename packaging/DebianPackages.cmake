@@ -72,4 +72,5 @@ set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/
 # Without authorities no server's certificate is trusted.
 set(CPACK_DEBIAN_CHECK_PACKAGE_RECOMMENDS "ca-certificates")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ca-certificates, ffmpeg, qt6-wayland")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "obs-studio")
 include(CPack)

@@ -80,6 +80,7 @@ ExitCode run(int argc, char **argv)
     addConvertCommand(app, chosen);
     addFfmpegCommand(app, chosen);
     addCheckCommand(app, chosen);
+    addObsCommand(app, chosen);
     addListCommand(app, chosen);
     addEditCommands(app, chosen);
     addSetCommand(app, chosen);
