@@ -6,7 +6,7 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/document/StagedFile.h"
+#include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/encoder/MasterPlaylist.h"
 #include "VantlePresets/model/StreamAddress.h"
 
@@ -154,17 +154,11 @@ private:
     /// The encoder writes it once, as soon as a segment of each part is there.
     void completeMaster()
     {
-        if (m_plan.masterPlaylist().isEmpty() || m_isMasterGivenUp)
+        if (m_isMasterGivenUp)
             return;
-        const std::filesystem::path path = fileSystemPath(m_plan.masterPlaylist());
         try {
-            const QByteArray written = readFile(path);
-            const QByteArray complete = completeMasterPlaylist(m_preset, written);
-            if (complete != written)
-                StagedFile(path, complete).commit();
+            completeMasterPlaylist(m_preset, m_plan);
         } catch (const std::system_error &error) {
-            if (error.code() == std::errc::no_such_file_or_directory)
-                return;
             m_isMasterGivenUp = true;
             complain("note: "_L1 + escapedControls(m_plan.masterPlaylist()) +
                      " stays as the encoder wrote it: "_L1 + QString::fromUtf8(error.what()));
