@@ -51,17 +51,12 @@ constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
                                                   {"bitrate", "bitRate", {}},
                                                   {"speed", "speed", {}}}};
 
-bool isStandardInput(const QString &input)
-{
-    return input == "-"_L1 || input.startsWith("pipe:"_L1);
-}
-
 /// One encoder that runs.
 class EncoderProcess : public QObject
 {
 public:
-    EncoderProcess(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
-                   bool json, Output &out)
+    EncoderProcess(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput, bool json,
+                   Output &out)
         : m_preset(preset), m_plan(plan), m_json(json), m_out(out)
     {
         QStringList texts = plan.arguments();
@@ -69,7 +64,7 @@ public:
         m_process.setArguments(QStringList{u"-nostdin"_s, u"-loglevel"_s, u"warning"_s, u"-nostats"_s,
                                            u"-stats_period"_s, u"1"_s, u"-progress"_s, u"pipe:1"_s} +
                                texts);
-        if (isStandardInput(request.input()))
+        if (readsInput)
             m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
         else
             m_process.setStandardInputFile(QProcess::nullDevice());
@@ -238,10 +233,10 @@ int channelsOfInput(const QString &input)
     return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
 }
 
-ExitCode runEncoder(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
-                    bool json, Output &out)
+ExitCode runEncoder(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput, bool json,
+                    Output &out)
 {
-    return EncoderProcess(preset, request, plan, json, out).run();
+    return EncoderProcess(preset, plan, readsInput, json, out).run();
 }
 
 } // namespace vantle::ctl
