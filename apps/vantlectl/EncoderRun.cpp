@@ -6,7 +6,7 @@
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/document/StagedFile.h"
+#include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/encoder/MasterPlaylist.h"
 #include "VantlePresets/model/StreamAddress.h"
 
@@ -51,17 +51,12 @@ constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
                                                   {"bitrate", "bitRate", {}},
                                                   {"speed", "speed", {}}}};
 
-bool isStandardInput(const QString &input)
-{
-    return input == "-"_L1 || input.startsWith("pipe:"_L1);
-}
-
 /// One encoder that runs.
 class EncoderProcess : public QObject
 {
 public:
-    EncoderProcess(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
-                   bool json, Output &out)
+    EncoderProcess(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput, bool json,
+                   Output &out)
         : m_preset(preset), m_plan(plan), m_json(json), m_out(out)
     {
         QStringList texts = plan.arguments();
@@ -69,7 +64,7 @@ public:
         m_process.setArguments(QStringList{u"-nostdin"_s, u"-loglevel"_s, u"warning"_s, u"-nostats"_s,
                                            u"-stats_period"_s, u"1"_s, u"-progress"_s, u"pipe:1"_s} +
                                texts);
-        if (isStandardInput(request.input()))
+        if (readsInput)
             m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
         else
             m_process.setStandardInputFile(QProcess::nullDevice());
@@ -154,17 +149,11 @@ private:
     /// The encoder writes it once, as soon as a segment of each part is there.
     void completeMaster()
     {
-        if (m_plan.masterPlaylist().isEmpty() || m_isMasterGivenUp)
+        if (m_isMasterGivenUp)
             return;
-        const std::filesystem::path path = fileSystemPath(m_plan.masterPlaylist());
         try {
-            const QByteArray written = readFile(path);
-            const QByteArray complete = completeMasterPlaylist(m_preset, written);
-            if (complete != written)
-                StagedFile(path, complete).commit();
+            completeMasterPlaylist(m_preset, m_plan);
         } catch (const std::system_error &error) {
-            if (error.code() == std::errc::no_such_file_or_directory)
-                return;
             m_isMasterGivenUp = true;
             complain("note: "_L1 + escapedControls(m_plan.masterPlaylist()) +
                      " stays as the encoder wrote it: "_L1 + QString::fromUtf8(error.what()));
@@ -244,10 +233,10 @@ int channelsOfInput(const QString &input)
     return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
 }
 
-ExitCode runEncoder(const VantlePreset &preset, const EncoderRequest &request, const EncoderPlan &plan,
-                    bool json, Output &out)
+ExitCode runEncoder(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput, bool json,
+                    Output &out)
 {
-    return EncoderProcess(preset, request, plan, json, out).run();
+    return EncoderProcess(preset, plan, readsInput, json, out).run();
 }
 
 } // namespace vantle::ctl

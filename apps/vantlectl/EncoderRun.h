@@ -14,10 +14,10 @@ namespace vantle::ctl {
 [[nodiscard]] int channelsOfInput(const QString &input);
 
 /// Runs a preset's encoder to its end and prints its progress, once a second. What it has to say goes to
-/// standard error, with secrets masked. The master playlist of an HLS folder is completed. SIGINT and SIGTERM
-/// end it as it ends by itself, with its files complete, and are no failure; a second one kills it. Throws
-/// Refusal when it can't be started.
-[[nodiscard]] ExitCode runEncoder(const VantlePreset &preset, const EncoderRequest &request,
-                                  const EncoderPlan &plan, bool json, Output &out);
+/// standard error, with secrets masked. It gets this process's standard input, or none. The master playlist
+/// of an HLS folder is completed. SIGINT and SIGTERM end it as it ends by itself, with its files complete,
+/// and are no failure; a second one kills it. Throws Refusal when it can't be started.
+[[nodiscard]] ExitCode runEncoder(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput,
+                                  bool json, Output &out);
 
 } // namespace vantle::ctl

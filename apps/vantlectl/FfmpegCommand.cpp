@@ -25,20 +25,6 @@ struct Options : StoreOptions
     bool fast = false;
 };
 
-CLI::Validator durationCheck()
-{
-    constexpr double kLongest = 365.0 * 24 * 3600;
-    return {[=](const std::string &text) {
-                bool isNumber = false;
-                const double seconds = QString::fromStdString(text).toDouble(&isNumber);
-                return isNumber && seconds > 0 && seconds <= kLongest
-                           ? std::string()
-                           : "\"" + text + "\" is not above 0 and at most " +
-                                 std::to_string(static_cast<int>(kLongest)) + " seconds";
-            },
-            "SECONDS"};
-}
-
 EncoderRequest requestOf(const Options &options, const VantlePreset &preset)
 {
     EncoderRequest request;
@@ -70,12 +56,35 @@ void print(const QStringList &arguments, const Options &options, Output &out)
     out.line();
 }
 
-/// A stream on standard input leaves none for a text.
+CLI::Validator durationCheck()
+{
+    constexpr double kLongest = 365.0 * 24 * 3600;
+    return {[=](const std::string &text) {
+                bool isNumber = false;
+                const double seconds = QString::fromStdString(text).toDouble(&isNumber);
+                return isNumber && seconds > 0 && seconds <= kLongest
+                           ? std::string()
+                           : "\"" + text + "\" is not above 0 and at most " +
+                                 std::to_string(static_cast<int>(kLongest)) + " seconds";
+            },
+            "SECONDS"};
+}
+
+bool readsStandardInput(const Options &options)
+{
+    return options.input == "-" || options.input == "pipe:" || options.input == "pipe:0";
+}
+
+/// A stream on standard input leaves none for a preset or a text.
 void checkStandardInput(const Options &options)
 {
+    if (!readsStandardInput(options))
+        return;
+    if (options.preset == "-")
+        throw Refusal(u"standard input can't be both --input and the preset"_s);
     const bool isText = std::any_of(options.assignments.begin(), options.assignments.end(),
                                     [](const std::string &text) { return text.ends_with("=@-"); });
-    if (options.input == "-" && isText)
+    if (isText)
         throw Refusal(u"standard input can't be both --input and the text of \"@-\"; use @FILE"_s);
 }
 
@@ -86,8 +95,7 @@ ExitCode ffmpeg(const Options &options, Output &out)
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options.preset, options, *assignments);
-    const EncoderRequest request = requestOf(options, *preset);
-    const EncoderPlan plan = planEncoder(*preset, request);
+    const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
     for (const QString &problem : plan.problems())
         complain(problem);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
@@ -96,7 +104,7 @@ ExitCode ffmpeg(const Options &options, Output &out)
     for (const QString &note : plan.notes())
         complain("note: "_L1 + note);
     if (options.run)
-        return runEncoder(*preset, request, plan, options.json, out);
+        return runEncoder(*preset, plan, readsStandardInput(options), options.json, out);
     if (!plan.masterPlaylist().isEmpty())
         complain(u"note: the encoder's own master playlist lacks track names and more, which --run adds"_s);
     print(options.reveal ? plan.arguments() : plan.maskedArguments(), options, out);

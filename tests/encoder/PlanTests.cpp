@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/encoder/EncoderPlan.h"
-#include "VantlePresets/encoder/MasterPlaylist.h"
+#include "VantlePresets/encoder/MasterText.h"
 #include "tests/support/FinishedProcess.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
@@ -14,6 +14,7 @@ namespace vantle::test {
 namespace {
 
 using namespace Qt::StringLiterals;
+using encoder::completedMaster;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -338,9 +339,9 @@ TEST(EncoderPlan, TheMasterPlaylistGetsWhatTheEncoderLeavesOut)
         "index.m3u8\n\n#EXT-X-STREAM-INF:BANDWIDTH=1020800,AVERAGE-BANDWIDTH=974400,FRAME-RATE=29.970\n"
         "video1/index.m3u8\n\n"
         "#EXT-X-STREAM-INF:BANDWIDTH=3\nvideo9/index.m3u8\n#X-OTHER:NAME=\"a\"\n";
-    EXPECT_EQ(completeMasterPlaylist(*preset, written), complete);
-    EXPECT_EQ(completeMasterPlaylist(*preset, complete), complete);
-    EXPECT_EQ(completeMasterPlaylist(*preset, "no playlist"), "no playlist");
+    EXPECT_EQ(completedMaster(*preset, written), complete);
+    EXPECT_EQ(completedMaster(*preset, complete), complete);
+    EXPECT_EQ(completedMaster(*preset, "no playlist"), "no playlist");
 }
 
 TEST(EncoderPlan, AShellReadsThePrintedLineAsTheArguments)

@@ -75,6 +75,8 @@ def hls(folder, preset, where=""):
     master = (out / "master.m3u8").read_text()
     marked = {re.search(r'URI="(\w+)/', line)[1]: "DEFAULT=YES" in line
               for line in master.splitlines() if line.startswith("#EXT-X-MEDIA")}
+    if any(line.startswith("#EXT-X-STREAM-INF:") and "CODECS=" not in line for line in master.splitlines()):
+        raise Failure("a variant names no codecs")
     files = []
     for kind, key in [("video", "videoSettings"), ("audio", "audioSettings")]:
         for index in range(len(preset[key])):
