@@ -133,14 +133,14 @@ void addSrtParameters(CheckTarget &target, const SRTVantlePreset &preset, const 
     target.streamId = preset.application().toUtf8();
     bool isPassphraseNamed = false;
     const auto parsed = StreamAddress::parse(address);
-    QString mode = target.host.isEmpty() ? u"listener"_s : u"caller"_s;
+    QString mode = u"caller"_s;
     const QUrlQuery query(parsed ? parsed->query : QString());
     for (const auto &[name, value] : query.queryItems(QUrl::FullyDecoded)) {
         if (name == "mode"_L1)
             mode = value;
         else if (name == "passphrase"_L1)
             target.passphrase = value.toUtf8();
-        else if (name == "streamid"_L1)
+        else if (name == "streamid"_L1 || name == "srt_streamid"_L1)
             target.streamId = value.toUtf8();
         else if (name == "pbkeylen"_L1)
             target.keyLength = value.toInt();
@@ -151,7 +151,8 @@ void addSrtParameters(CheckTarget &target, const SRTVantlePreset &preset, const 
     else if (mode != "caller"_L1)
         target = nobody(u"streamingURL: only the modes caller and listener can be checked"_s);
     else if (target.host.isEmpty())
-        target = nobody(u"streamingURL: the host is missing"_s);
+        target = nobody(
+            u"streamingURL: the host is missing; an address that waits for a caller says mode=listener"_s);
     else if (preset.authenticate() && !isPassphraseNamed && target.passphrase.isEmpty())
         target = nobody(u"streamKey: is the passphrase while authenticate is true; SRT files do not keep it: "
                         "give streamKey for this check"_s);
@@ -163,12 +164,11 @@ CheckTarget targetOfSrt(const SRTVantlePreset &preset, const QString &output)
     const QString address = isOwn ? preset.streamingURL() : output;
     if (address.isEmpty())
         return nobody(u"streamingURL: is empty: there is no host to ask"_s);
-    CheckTarget target = targetOf({isOwn ? u"streamingURL"_s : u"--output"_s,
-                                   address,
-                                   u"srt"_s,
-                                   preset.portNumber(),
-                                   {Peer::srtListener},
-                                   false});
+    const QString field = isOwn ? u"streamingURL"_s : u"--output"_s;
+    CheckTarget target =
+        targetOf({field, address, u"srt"_s, preset.portNumber(), {Peer::srtListener}, false});
+    if (target.peer == Peer::srtListener && (target.path != "/"_L1 || target.hasLogin))
+        return nobody(field + ": is no address such as srt://host:9000"_L1);
     if (target.peer == Peer::srtListener)
         addSrtParameters(target, preset, address);
     return target;
