@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignments.h"
+#include "apps/vantlectl/EncoderRun.h"
 #include "apps/vantlectl/NamedPreset.h"
-#include "apps/vantlectl/encoder/EncoderPlan.h"
-#include "apps/vantlectl/encoder/EncoderRun.h"
 
 #include "VantlePresets/document/DocumentWriter.h"
 
@@ -41,26 +40,26 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
 EncoderRequest requestOf(const Options &options, const VantlePreset &preset)
 {
     EncoderRequest request;
-    request.output = QString::fromStdString(options.output);
-    request.isPaced = !options.fast;
-    request.duration = options.duration;
+    request.setOutput(QString::fromStdString(options.output));
+    request.setPaced(!options.fast);
+    request.setDuration(options.duration);
     if (options.input == kTestInput)
         return request;
-    request.input = QString::fromStdString(options.input);
+    request.setInput(QString::fromStdString(options.input));
     if (!preset.audioSettings().isEmpty())
-        request.inputChannels = channelsOfInput(request.input);
+        request.setInputChannels(channelsOfInput(request.input()));
     return request;
 }
 
-void print(const Arguments &arguments, const Options &options, Output &out)
+void print(const QStringList &arguments, const Options &options, Output &out)
 {
     if (!options.json) {
-        out.line(arguments.shellLine(options.reveal));
+        out.line(shellLine(arguments));
         return;
     }
     out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
         writer.beginArray();
-        for (const QString &text : arguments.texts(options.reveal))
+        for (const QString &text : arguments)
             writer.string(text);
         writer.endArray();
     }));
@@ -74,16 +73,16 @@ ExitCode ffmpeg(const Options &options, Output &out)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);
     const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
-    for (const QString &problem : plan.problems)
+    for (const QString &problem : plan.problems())
         complain(problem);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
-    if (!plan.problems.isEmpty())
+    if (!plan.problems().isEmpty())
         return ExitCode::failed;
-    for (const QString &note : plan.notes)
+    for (const QString &note : plan.notes())
         complain("note: "_L1 + note);
     if (options.run)
-        return runEncoder(plan.arguments, options.json, out);
-    print(plan.arguments, options, out);
+        return runEncoder(plan, options.json, out);
+    print(options.reveal ? plan.arguments() : plan.maskedArguments(), options, out);
     return ExitCode::good;
 }
 

@@ -5,6 +5,7 @@
 #include "VantlePresets/advice/Advice.h"
 #include "VantlePresets/advice/ServiceConnection.h"
 #include "VantlePresets/core/LogSink.h"
+#include "VantlePresets/encoder/EncoderPlan.h"
 #include "VantlePresets/model/HLSVantlePreset.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
@@ -60,6 +61,10 @@ int main(int argc, char **argv)
     pushed->setPortNumber(1);
     REQUIRE(vantle::adviceFor(*preset).size() == 1 && vantle::setServiceConnection(*preset));
     REQUIRE(pushed->portNumber() == 443);
+
+    const vantle::EncoderPlan plan = vantle::planEncoder(*preset);
+    REQUIRE(plan.problems().isEmpty() && plan.arguments().size() == plan.maskedArguments().size());
+    REQUIRE(!plan.maskedArguments().join(u' ').contains(plan.secrets().first()));
 
     int changes = 0;
     QObject::connect(preset.get(), &vantle::ObservableRecord::objectWillChange, [&] { ++changes; });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/EncoderPlan.h"
+#include "VantlePresets/encoder/EncoderPlan.h"
 #include "tests/support/FinishedProcess.h"
 #include "tests/support/PresetDocuments.h"
 #include "tests/support/QtPrinters.h"
@@ -13,9 +13,6 @@ namespace vantle::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using ctl::EncoderPlan;
-using ctl::EncoderRequest;
-using ctl::planEncoder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -80,7 +77,7 @@ TEST(EncoderPlan, ProblemsNameTheFieldAsSetTakesIt)
         {audio("pid", "256"), "audioSettings.0.pid: 256 is taken by videoSettings.0"},
         {audio("inputChannels", "[]"), "audioSettings.0.inputChannels: AAC carries 1 to 8 or 16 channels"},
         {audio("inputChannels", "[0,1,2,3,4,5,6,7,8]"), "audioSettings.0.inputChannels: AAC carries"},
-        {audio("inputChannels", "[-1]"), "audioSettings.0.inputChannels: the source has 32 channels"},
+        {audio("inputChannels", "[-1]"), "audioSettings.0.inputChannels: channels are counted from 0"},
         {audio("inputChannels", "[0,32]"), "audioSettings.0.inputChannels: the source has 32 channels"},
         {audio("sampleRate", "50000"), "audioSettings.0.sampleRate: AAC has no sample rate of 50000"},
         {audio("bitRate", "0"), "audioSettings.0.bitRate: must be above 0"},
@@ -109,18 +106,18 @@ TEST(EncoderPlan, ProblemsNameTheFieldAsSetTakesIt)
     for (const Row &row : rows) {
         const EncoderPlan plan = planOf(row.preset);
         std::vector<std::string> problems;
-        for (const QString &problem : plan.problems)
+        for (const QString &problem : plan.problems())
             problems.push_back(problem.toStdString());
         EXPECT_THAT(problems, ElementsAre(StartsWith(row.problem)));
-        EXPECT_TRUE(plan.arguments.isEmpty()) << row.problem;
+        EXPECT_TRUE(plan.arguments().isEmpty()) << row.problem;
     }
 }
 
 TEST(EncoderPlan, SharedIdentifiersDoNotMatterWhereEachStreamHasItsOwnFile)
 {
     const ObjectText preset = presetText("HLS");
-    EXPECT_THAT(planOf(preset).problems, IsEmpty());
-    EXPECT_THAT(planOf(preset).arguments.texts(false), testing::Contains(u"1:256"_s));
+    EXPECT_THAT(planOf(preset).problems(), IsEmpty());
+    EXPECT_THAT(planOf(preset).arguments(), testing::Contains(u"1:256"_s));
 }
 
 TEST(EncoderPlan, AFilesOwnChannelsCount)
@@ -128,11 +125,11 @@ TEST(EncoderPlan, AFilesOwnChannelsCount)
     const ObjectText preset =
         goodSrt().with("audioSettings", list({audioText().with("pid", "257").with("inputChannels", "[5]")}));
     EncoderRequest request;
-    request.input = u"show.mov"_s;
-    request.inputChannels = 6;
-    EXPECT_THAT(planOf(preset, request).problems, IsEmpty());
-    request.inputChannels = 5;
-    EXPECT_THAT(planOf(preset, request).problems,
+    request.setInput(u"show.mov"_s);
+    request.setInputChannels(6);
+    EXPECT_THAT(planOf(preset, request).problems(), IsEmpty());
+    request.setInputChannels(5);
+    EXPECT_THAT(planOf(preset, request).problems(),
                 ElementsAre(u"audioSettings.0.inputChannels: the source has 5 channels, counted from 0, and "
                             "no channel 5"_s));
 }
@@ -171,11 +168,11 @@ TEST(EncoderPlan, WhereItGoesAndWhatOfItIsSecret)
     };
     for (const Row &row : rows) {
         EncoderRequest request;
-        request.output = QString::fromLatin1(row.output);
+        request.setOutput(QString::fromLatin1(row.output));
         const EncoderPlan plan = planOf(row.preset, request);
-        ASSERT_THAT(plan.problems, IsEmpty()) << row.revealed;
-        EXPECT_EQ(plan.arguments.texts(true).last(), QString::fromLatin1(row.revealed));
-        EXPECT_EQ(plan.arguments.texts(false).last(), QString::fromLatin1(row.masked));
+        ASSERT_THAT(plan.problems(), IsEmpty()) << row.revealed;
+        EXPECT_EQ(plan.arguments().last(), QString::fromLatin1(row.revealed));
+        EXPECT_EQ(plan.maskedArguments().last(), QString::fromLatin1(row.masked));
     }
 }
 
@@ -184,22 +181,23 @@ TEST(EncoderPlan, SrtParametersAreOptionsWithTheirSecretsMasked)
     const auto preset = decodePreset(goodSrt().with("authenticate", "true").text());
     preset->setProperty("streamKey", u"ten letters"_s);
     preset->setProperty("application", u"stage 1"_s);
-    const QString line = planEncoder(*preset, {}).arguments.shellLine(false);
+    const EncoderPlan plan = planEncoder(*preset);
+    const QString line = shellLine(plan.maskedArguments());
     EXPECT_TRUE(line.endsWith(u"-passphrase '********' -srt_streamid '********' -latency 200000 -mode caller "
                               "-pbkeylen 16 srt://host.example:443"_s))
         << line.toStdString();
-    EXPECT_THAT(planEncoder(*preset, {}).arguments.secrets(), ElementsAre(u"ten letters"_s, u"stage 1"_s));
+    EXPECT_THAT(plan.secrets(), ElementsAre(u"ten letters"_s, u"stage 1"_s));
 }
 
 TEST(EncoderPlan, AShellReadsThePrintedLineAsTheArguments)
 {
     EncoderRequest request;
-    request.input = u"it's $HOME/\"a\" `b` \\ *.mov"_s;
-    request.inputChannels = 2;
-    const ctl::Arguments arguments = planOf(goodSrt(), request).arguments;
-    const std::string line = arguments.shellLine(true).toStdString();
+    request.setInput(u"it's $HOME/\"a\" `b` \\ *.mov"_s);
+    request.setInputChannels(2);
+    const QStringList arguments = planOf(goodSrt(), request).arguments();
+    const std::string line = shellLine(arguments).toStdString();
     const Finished shell = runProcess({"/bin/sh", "-c", "printf '%s\\n' " + line});
-    EXPECT_EQ(QString::fromUtf8(shell.output), arguments.texts(true).join(u'\n') + u'\n');
+    EXPECT_EQ(QString::fromUtf8(shell.output), arguments.join(u'\n') + u'\n');
 }
 
 TEST(EncoderPlan, WhatDoesNotReachTheStreamIsNoted)
@@ -208,7 +206,7 @@ TEST(EncoderPlan, WhatDoesNotReachTheStreamIsNoted)
         planOf(goodPreset("Wowza")
                    .with("streamingProtocol", R"("RTMPS")")
                    .with("videoSettings", list({videoText().with("profile", R"("H264_Main_3_0")")})))
-            .notes;
+            .notes();
     QStringList fields;
     for (const QString &note : notes)
         fields.append(note.section(u':', 0, 0));

@@ -38,6 +38,23 @@ TEST_F(CommandLineHost, PrintsWhatAnEncoderNeeds)
     EXPECT_EQ(runProcess({ENCODER_SETTINGS, "--data-dir", m_data.path(), "None"}).exitCode, 1);
 }
 
+TEST(RunEncoder, PrintsTheLineRunsItAndKeepsTheKeyToItself)
+{
+    const std::string sample = VANTLE_SAMPLES "/YouTube Premiere.json";
+    // Nobody listens on port 1: the encoder prints the address that it could not reach.
+    const std::string address = "rtmp://127.0.0.1:1/live2/k3y-of-the-day";
+    const Finished line = runProcess({RUN_ENCODER, sample, "--output", address});
+    EXPECT_EQ(line.exitCode, 0);
+    EXPECT_TRUE(line.output.startsWith("ffmpeg ")) << line.output.toStdString();
+    EXPECT_TRUE(line.output.endsWith("'rtmp://127.0.0.1:1/live2/********'\n"));
+    const Finished run = runProcess({RUN_ENCODER, "--run", sample, "--output", address});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.errors.contains("rtmp://127.0.0.1:1/live2/********")) << run.errors.toStdString();
+    EXPECT_FALSE(run.errors.contains("k3y-of-the-day"));
+    EXPECT_EQ(runProcess({RUN_ENCODER, sample, "--output", "a b"}).errors,
+              "run_encoder: --output: is no host and no URL\n");
+}
+
 TEST_F(CommandLineHost, EndsWhenThereIsNoFolderToRead)
 {
     std::filesystem::remove_all(m_data.path("Orvalle/Streaming Presets"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/PlanDraft.h"
 
 #include "VantlePresets/settings/LevelFit.h"
 
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <limits>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -237,8 +237,8 @@ void planVideo(PlanDraft &draft)
         return;
     if (renditions.size() > 1)
         draft.filters.prepend(u"[0:v:0]split=%1%2"_s.arg(renditions.size()).arg(split));
-    if (draft.request.input.isEmpty())
+    if (draft.request.input().isEmpty())
         addTestPictures(draft, renditions);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

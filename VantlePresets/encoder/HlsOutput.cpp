@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
-#include "apps/vantlectl/encoder/ServerArgument.h"
+#include "VantlePresets/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/ServerArgument.h"
 
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 /// The folder or the upload's address, without a slash at the end.
 std::optional<Argument> baseOf(PlanDraft &draft, bool &isUpload)
 {
-    const QString &output = draft.request.output;
+    const QString &output = draft.request.output();
     if (output.contains(u'%') || (output.isEmpty() && draft.preset.name().contains(u'%'))) {
         draft.problem(u"--output"_s, u"\"%\" can't stand in the segments' place; name another one"_s);
         return std::nullopt;
@@ -84,4 +84,4 @@ void planHls(PlanDraft &draft)
     out.add(Argument(*base).plain(u"/%v/index.m3u8"_s));
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

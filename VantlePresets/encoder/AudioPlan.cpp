@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/PlanDraft.h"
 
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -60,12 +60,15 @@ void checkChannels(PlanDraft &draft, qsizetype index, const AudioSettings &track
     const QString path = fieldPath(kList, index, "inputChannels"_L1);
     if (!layoutOf(track))
         draft.problem(path, u"AAC carries 1 to 8 or 16 channels, not %1"_s.arg(track.inputChannels().size()));
-    const int available = draft.request.input.isEmpty() ? kTestChannels : draft.request.inputChannels;
+    const std::optional<int> available =
+        draft.request.input().isEmpty() ? kTestChannels : draft.request.inputChannels();
     for (const qint64 channel : track.inputChannels()) {
-        if (channel < 0 || channel >= available)
-            draft.problem(
-                path, u"the source has %1 channels, counted from 0, and no channel %2"_s.arg(available).arg(
-                          channel));
+        if (channel < 0)
+            draft.problem(path, u"channels are counted from 0, there is no channel %1"_s.arg(channel));
+        else if (available && channel >= *available)
+            draft.problem(path,
+                          u"the source has %1 channels, counted from 0, and no channel %2"_s.arg(*available)
+                              .arg(channel));
     }
 }
 
@@ -157,7 +160,7 @@ void planAudio(PlanDraft &draft)
     if (!draft.problems.isEmpty())
         return;
 
-    const bool isTest = draft.request.input.isEmpty();
+    const bool isTest = draft.request.input().isEmpty();
     const QString input = isTest ? u"[1:a:0]"_s : u"[0:a:0]"_s;
     QString split;
     QStringList filters;
@@ -175,4 +178,4 @@ void planAudio(PlanDraft &draft)
     addNotes(draft);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "apps/vantlectl/encoder/Container.h"
-#include "apps/vantlectl/encoder/EncoderPlan.h"
+#include "VantlePresets/encoder/Argument.h"
+#include "VantlePresets/encoder/Container.h"
+#include "VantlePresets/encoder/EncoderPlan.h"
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 
 /// A plan in the making, with what the parts of planning tell each other.
 struct PlanDraft
@@ -22,7 +23,7 @@ struct PlanDraft
 
     void addInput(std::initializer_list<QString> arguments)
     {
-        if (request.isPaced)
+        if (request.isPaced())
             input.add({QStringLiteral("-re")});
         input.add(arguments);
     }
@@ -55,4 +56,4 @@ void planHls(PlanDraft &draft);
 void planVideo(PlanDraft &draft);
 void planAudio(PlanDraft &draft);
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

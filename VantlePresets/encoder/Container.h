@@ -3,7 +3,7 @@
 
 #include <QtCore/QString>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 
 /// What a container, as ffmpeg 5.1 writes it, can carry.
 struct Container
@@ -26,4 +26,4 @@ inline constexpr Container kRtsp{QLatin1StringView("RTSP"), false, true, false, 
 inline constexpr Container kTransportStream{
     QLatin1StringView("MPEG-TS"), false, true, true, true, true, false};
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

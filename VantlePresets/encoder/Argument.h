@@ -7,7 +7,7 @@
 
 #include <initializer_list>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 
 /// One argument of a program, of which parts may be secret. What is secret is known from where it was put
 /// in, not found again in the text.
@@ -39,10 +39,7 @@ public:
     void add(const Argument &value) { m_list.append(value); }
     void add(const Arguments &others) { m_list.append(others.m_list); }
 
-    [[nodiscard]] bool isEmpty() const { return m_list.isEmpty(); }
     [[nodiscard]] QStringList texts(bool reveal) const;
-    /// One line that a POSIX shell reads as these arguments.
-    [[nodiscard]] QString shellLine(bool reveal) const;
     /// All secret parts, the longest first.
     [[nodiscard]] QStringList secrets() const;
 
@@ -50,4 +47,4 @@ private:
     QList<Argument> m_list;
 };
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

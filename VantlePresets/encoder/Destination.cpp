@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/PlanDraft.h"
-#include "apps/vantlectl/encoder/ServerArgument.h"
+#include "VantlePresets/encoder/PlanDraft.h"
+#include "VantlePresets/encoder/ServerArgument.h"
 
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <array>
 
-namespace vantle::ctl {
+namespace vantle::encoder {
 namespace {
 
 using namespace Qt::StringLiterals;
@@ -55,9 +55,9 @@ struct Server
 
 std::optional<Server> serverOf(PlanDraft &draft, const QString &streamingURL)
 {
-    const bool isOwn = draft.request.output.isEmpty();
+    const bool isOwn = draft.request.output().isEmpty();
     const QString field = isOwn ? u"streamingURL"_s : u"--output"_s;
-    const auto address = StreamAddress::parse(isOwn ? streamingURL : draft.request.output);
+    const auto address = StreamAddress::parse(isOwn ? streamingURL : draft.request.output());
     if (!address)
         draft.problem(field, u"is no host and no URL"_s);
     else if (address->host.isEmpty())
@@ -88,7 +88,7 @@ const Transport &transportOf(PlanDraft &draft, const RTMPVantlePreset &preset, S
         return *own;
     const auto named = std::find_if(kTransports.rbegin(), kTransports.rend(),
                                     [&](const Transport &transport) { return transport.scheme == scheme; });
-    if (draft.request.output.isEmpty() || named == kTransports.rend())
+    if (draft.request.output().isEmpty() || named == kTransports.rend())
         draft.problem(server.field, scheme + " does not go with the protocol "_L1 +
                                         displayName(preset.streamingProtocol()));
     return named == kTransports.rend() ? *own : *named;
@@ -126,7 +126,7 @@ void addPath(PlanDraft &draft, const RTMPVantlePreset &preset, const Server &ser
 {
     QStringList visible = server.address.path.split(u'/', Qt::SkipEmptyParts);
     QString key;
-    if (draft.request.output.isEmpty()) {
+    if (draft.request.output().isEmpty()) {
         if (!preset.application().isEmpty())
             visible.append(preset.application());
         key = preset.streamKey();
@@ -134,13 +134,13 @@ void addPath(PlanDraft &draft, const RTMPVantlePreset &preset, const Server &ser
     }
     const bool isService =
         preset.type() == StreamingType::youTube || preset.type() == StreamingType::facebook;
-    if (key.isEmpty() && (!isService || !draft.request.output.isEmpty()) && visible.size() > 1)
+    if (key.isEmpty() && (!isService || !draft.request.output().isEmpty()) && visible.size() > 1)
         key = visible.takeLast();
     if (visible.isEmpty())
-        draft.problem(draft.request.output.isEmpty() ? u"application"_s : server.field,
+        draft.problem(draft.request.output().isEmpty() ? u"application"_s : server.field,
                       u"the application is missing"_s);
     if (key.isEmpty())
-        draft.problem(draft.request.output.isEmpty() ? u"streamKey"_s : server.field,
+        draft.problem(draft.request.output().isEmpty() ? u"streamKey"_s : server.field,
                       isService ? u"the stream key is missing"_s
                                 : displayName(preset.type()) +
                                       " files keep no stream key: add streamKey=@- to the command line, or "
@@ -256,7 +256,7 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
 
 void planDestination(PlanDraft &draft)
 {
-    checkTexts(draft, {{"--output"_L1, draft.request.output}});
+    checkTexts(draft, {{"--output"_L1, draft.request.output()}});
     if (const auto *push = dynamic_cast<const RTMPVantlePreset *>(&draft.preset))
         planPush(draft, *push);
     else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&draft.preset))
@@ -265,4 +265,4 @@ void planDestination(PlanDraft &draft)
         planHls(draft);
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder

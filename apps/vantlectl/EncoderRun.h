@@ -2,7 +2,8 @@
 #pragma once
 
 #include "apps/vantlectl/Command.h"
-#include "apps/vantlectl/encoder/Argument.h"
+
+#include "VantlePresets/encoder/EncoderPlan.h"
 
 namespace vantle::ctl {
 
@@ -12,6 +13,6 @@ namespace vantle::ctl {
 /// Runs an encoder to its end and prints its progress, once a second. What it has to say goes to standard
 /// error, with secrets masked. SIGINT and SIGTERM end it as it ends by itself, with its files complete, and
 /// are no failure; a second one kills it. Throws Refusal when it can't be started.
-[[nodiscard]] ExitCode runEncoder(const Arguments &arguments, bool json, Output &out);
+[[nodiscard]] ExitCode runEncoder(const EncoderPlan &plan, bool json, Output &out);
 
 } // namespace vantle::ctl

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/EncoderRun.h"
+#include "apps/vantlectl/EncoderRun.h"
 
 #include "apps/support/StopOnSignal.h"
 #include "apps/vantlectl/StoreSession.h"
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/model/Secrets.h"
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcess>
@@ -53,10 +52,9 @@ constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
 class EncoderProcess : public QObject
 {
 public:
-    EncoderProcess(const Arguments &arguments, bool json, Output &out)
-        : m_secrets(arguments.secrets()), m_json(json), m_out(out)
+    EncoderProcess(const EncoderPlan &plan, bool json, Output &out) : m_plan(plan), m_json(json), m_out(out)
     {
-        QStringList texts = arguments.texts(true);
+        QStringList texts = plan.arguments();
         m_process.setProgram(texts.takeFirst());
         m_process.setArguments(QStringList{u"-nostdin"_s, u"-loglevel"_s, u"warning"_s, u"-nostats"_s,
                                            u"-stats_period"_s, u"1"_s, u"-progress"_s, u"pipe:1"_s} +
@@ -118,11 +116,9 @@ private:
             complainMasked(line);
     }
 
-    void complainMasked(QByteArray line)
+    void complainMasked(const QByteArray &line)
     {
-        for (const QString &secret : m_secrets)
-            line.replace(secret.toUtf8(), masked(secret).toUtf8());
-        complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(line)));
+        complain("ffmpeg: "_L1 + escapedControls(QString::fromUtf8(m_plan.withSecretsMasked(line))));
     }
 
     void takeProgress()
@@ -163,7 +159,7 @@ private:
         return QString::fromUtf8(m_values.value(field.key.toByteArray()));
     }
 
-    QStringList m_secrets;
+    EncoderPlan m_plan;
     bool m_json;
     Output &m_out;
     QProcess m_process;
@@ -197,9 +193,9 @@ int channelsOfInput(const QString &input)
     return probe.readAllStandardOutput().split('\n').first().trimmed().toInt();
 }
 
-ExitCode runEncoder(const Arguments &arguments, bool json, Output &out)
+ExitCode runEncoder(const EncoderPlan &plan, bool json, Output &out)
 {
-    return EncoderProcess(arguments, json, out).run();
+    return EncoderProcess(plan, json, out).run();
 }
 
 } // namespace vantle::ctl

@@ -1,24 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "apps/vantlectl/encoder/Argument.h"
+#include "VantlePresets/encoder/Argument.h"
 
 #include "VantlePresets/model/Secrets.h"
 
-#include <QtCore/QRegularExpression>
-
 #include <algorithm>
 
-namespace vantle::ctl {
-namespace {
-
-QString shellQuoted(QString text)
-{
-    static const QRegularExpression harmless(QStringLiteral("\\A[A-Za-z0-9_@%+=:,./-]+\\z"));
-    if (harmless.match(text).hasMatch())
-        return text;
-    return u'\'' + text.replace(u'\'', QStringLiteral("'\\''")) + u'\'';
-}
-
-} // namespace
+namespace vantle::encoder {
 
 Argument &Argument::plain(const QString &text)
 {
@@ -70,14 +57,6 @@ QStringList Arguments::texts(bool reveal) const
     return texts;
 }
 
-QString Arguments::shellLine(bool reveal) const
-{
-    QStringList words;
-    for (const QString &text : texts(reveal))
-        words.append(shellQuoted(text));
-    return words.join(u' ');
-}
-
 QStringList Arguments::secrets() const
 {
     QStringList secrets;
@@ -88,4 +67,4 @@ QStringList Arguments::secrets() const
     return secrets;
 }
 
-} // namespace vantle::ctl
+} // namespace vantle::encoder
