@@ -221,13 +221,11 @@ void Server::endInput()
     goOn();
 }
 
+/// What the client has asked for before it went away is carried out, up to the end of its input.
 void Server::endOutput(const QString &reason)
 {
     if (m_complaint.isEmpty())
         m_complaint = "can't write the output: "_L1 + reason;
-    m_channel.setReading(false);
-    if (m_phase == Phase::serving)
-        m_phase = Phase::inputEnded;
     goOn();
 }
 
@@ -242,7 +240,7 @@ void Server::stop()
 void Server::finishIfDone()
 {
     if (m_phase == Phase::serving || m_phase == Phase::finished || m_isBusy)
-        return goOn();
+        return;
     if (!m_jobs.isEmpty() && canTurn())
         return goOn();
     if (!m_channel.isEmpty() && m_channel.stalledFor() < kPatience) {
