@@ -46,11 +46,14 @@ vantle_package(
   libraries libvantlepresets0 libs "vantlepresets-common ${same_version}" "live-streaming presets: libraries"
   "Presets with their video and audio settings, the store that keeps them, and a folder watcher.")
 vantle_package(
+  check libvantlepresetscheck0 libs "libvantlepresets0 ${same_version}" "live-streaming presets: check before air"
+  "Asks the server that a preset streams to whether it is there, and whether its certificate is right.")
+vantle_package(
   editor libvantlepresetseditor0 libs "libvantlepresets0 ${same_version}" "live-streaming presets: editor window"
   "The window in which users create and edit presets, for applications with Qt Widgets.")
 vantle_package(
   development libvantlepresets-dev libdevel
-  "libvantlepresets0 ${same_version}, libvantlepresetseditor0 ${same_version}, qt6-base-dev"
+  "libvantlepresets0 ${same_version}, libvantlepresetscheck0 ${same_version}, libvantlepresetseditor0 ${same_version}, qt6-base-dev"
   "live-streaming presets: development files"
   "Headers, and what CMake and pkg-config have to know, for applications that embed presets.")
 vantle_package(
@@ -62,7 +65,11 @@ set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/
 # What packages of hosts depend on follows from the symbols that they use; packaging/symbols keeps the files.
 set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
                                                  "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresets0/symbols")
+set(CPACK_DEBIAN_CHECK_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
+                                             "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresetscheck0/symbols")
 set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresetseditor0/symbols")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ffmpeg, qt6-wayland")
+# Without authorities no server's certificate is trusted.
+set(CPACK_DEBIAN_CHECK_PACKAGE_RECOMMENDS "ca-certificates")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ca-certificates, ffmpeg, qt6-wayland")
 include(CPack)

@@ -24,6 +24,7 @@ void addValidateCommand(CLI::App &app, Command &chosen);
 void addShowCommand(CLI::App &app, Command &chosen);
 void addConvertCommand(CLI::App &app, Command &chosen);
 void addFfmpegCommand(CLI::App &app, Command &chosen);
+void addCheckCommand(CLI::App &app, Command &chosen);
 void addListCommand(CLI::App &app, Command &chosen);
 void addEditCommands(CLI::App &app, Command &chosen);
 void addSetCommand(CLI::App &app, Command &chosen);

@@ -25,18 +25,6 @@ struct Options : StoreOptions
     bool fast = false;
 };
 
-/// The preset with the assignments, which hold for this command only.
-std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList<Assignment> &assignments)
-{
-    auto preset = namedPreset(options.preset, options);
-    try {
-        applyAll(withTextsRead(assignments), *preset);
-    } catch (const AssignmentError &error) {
-        throw Refusal(QString::fromUtf8(error.what()));
-    }
-    return preset;
-}
-
 EncoderRequest requestOf(const Options &options, const VantlePreset &preset)
 {
     EncoderRequest request;
@@ -71,7 +59,7 @@ ExitCode ffmpeg(const Options &options, Output &out)
     const auto assignments = parseAssignments(options.assignments);
     if (!assignments)
         return ExitCode::usage;
-    const auto preset = assignedPreset(options, *assignments);
+    const auto preset = assignedPreset(options.preset, options, *assignments);
     const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
     for (const QString &problem : plan.problems())
         complain(problem);

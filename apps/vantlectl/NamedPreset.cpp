@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/NamedPreset.h"
 
+#include "apps/vantlectl/Assignments.h"
 #include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/PresetText.h"
 
@@ -32,6 +33,18 @@ std::shared_ptr<VantlePreset> namedPreset(const std::string &argument, const Sto
     } catch (const std::exception &error) {
         throw Refusal(shown(argument) + QLatin1StringView(": ") + Failure(error).message());
     }
+}
+
+std::shared_ptr<VantlePreset> assignedPreset(const std::string &argument, const StoreOptions &options,
+                                             const QList<Assignment> &assignments)
+{
+    auto preset = namedPreset(argument, options);
+    try {
+        applyAll(withTextsRead(assignments), *preset);
+    } catch (const AssignmentError &error) {
+        throw Refusal(QString::fromUtf8(error.what()));
+    }
+    return preset;
 }
 
 std::filesystem::path fileOfNamedPreset(const std::string &argument, const StoreOptions &options)

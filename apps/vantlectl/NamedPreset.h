@@ -3,6 +3,8 @@
 
 #include "apps/vantlectl/StoreSession.h"
 
+#include "VantlePresets/model/Assignment.h"
+
 #include <filesystem>
 
 namespace vantle::ctl {
@@ -14,6 +16,11 @@ inline constexpr const char *kPresetArgumentHelp =
 /// is a regular file while no data directory is given; else the store's preset of that name. Throws Refusal.
 [[nodiscard]] std::shared_ptr<VantlePreset> namedPreset(const std::string &argument,
                                                         const StoreOptions &options);
+
+/// The same with assignments carried out, which hold for this command only.
+[[nodiscard]] std::shared_ptr<VantlePreset> assignedPreset(const std::string &argument,
+                                                           const StoreOptions &options,
+                                                           const QList<Assignment> &assignments);
 
 /// Where that preset's file is.
 [[nodiscard]] std::filesystem::path fileOfNamedPreset(const std::string &argument,

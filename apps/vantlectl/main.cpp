@@ -79,6 +79,7 @@ ExitCode run(int argc, char **argv)
     addShowCommand(app, chosen);
     addConvertCommand(app, chosen);
     addFfmpegCommand(app, chosen);
+    addCheckCommand(app, chosen);
     addListCommand(app, chosen);
     addEditCommands(app, chosen);
     addSetCommand(app, chosen);

@@ -11,10 +11,8 @@ import typing
 
 import fronts
 import rtsp_server
-
-
-class Failure(Exception):
-    pass
+import servers
+from servers import Failure, free_port, is_listening
 
 
 @dataclasses.dataclass
@@ -25,22 +23,6 @@ class Container:
     identifiers: bool = False
     languages: bool = False
     default: typing.Optional[typing.Callable] = None  # of a stream: whether it is marked
-
-
-def free_port(kind):
-    with socket.socket(socket.AF_INET, kind) as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
-
-
-def is_listening(port, table):
-    """Asks the kernel, because a trial connection would be the one that the receiver takes."""
-    state = {"tcp": "0A", "udp": "07"}[table]
-    for line in pathlib.Path(f"/proc/net/{table}").read_text().splitlines()[1:]:
-        fields = line.split()
-        if int(fields[1].split(":")[1], 16) == port and fields[3] == state:
-            return True
-    return False
 
 
 class Listener:
@@ -82,7 +64,13 @@ def hls_upload(folder, preset, encode):
     return hls(folder, preset)
 
 
-def hls(folder, preset):
+def hls_to_nginx(folder, preset, encode):
+    with servers.Nginx(folder, "live", "key") as nginx:
+        encode("--output", f"http://127.0.0.1:{nginx.http}/out")
+        return hls(folder / "uploaded", preset, " to nginx")
+
+
+def hls(folder, preset, where=""):
     out = folder / "out"
     master = (out / "master.m3u8").read_text()
     marked = {re.search(r'URI="(\w+)/', line)[1]: "DEFAULT=YES" in line
@@ -97,15 +85,29 @@ def hls(folder, preset):
             if kind == "video" and f"{kind}{index}/index.m3u8" not in master:
                 raise Failure(f"{kind}{index} is not in the master playlist")
     is_transport_stream = files[0].suffix == ".ts"
-    return Container("HLS" if is_transport_stream else "HLS, MP4 fragments", files, is_transport_stream, True,
+    return Container(("HLS" if is_transport_stream else "HLS, MP4 fragments") + where, files, is_transport_stream, True,
                      lambda stream: marked[pathlib.Path(stream["path"]).stem])
 
 
-def rtmp(folder, preset, encode):
-    """The services' presets bring application and key; the others have both in their address."""
-    port = free_port(socket.SOCK_STREAM)
+def rtmp_path(preset):
+    """Of the address, and the whole one with application and key: the services' presets bring these, while the others
+    have both in their address."""
     path = preset["streamingURL"].partition("/")[2]
-    keys = f"{preset['application']}/{preset['streamKey']}" if "streamKey" in preset else path
+    return path, f"{preset['application']}/{preset['streamKey']}" if "streamKey" in preset else path
+
+
+def rtmp_to_nginx(folder, preset, encode):
+    path, keys = rtmp_path(preset)
+    application, key = keys.rsplit("/", 1)
+    with servers.Nginx(folder, application, key.partition("?")[0]) as nginx:
+        port = nginx.rtmps if preset["streamingProtocol"] == "RTMPS" else nginx.rtmp
+        encode(f"portNumber={port}", f"streamingURL=127.0.0.1/{path}".rstrip("/"))
+        return Container(f"{preset['streamingProtocol']} to nginx", [nginx.recorded()])
+
+
+def rtmp(folder, preset, encode):
+    port = free_port(socket.SOCK_STREAM)
+    path, keys = rtmp_path(preset)
     file = folder / "out.flv"
     listener = Listener(["-listen", "1", "-i", f"rtmp://127.0.0.1:{port}/{keys}", "-c", "copy", str(file)], port, "tcp")
     front = fronts.TlsFront(folder, port) if preset["streamingProtocol"] == "RTMPS" else None
@@ -126,6 +128,14 @@ def srt(key):
     return receive
 
 
+def srt_to_live_transmit(key):
+    def receive(folder, preset, encode):
+        with servers.SrtLiveTransmit(folder, key, is_for_one=True) as listener:
+            encode("streamingURL=127.0.0.1", f"portNumber={listener.port}", f"streamKey={key}")
+            return Container("SRT to srt-live-transmit", [listener.received()], identifiers=True, languages=True)
+    return receive
+
+
 def rtsp(folder, preset, encode):
     server = rtsp_server.RtspServer()
     path = preset["streamingURL"].partition("/")[2]
@@ -135,11 +145,12 @@ def rtsp(folder, preset, encode):
     return Container("RTSP", [f"rtsp://127.0.0.1:{server.port}/{path}"])
 
 
-def for_preset(preset, stream_key, is_upload):
+def for_preset(preset, stream_key, is_upload, has_servers):
+    """With servers of others where there are any, else with those of this folder."""
     if preset["type"] == "HLS":
-        return hls_upload if is_upload else hls_folder
+        return (hls_to_nginx if has_servers else hls_upload) if is_upload else hls_folder
     if preset["type"] == "SRT":
-        return srt(stream_key)
+        return (srt_to_live_transmit if has_servers else srt)(stream_key)
     if preset["streamingProtocol"].startswith("RTSP"):
         return rtsp
-    return rtmp
+    return rtmp_to_nginx if has_servers else rtmp

@@ -10,7 +10,8 @@ using namespace Qt::StringLiterals;
 
 [[noreturn]] void refuse(const QString &parameter, const QString &expectation)
 {
-    throw ServeError(ErrorCode::invalidParams, "parameter \""_L1 + parameter + "\": expected "_L1 + expectation,
+    throw ServeError(ErrorCode::invalidParams,
+                     "parameter \""_L1 + parameter + "\": expected "_L1 + expectation,
                      ObjectText().text("parameter", parameter));
 }
 
@@ -60,7 +61,8 @@ QByteArray planPreset(ServedStore &store, Params &params)
     const EncoderPlan plan = planEncoder(*preset, request);
     const QStringList problems = plan.problems();
     if (!problems.isEmpty())
-        throw ServeError(ErrorCode::notPlanned, problems.constFirst(), ObjectText().texts("problems", problems));
+        throw ServeError(ErrorCode::notPlanned, problems.constFirst(),
+                         ObjectText().texts("problems", problems));
     ObjectText result;
     result.texts("arguments", plan.maskedArguments()).texts("notes", plan.notes());
     if (reveal)

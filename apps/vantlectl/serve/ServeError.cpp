@@ -39,6 +39,8 @@ const char *kindOf(ErrorCode code)
         return "notPlanned";
     case ErrorCode::ending:
         return "ending";
+    case ErrorCode::tooMany:
+        return "tooMany";
     }
     return "internalError";
 }

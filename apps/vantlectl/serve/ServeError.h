@@ -27,6 +27,7 @@ enum class ErrorCode : int {
     fileFailed = 8,
     notPlanned = 9,
     ending = 10,
+    tooMany = 11,
 };
 
 /// The answer to a request that is not carried out.

@@ -6,6 +6,7 @@
 #include <QtCore/QScopedValueRollback>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 
 namespace vantle::ctl {
@@ -19,6 +20,7 @@ constexpr qsizetype kMostJobs = 256;          // that wait, of as many bytes as 
 constexpr std::chrono::seconds kPatience{5};
 constexpr std::chrono::milliseconds kPatienceStep{100};
 
+constexpr auto kCheck = "check"; // the one that is answered later
 constexpr std::array kNotifications{"loaded", "changed", "failed", "recovered"};
 
 } // namespace
@@ -29,7 +31,11 @@ Server::Server(const QString &dataDirectory, int input, int output)
           m_store.manager(), [this] { return m_channel.hasRoom(); },
           [this](const char *method, const ObjectText &params) {
               m_channel.send(framed(notificationOf(method, params)));
-          })
+          }),
+      m_checks([this](const QByteArray &body) {
+          m_channel.send(framed(body));
+          goOn();
+      })
 {
     m_store.edited = [this](const auto &preset) { m_notifications.noteUpdated(preset); };
     m_turn.setSingleShot(true);
@@ -103,13 +109,15 @@ void Server::queue(Job job)
     m_jobs.enqueue(std::move(job));
 }
 
-/// A request that has begun is finished and answered as if nothing had been said.
+/// A request that has begun, and is no check, is finished and answered as if nothing had been said.
 void Server::cancel(const QJsonValue &id)
 {
     const QByteArray text = Request::idText(id);
+    const ServeError cancelled(ErrorCode::requestCancelled, u"cancelled"_s);
+    m_checks.end(text, cancelled);
     for (Job &job : m_jobs) {
         if (!text.isEmpty() && job.answer.isEmpty() && job.request.id == text)
-            job.answer = refusalOf(text, ServeError(ErrorCode::requestCancelled, u"cancelled"_s));
+            job.answer = refusalOf(text, cancelled);
     }
 }
 
@@ -138,19 +146,21 @@ void Server::turn()
     if (canTurn()) {
         const Job job = m_jobs.dequeue();
         m_jobsSize -= job.size;
-        const QByteArray answer = job.answer.isEmpty() ? answerOf(job.request) : job.answer;
-        m_channel.send(framed(answer));
+        if (const auto answer = job.answer.isEmpty() ? answerOf(job.request) : job.answer)
+            m_channel.send(framed(*answer));
         m_notifications.flush();
         readFrames();
     }
     finishIfDone();
 }
 
-QByteArray Server::answerOf(const Request &request)
+/// Nothing for what is answered later.
+std::optional<QByteArray> Server::answerOf(const Request &request)
 {
     const QScopedValueRollback<bool> busy(m_isBusy, true);
     try {
-        return answerTo(request.id, resultOf(request));
+        const auto result = resultOf(request);
+        return result ? std::optional(answerTo(request.id, *result)) : std::nullopt;
     } catch (const ServeError &error) {
         return refusalOf(request.id, error);
     } catch (const std::exception &error) {
@@ -158,7 +168,7 @@ QByteArray Server::answerOf(const Request &request)
     }
 }
 
-QByteArray Server::resultOf(const Request &request)
+std::optional<QByteArray> Server::resultOf(const Request &request)
 {
     if (m_phase == Phase::stopping)
         throw ServeError(ErrorCode::ending, u"the session is ending"_s);
@@ -176,10 +186,15 @@ QByteArray Server::resultOf(const Request &request)
     const auto method = std::find_if(methods.begin(), methods.end(), [&](const Method &candidate) {
         return request.method == QLatin1StringView(candidate.name);
     });
-    if (method == methods.end())
+    const bool isCheck = request.method == QLatin1StringView(kCheck);
+    if (method == methods.end() && !isCheck)
         throw ServeError(ErrorCode::methodNotFound, "there is no method \""_L1 + request.method + u'"');
     if (const auto error = m_store.manager().startError(); error && !m_store.manager().isLoaded())
         throw ServeError(ErrorCode::unavailable, *error);
+    if (isCheck) {
+        m_checks.begin(m_store, request.id, params);
+        return std::nullopt;
+    }
     return method->run(m_store, params);
 }
 
@@ -194,7 +209,7 @@ QByteArray Server::initialize(Params &params)
     QStringList methods{u"initialize"_s};
     for (const Method &method : storeMethods())
         methods.append(QString::fromLatin1(method.name));
-    methods.append(u"shutdown"_s);
+    methods.append({QString::fromLatin1(kCheck), u"shutdown"_s});
     QStringList notifications;
     for (const char *name : kNotifications)
         notifications.append(QString::fromLatin1(name));
@@ -243,6 +258,10 @@ void Server::finishIfDone()
         return;
     if (!m_jobs.isEmpty() && canTurn())
         return goOn();
+    if (m_phase == Phase::stopping)
+        m_checks.endAll(ServeError(ErrorCode::ending, u"the session is ending"_s));
+    if (!m_checks.isEmpty())
+        return; // each ends by its limits
     if (!m_channel.isEmpty() && m_channel.stalledFor() < kPatience) {
         m_patience.start(kPatienceStep); // drained() comes first with a client that reads
         return;

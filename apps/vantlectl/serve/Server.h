@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/vantlectl/serve/Channel.h"
+#include "apps/vantlectl/serve/Checks.h"
 #include "apps/vantlectl/serve/Frames.h"
 #include "apps/vantlectl/serve/Notifications.h"
 #include "apps/vantlectl/serve/Request.h"
@@ -12,8 +13,9 @@
 namespace vantle::ctl {
 
 /// One client's session with the store: requests are carried out one after another in their order, each
-/// answered once. What the client does not read is bounded: no request is carried out while it leaves a
-/// MiB of answers unread, and none is read while many wait. Main thread only.
+/// answered once; only checks of servers go on beside others. What the client does not read is bounded: no
+/// request is carried out while it leaves a MiB of answers unread, and none is read while many wait. Main
+/// thread only.
 class Server : public QObject
 {
     Q_OBJECT
@@ -51,8 +53,8 @@ private:
     void cancel(const QJsonValue &id);
     void turn();
     [[nodiscard]] bool canTurn();
-    [[nodiscard]] QByteArray answerOf(const Request &request);
-    [[nodiscard]] QByteArray resultOf(const Request &request);
+    [[nodiscard]] std::optional<QByteArray> answerOf(const Request &request);
+    [[nodiscard]] std::optional<QByteArray> resultOf(const Request &request);
     [[nodiscard]] QByteArray initialize(Params &params);
     void endInput();
     void endOutput(const QString &reason);
@@ -63,6 +65,7 @@ private:
     Channel m_channel;
     Frames m_frames;
     Notifications m_notifications;
+    Checks m_checks;
     QQueue<Job> m_jobs;
     qsizetype m_jobsSize = 0;
     QTimer m_turn;
