@@ -57,7 +57,8 @@ void run(QByteArrayView input)
     const auto step = std::max<qsizetype>(static_cast<uchar>(input.front()), 1);
     const Cut whole = cut(input.sliced(1), std::max<qsizetype>(input.size(), 1));
     const Cut pieces = cut(input.sliced(1), step);
-    require(std::equal(whole.frames.begin(), whole.frames.end(), pieces.frames.begin(), pieces.frames.end(), isSame),
+    require(std::equal(whole.frames.begin(), whole.frames.end(), pieces.frames.begin(), pieces.frames.end(),
+                       isSame),
             "pieces make no difference");
     require(whole.isInFrame == pieces.isInFrame, "nor for what is unfinished");
     for (const ctl::Frame &frame : whole.frames) {

@@ -27,7 +27,7 @@ from typing import Any
 
 __all__ = [
     "Advice", "Change", "Closed", "Conflict", "Entry", "Failure", "Imported", "Loaded", "NotFound", "Plan", "Preset",
-    "Stamped", "Store", "VantleError", "open_store",
+    "Stamped", "Step", "Store", "VantleError", "open_store",
 ]
 
 PROTOCOL = 1
@@ -123,6 +123,16 @@ class Plan:
     def command(self) -> list[str]:
         """The arguments as they are to be run; not to be shown. Needs a plan with secrets."""
         return [self.secrets.get(index, text) for index, text in enumerate(self.arguments)]
+
+
+@dataclass(frozen=True)
+class Step:
+    """One step of a check; outcome is "ok" or "failed", and the first that failed is the last one."""
+
+    step: str
+    outcome: str
+    milliseconds: int
+    text: str
 
 
 @dataclass(frozen=True)
@@ -239,6 +249,11 @@ class Store:
         result = await self.call("plan", name=name, assignments=list(assignments), reveal=reveal, **options)
         return Plan(result["arguments"], result["notes"],
                     {secret["argument"]: secret["text"] for secret in result.get("secrets", [])})
+
+    async def check(self, name: str, *assignments: str, **options: Any) -> list[Step]:
+        """Asks the preset's server whether it is there. Options: output, authorityFile, limit (seconds a step)."""
+        result = await self.call("check", name=name, assignments=list(assignments), **options)
+        return [Step(**step) for step in result["steps"]]
 
     async def fields(self, kind: str) -> list[dict[str, Any]]:
         """What can be set in presets of a kind."""

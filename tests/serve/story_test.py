@@ -8,6 +8,7 @@ import asyncio
 import json
 import pathlib
 import resource
+import socket
 import subprocess
 import sys
 import tempfile
@@ -108,7 +109,7 @@ class Story(unittest.IsolatedAsyncioTestCase):
             await store.export("YouTube Premiere", self.data / "copy.json")
             self.assertEqual(json.loads((self.data / "copy.json").read_bytes())["streamKey"], "")
             self.assertIn("portNumber", {piece.place for piece in await store.advice("YouTube Premiere")})
-            self.assertIn("passphrase", {f["field"] for f in await store.fields("SRT")} | {"passphrase"})
+            self.assertIn("audioSettings.0.language", {known["field"] for known in await store.fields("SRT")})
 
     async def test_what_is_refused_changes_nothing(self):
         self.put("Venue Uplink")
@@ -230,6 +231,22 @@ class Story(unittest.IsolatedAsyncioTestCase):
             await mirror.wait_for(lambda mirror: any(
                 isinstance(event, vantle.Failure) and event.name == "Show" and event.has_ended for event in mirror.told))
         self.assertEqual(self.document("Show")["portNumber"], 2)
+
+    async def test_a_server_is_checked_while_other_requests_go_on(self):
+        self.put("Venue Uplink", "Show")
+        with socket.create_server(("127.0.0.1", 0)) as server:  # that says nothing
+            address = f"rtmp://127.0.0.1:{server.getsockname()[1]}/live/key"
+            async with self.open() as store:
+                check = asyncio.create_task(store.check("Show", output=address, limit=DEADLINE))
+                self.assertEqual(len(await store.presets()), 1)
+                self.assertFalse(check.done())
+                others = [asyncio.create_task(store.check("Show", output=address, limit=DEADLINE)) for _ in range(8)]
+                await self.refused(others[-1], "tooMany")
+                for task in (check, *others[:-1]):
+                    task.cancel()
+                steps = await store.check("Show", output=address, limit=0.1)
+                self.assertEqual([(step.step, step.outcome) for step in steps],
+                                 [("name look-up", "ok"), ("TCP", "ok"), ("RTMP handshake", "failed")])
 
     async def test_a_store_that_cannot_be_opened_says_why(self):
         self.folder.parent.mkdir(parents=True)
