@@ -59,7 +59,12 @@ vantle_package(
 vantle_package(
   tools vantlepresets video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor and tools"
   "The editor vantle, the command line vantlectl, and vrxwatch, which tells what changes in a folder.")
+vantle_package(
+  python python3-vantle python "python3 (>= 3.10), vantlepresets ${same_version}"
+  "live-streaming presets: module for Python"
+  "The store of live-streaming presets for programs in Python, by way of the helper vantlectl serve.")
 set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/postinst"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/postrm")
 # What packages of hosts depend on follows from the symbols that they use; packaging/symbols keeps the files.

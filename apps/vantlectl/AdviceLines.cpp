@@ -50,9 +50,14 @@ void writeAdvice(document::DocumentWriter &writer, const QList<Advice> &advice)
     writer.endArray();
 }
 
+QList<Advice> adviceOn(const VantlePreset &preset, const std::filesystem::path &file)
+{
+    return ofDocument(file, adviceForTexts) + adviceFor(preset);
+}
+
 void tellAdvice(const VantlePreset &preset, const std::filesystem::path &file)
 {
-    for (const Advice &piece : ofDocument(file, adviceForTexts) + adviceFor(preset))
+    for (const Advice &piece : adviceOn(preset, file))
         complain(adviceLine(piece));
 }
 

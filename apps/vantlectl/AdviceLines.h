@@ -19,11 +19,13 @@ namespace vantle::ctl {
 /// On a preset file that could be read a moment ago; nothing when it can't be any more.
 [[nodiscard]] QList<Advice> adviceOnFile(const std::filesystem::path &file);
 
+/// On a preset, and what its file alone tells; the preset may have been changed since it was read.
+[[nodiscard]] QList<Advice> adviceOn(const VantlePreset &preset, const std::filesystem::path &file);
+
 /// Writes the member "advice", an array of objects.
 void writeAdvice(document::DocumentWriter &writer, const QList<Advice> &advice);
 
-/// Complains of each piece of advice on the preset, and of what its file alone tells; the preset may have
-/// been changed since it was read.
+/// Complains of each piece of adviceOn().
 void tellAdvice(const VantlePreset &preset, const std::filesystem::path &file);
 /// Complains of each piece of advice on a file, which the lines name.
 void tellAdviceOnFile(const std::filesystem::path &file);

@@ -32,6 +32,7 @@ void addSetCommand(CLI::App &app, Command &chosen);
 void addFieldCommands(CLI::App &app, Command &chosen);
 void addTransferCommands(CLI::App &app, Command &chosen);
 void addWatchCommand(CLI::App &app, Command &chosen);
+void addServeCommand(CLI::App &app, Command &chosen);
 
 /// Accepts the labels of the six kinds.
 [[nodiscard]] CLI::Validator kindLabel();

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Command.h"
+#include "apps/vantlectl/FieldTable.h"
 #include "apps/vantlectl/Table.h"
 
 #include "VantlePresets/document/DocumentWriter.h"
-#include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/PresetSchema.h"
+#include "VantlePresets/model/StreamingType.h"
 
 #include <memory>
 
@@ -20,50 +21,6 @@ struct Options
     bool json = false;
 };
 
-/// A field as an assignment names it.
-struct Assignable
-{
-    QString path;
-    Field field;
-};
-
-/// What presets of the kind keep and `set` can change.
-QList<Assignable> assignableFields(StreamingType type)
-{
-    QList<Assignable> list;
-    const auto add = [&list](const QString &prefix, const Field &field) {
-        if (field.isAssignable())
-            list.append({prefix + field.key(), field});
-    };
-    for (const Field &field : presetFields(type)) {
-        if (field.isKept(type))
-            add({}, field);
-    }
-    for (const Field &field : VideoSettings::fields())
-        add(u"videoSettings.0."_s, field);
-    for (const Field &field : AudioSettings::fields())
-        add(u"audioSettings.0."_s, field);
-    return list;
-}
-
-QString typeText(const Field &field)
-{
-    switch (field.type()) {
-    case Field::Type::integer:
-        return u"integer"_s;
-    case Field::Type::number:
-        return u"number"_s;
-    case Field::Type::boolean:
-        return u"boolean"_s;
-    case Field::Type::choice:
-        return u"choice"_s;
-    case Field::Type::integers:
-        return u"integers"_s;
-    default:
-        return u"text"_s;
-    }
-}
-
 QString valuesText(const Field &field)
 {
     if (field.type() == Field::Type::choice)
@@ -76,46 +33,20 @@ QString valuesText(const Field &field)
     return parts.join(u' ');
 }
 
-QByteArray asJson(const Assignable &assignable)
-{
-    const Field &field = assignable.field;
-    return document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
-        writer.beginObject();
-        writer.string("field", assignable.path);
-        writer.string("label", field.label());
-        writer.string("type", typeText(field));
-        if (field.type() == Field::Type::choice) {
-            writer.key("choices");
-            writer.beginArray();
-            for (const QString &choice : field.choices())
-                writer.string(choice);
-            writer.endArray();
-        }
-        if (field.minimum())
-            writer.integer("minimum", *field.minimum());
-        if (field.maximum())
-            writer.integer("maximum", *field.maximum());
-        if (!field.unit().isEmpty())
-            writer.string("unit", field.unit());
-        if (!field.keptWhile().isEmpty())
-            writer.string("keptWhile", field.keptWhile());
-        writer.boolean("isSecret", field.isSecret());
-        writer.endObject();
-    });
-}
-
 ExitCode fields(const Options &options, Output &out)
 {
     const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
     Table table(QString{});
-    for (const Assignable &assignable : assignableFields(type)) {
+    for (const AssignableField &assignable : assignableFields(type)) {
         if (options.json) {
-            out.bytes(asJson(assignable));
+            out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
+                writeField(writer, assignable);
+            }));
             out.line();
         } else if (options.namesOnly) {
             out.line(assignable.path);
         } else {
-            table.add({assignable.path, assignable.field.label(), typeText(assignable.field),
+            table.add({assignable.path, assignable.field.label(), fieldTypeText(assignable.field),
                        valuesText(assignable.field)});
         }
     }

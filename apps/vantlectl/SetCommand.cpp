@@ -2,9 +2,8 @@
 #include "apps/vantlectl/AdviceLines.h"
 #include "apps/vantlectl/Assignments.h"
 #include "apps/vantlectl/NamedPreset.h"
+#include "apps/vantlectl/Positions.h"
 #include "apps/vantlectl/StoreSession.h"
-
-#include <QtCore/QHash>
 
 #include <utility>
 
@@ -18,55 +17,6 @@ struct Options : StoreOptions
     std::string name;
     std::vector<std::string> assignments;
     bool forService = false;
-};
-
-/// The renditions and tracks that assignments name by their position, as they were when the user looked.
-class Positions
-{
-public:
-    explicit Positions(const VantlePreset &preset) : m_lists(listsOf(preset)) {}
-
-    /// Refuses an assignment whose position is another rendition's or track's in the preset as it is now.
-    void require(const VantlePreset &preset, const QList<Assignment> &assignments) const
-    {
-        const auto present = listsOf(preset);
-        for (const Assignment &assignment : assignments) {
-            const QStringList parts = assignment.path().split(u'.');
-            bool isPosition = false;
-            const qsizetype position = parts.size() > 1 ? parts[1].toInt(&isPosition) : 0;
-            if (isPosition && isAnother(m_lists.value(parts[0]), present.value(parts[0]), position))
-                throw AssignmentError(assignment.path(), u"another process has changed the list meanwhile"_s);
-        }
-    }
-
-private:
-    using Lists = QHash<QString, QByteArrayList>;
-
-    static bool isAnother(const QByteArrayList &before, const QByteArrayList &now, qsizetype position)
-    {
-        if (position >= before.size() || position >= now.size()) // one that this command adds
-            return before.size() != now.size();
-        if (before[position] == now[position])
-            return false;
-        return before.size() != now.size() || now.contains(before[position]);
-    }
-
-    template <class Settings>
-    static QByteArrayList textsOf(const QList<std::shared_ptr<Settings>> &list)
-    {
-        QByteArrayList texts;
-        for (const auto &settings : list)
-            texts.append(settings->encoded(document::Format::compact));
-        return texts;
-    }
-
-    static Lists listsOf(const VantlePreset &preset)
-    {
-        return {{u"videoSettings"_s, textsOf(preset.videoSettings())},
-                {u"audioSettings"_s, textsOf(preset.audioSettings())}};
-    }
-
-    const Lists m_lists;
 };
 
 /// Without those of renditions and tracks.

@@ -87,6 +87,7 @@ ExitCode run(int argc, char **argv)
     addFieldCommands(app, chosen);
     addTransferCommands(app, chosen);
     addWatchCommand(app, chosen);
+    addServeCommand(app, chosen);
 
     if (argc > 1 && *argv[1] != '-' && isUnknownCommand(app, argv[1]))
         return ExitCode::usage;

@@ -79,5 +79,24 @@ TEST_F(CommandLineHost, FollowsTheListOnTheLoopOfGlib)
     EXPECT_EQ(host.finish(), 0);
 }
 
+TEST_F(CommandLineHost, FollowsAndEditsThroughAHelperWithoutQt)
+{
+    const std::string field = "portNumber=9001";
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{GLIB_CLIENT, VANTLECTL, m_data.path(), "Remote Contribution", field},
+          {"/usr/bin/env", "PYTHONPATH=" PYTHON_FOLDER, PYTHON, FOLLOW_PY, "--data-dir", m_data.path(),
+           "--program", VANTLECTL, "Remote Contribution", field}}) {
+        std::filesystem::remove(m_data.path("Orvalle/Streaming Presets/YouTube Premiere.json"));
+        ChildProcess host(command);
+        EXPECT_EQ(host.receive(), "presets: Remote Contribution");
+        EXPECT_EQ(host.receive(), "changed: Remote Contribution");
+        EXPECT_EQ(host.receive(), "presets: Remote Contribution");
+        putSample("YouTube Premiere");
+        EXPECT_EQ(host.receive(), "presets: Remote Contribution, YouTube Premiere");
+        ::kill(host.id(), SIGTERM);
+        EXPECT_EQ(host.finish(), 0);
+    }
+}
+
 } // namespace
 } // namespace vantle::test

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "apps/vantlectl/serve/Methods.h"
+
+#include "VantlePresets/core/EnumerationTable.h"
+#include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/NameRules.h"
+
+#include <array>
+
+namespace vantle::ctl {
+
+using namespace Qt::StringLiterals;
+
+std::span<const Method> storeMethods()
+{
+    static constexpr std::array kMethods{
+        Method{"list", listPresets},
+        Method{"get", getPreset},
+        Method{"set", setPreset},
+        Method{"add", addPreset},
+        Method{"duplicate", duplicatePreset},
+        Method{"rename", renamePreset},
+        Method{"remove", removePreset},
+        Method{"import", importPresets},
+        Method{"export", exportPreset},
+        Method{"advice", advise},
+        Method{"plan", planPreset},
+        Method{"fields", listFields},
+    };
+    return kMethods;
+}
+
+StreamingType kindOf(const QString &label)
+{
+    if (const auto type = streamingTypes().fromText(label))
+        return *type;
+    throw ServeError(ErrorCode::invalidParams, "no kind of preset: "_L1 + label,
+                     ObjectText().text("parameter", u"kind"_s).texts("choices", streamingTypes().texts()));
+}
+
+QString freeName(ServedStore &store, const QString &name)
+{
+    const QString trimmed = trimmedName(name);
+    const bool isPossible = !trimmed.isEmpty() && !trimmed.contains(u'/') && !trimmed.contains(QChar(0)) &&
+                            !trimmed.startsWith(u'.');
+    const bool isTaken = isPossible && store.manager().presetWithName(trimmed);
+    if (isPossible && !isTaken)
+        return trimmed;
+    throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
+                     ObjectText().text("name", trimmed).flag("isTaken", isTaken));
+}
+
+std::shared_ptr<VantlePreset> presetOfDocument(const QByteArray &document)
+{
+    try {
+        return decodePreset(document);
+    } catch (const DecodingError &error) {
+        throw ServeError(ErrorCode::invalidDocument, error.message(),
+                         ObjectText().text("place", error.place()).text("reason", error.description()));
+    }
+}
+
+std::shared_ptr<VantlePreset> copyOf(const VantlePreset &preset)
+{
+    auto copy = decodePreset(preset.encoded(document::Format::compact));
+    copy->setName(preset.name());
+    return copy;
+}
+
+QList<Assignment> assignmentsOf(const QStringList &texts)
+{
+    QList<Assignment> assignments;
+    for (const QString &text : texts) {
+        const auto assignment = Assignment::parse(text);
+        if (!assignment) // not repeated: it may hold a secret
+            throw ServeError(ErrorCode::invalidValue,
+                             u"assignment %1 is none: not an assignment such as portNumber=1936"_s.arg(
+                                 assignments.size() + 1),
+                             ObjectText().number("assignment", assignments.size()));
+        assignments.append(*assignment);
+    }
+    return assignments;
+}
+
+QStringList applyAssignments(const QList<Assignment> &assignments, VantlePreset &preset)
+{
+    QStringList limitations;
+    for (qsizetype i = 0; i < assignments.size(); ++i) {
+        const Assignment &assignment = assignments[i];
+        try {
+            assignment.apply(preset);
+        } catch (const AssignmentError &error) {
+            throw ServeError(ErrorCode::invalidValue, QString::fromUtf8(error.what()),
+                             ObjectText().number("assignment", i).text("field", assignment.path()));
+        }
+        if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
+            limitations.append(assignment.path() + ": "_L1 + limitation);
+    }
+    return limitations;
+}
+
+} // namespace vantle::ctl
