@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/LogSink.h"
 
 #include <QtCore/QString>
@@ -12,6 +13,6 @@ namespace vantle {
 void logLine(const QString &line);
 
 /// The text with every control character (C0, DEL, C1, line and paragraph separator) as a \u escape.
-[[nodiscard]] QString escapedControls(const QString &text);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString escapedControls(const QString &text);
 
 } // namespace vantle
