@@ -69,7 +69,7 @@ void print(const Arguments &arguments, const Options &options, Output &out)
 
 ExitCode ffmpeg(const Options &options, Output &out)
 {
-    const auto assignments = parseAssignments(options.assignments);
+    const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);
@@ -98,7 +98,6 @@ void addFfmpegCommand(CLI::App &app, Command &chosen)
         "with 1. Assignments are those of `set` and hold for this command only: RTMP, Wowza and SRT\n"
         "files keep no stream key, so give it with streamKey=@- or streamKey=@FILE.");
     const auto options = std::make_shared<Options>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_option("PRESET", options->preset, kPresetArgumentHelp)->required();
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");

@@ -98,8 +98,16 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
              {{"set", "A", "videoSettings.+"}, 1, "RTMP presets keep"},
              {{"set", "A", "streamKey=s3cret"}, 1, "streamKey: not kept in the files of RTMP presets"},
              {{"set", "A", "authenticationPassword=s3cret"}, 1, "only while authenticate is true"},
-             {{"rename", "A", "B"}, 1, "invalid or already taken"},
-             {{"rename", "A", " "}, 1, "invalid or already taken"},
+             {{"set", "A", "streamKey=@-", "application=@-"}, 2, "standard input is read for something else"},
+             {{"ffmpeg", "-", "streamKey=@-"}, 2, "standard input is read for something else"},
+             {{"set", "A", "streamKey=@-"}, 1, "streamKey: there is no text to read"},
+             {{"set", "A", "audioSettings[0].name=x"}, 1, "audioSettings.0.name: no such field"},
+             {{"rename", "A", "B"}, 1, "a preset named \"B\" exists"},
+             {{"rename", "A", " "}, 1, "can't be empty"},
+             {{"rename", "A", ".b"}, 1, "would be hidden"},
+             {{"rename", "A", "x/y"}, 1, "can't hold \"/\""},
+             {{"add", "HLS", "--name", ".x"}, 1, "would be hidden"},
+             {{"add", "HLS", "--name", std::string(300, 'x')}, 1, "File name too long"},
              {{"remove", "C"}, 1, "there is no preset named \"C\""},
              {{"add", "hls"}, 2, "KIND"},
              {{"list", "--kind", "Video"}, 2, "--kind"},
@@ -111,6 +119,9 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
         EXPECT_EQ(refused.output, "");
         EXPECT_EQ(contentOf("A"), before);
     }
+    const Finished renamed = ctl({"rename", "A", std::string(300, 'x')});
+    EXPECT_EQ(renamed.exitCode, 1);
+    EXPECT_EQ(renamed.output, "A\n"); // the name that it still has
     const Finished below = ctl({"set", "A", "videoSettings.0.bitRate=-5"});
     EXPECT_EQ(below.exitCode, 0);
     EXPECT_TRUE(below.errors.contains("videoSettings.0.bitRate: -5 is below zero, set to 0"));
