@@ -24,7 +24,8 @@ void StoreOptions::addTo(CLI::App &command)
     command
         .add_option("--data-dir", dataDirectory,
                     "The data directory in place of VANTLE_DATA_DIR or the machine-wide one")
-        ->check(dataDirectoryFault);
+        ->check(dataDirectoryFault)
+        ->take_last(); // an alias may bring one
     command.add_flag("--json", json, "For machines: one JSON object per line");
 }
 

@@ -83,7 +83,7 @@ TEST_F(Backups, AreNeverMoreOpenThanThePresets)
         {"ctl export --all \"$store\"", ": these are the presets themselves\n"},
         {"mkdir empty; ctl import empty", "no preset files in empty\n"},
         {"echo broken >\"$store/Bad.json\"; ctl export --all all", "Error loading Preset Bad"},
-        {"mkdir -p 'al/My SRT.json'; rm \"$store/Bad.json\"; ctl export --all all",
+        {"mkdir -p 'al/My SRT.json'; rm \"$store/Bad.json\"; ctl export --all al",
          "My SRT.json: Is a directory\n"},
     };
     for (const auto &row : rows) {

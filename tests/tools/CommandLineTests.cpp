@@ -37,6 +37,7 @@ TEST_F(CommandLine, OptionsStandAnywhereAndTheFolderMayComeFromTheEnvironment)
              "ctl --names --data-dir data list",
              "export VANTLE_DATA_DIR=data; ctl list --names",
              "export VANTLE_DATA_DIR=/nowhere; ctl list --names --data-dir data",
+             "ctl --data-dir /nowhere list --names --data-dir data",
          }) {
         const Finished listed = run(text);
         EXPECT_EQ(listed.exitCode, 0) << text;

@@ -41,6 +41,7 @@ TEST(VrxwatchTest, EndsWithAStatusThatSaysWhy)
         {{"--version"}, 0},
         {{"--help"}, 0},
         {{}, 2},
+        {{""}, 2},
         {{"--nonsense", "/"}, 2},
         {{"/", "--backend", "x"}, 2},
         {{"/nowhere"}, 1},
