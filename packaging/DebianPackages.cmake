@@ -11,6 +11,9 @@ set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# For packages of hosts whose tools know no symbols files.
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # So that a package's own libraries are found among the files of the others.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -18,7 +21,7 @@ set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/CompressDocuments.cmake")
 set(same_version "(= ${PROJECT_VERSION}-1)")
 
 # vantle_package(COMPONENT NAME SECTION DEPENDS SUMMARY DESCRIPTION): every package has a copyright file and a
-# changelog.
+# changelog, and the reasons for what lintian finds, if there is something.
 function(vantle_package component name section depends summary description)
   string(TOUPPER ${component} key)
   foreach(
@@ -38,24 +41,35 @@ function(vantle_package component name section depends summary description)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name}
     RENAME changelog.Debian
     COMPONENT ${component})
+  set(overrides "${PROJECT_SOURCE_DIR}/packaging/debian/${name}/lintian-overrides")
+  if(EXISTS "${overrides}")
+    install(
+      FILES "${overrides}"
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+      RENAME ${name}
+      COMPONENT ${component})
+  endif()
 endfunction()
 
 vantle_package(common vantlepresets-common misc "passwd" "live-streaming presets: the machine's presets folder"
-               "The folder in which all users of a machine keep their presets, the group that may, and the pictures.")
+               "The folder in which all users of a machine keep their presets, the group\n that may, and the pictures.")
 vantle_package(
   libraries libvantlepresets0 libs "vantlepresets-common ${same_version}" "live-streaming presets: libraries"
-  "Presets with their video and audio settings, the store that keeps them, and a folder watcher.")
+  "Presets with their video and audio settings, the store that keeps them, and\n a folder watcher.")
 vantle_package(
   editor libvantlepresetseditor0 libs "libvantlepresets0 ${same_version}" "live-streaming presets: editor window"
-  "The window in which users create and edit presets, for applications with Qt Widgets.")
+  "The window in which users create and edit presets, for applications with Qt\n Widgets.")
 vantle_package(
   development libvantlepresets-dev libdevel
   "libvantlepresets0 ${same_version}, libvantlepresetseditor0 ${same_version}, qt6-base-dev"
   "live-streaming presets: development files"
-  "Headers, and what CMake and pkg-config have to know, for applications that embed presets.")
+  "Headers, and what CMake and pkg-config have to know, for applications that\n embed presets.")
 vantle_package(
-  tools vantlepresets video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor and tools"
-  "The editor vantle, the command line vantlectl, and vrxwatch, which tells what changes in a folder.")
+  tools vantle-tools video "libvantlepresets0 ${same_version}" "live-streaming presets: command line"
+  "The command line vantlectl, and vrxwatch, which tells what changes in a\n folder. For machines without a desktop, too.")
+vantle_package(
+  program vantle video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor"
+  "The program in which users of a desktop create and edit presets.")
 set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/postinst"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/postrm")
@@ -64,5 +78,6 @@ set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debi
                                                  "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresets0/symbols")
 set(CPACK_DEBIAN_EDITOR_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/triggers"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/libvantlepresetseditor0/symbols")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ffmpeg, qt6-wayland")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "ffmpeg")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS "qt6-wayland")
 include(CPack)

@@ -8,13 +8,13 @@
 
 namespace vantle {
 
-/// The data directory that a program was told to work in: by its option, else by VANTLE_DATA_DIR. Nothing for
+/// The data directory that was chosen for a program: by its option, else by VANTLE_DATA_DIR. Nothing for
 /// the machine-wide one.
-inline std::optional<QString> toldDataDirectory(const std::string &option)
+inline std::optional<QString> chosenDataDirectory(const std::string &option)
 {
-    const QString told =
+    const QString chosen =
         option.empty() ? qEnvironmentVariable("VANTLE_DATA_DIR") : QString::fromStdString(option);
-    return told.isEmpty() ? std::nullopt : std::optional(told);
+    return chosen.isEmpty() ? std::nullopt : std::optional(chosen);
 }
 
 /// What is wrong with the option's value; "" when nothing is. A variable of a script that is not set must not

@@ -113,7 +113,7 @@ int run(const Options &options)
     QCoreApplication::setApplicationName(u"Vantle"_s);
     QGuiApplication::setDesktopFileName(u"vantle"_s);
 
-    const std::optional<QString> directory = toldDataDirectory(options.dataDirectory);
+    const std::optional<QString> directory = chosenDataDirectory(options.dataDirectory);
     const auto manager = directory ? std::make_shared<PresetsManager>([&] { return QStringList{*directory}; })
                                    : std::make_shared<PresetsManager>();
     const bool isPicture = !options.screenshot.empty();

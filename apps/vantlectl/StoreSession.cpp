@@ -31,7 +31,7 @@ void StoreOptions::addTo(CLI::App &command)
 
 QString StoreOptions::directory() const
 {
-    return toldDataDirectory(dataDirectory).value_or(machineDataDirectories().constFirst());
+    return chosenDataDirectory(dataDirectory).value_or(machineDataDirectories().constFirst());
 }
 
 namespace {

@@ -100,6 +100,7 @@ ExitCode run(int argc, char **argv)
                  "vantlectl");
     app.set_version_flag("--version", "vantlectl " VANTLE_VERSION);
     app.require_subcommand(1);
+    app.footer("Options may stand before and behind the subcommand. VANTLE_DATA_DIR stands for --data-dir.");
     Command chosen;
     addValidateCommand(app, chosen);
     addShowCommand(app, chosen);

@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/PresetFactory.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/FinishedProcess.h"
-#include "tests/support/PresetDocuments.h"
-#include "tests/support/QtPrinters.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/tools/ScriptTest.h"
 
 #include <QtCore/QVariant>
 
@@ -16,7 +10,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// A store with a preset of each kind, in a folder in which scripts run.
-class Backups : public testing::Test
+class Backups : public ScriptTest
 {
 protected:
     void SetUp() override
@@ -28,20 +22,17 @@ protected:
             "cd \"$store\"; chmod 600 'My SRT.json'; chmod 640 'My HLS.json'; chmod 664 'My YouTube.json'");
     }
 
-    [[nodiscard]] Finished run(const std::string &text) const
+    [[nodiscard]] Finished runHere(const std::string &text) const
     {
-        return runProcess({"/bin/sh", "-ec",
-                           "cd '" + m_folder.path() +
-                               "'; umask 022; ctl() { " VANTLECTL
-                               " --quiet --data-dir \"$PWD/data\" \"$@\"; };"
-                               "store=\"$PWD/data/Orvalle/Streaming Presets\";"
-                               "look() { (cd \"$1\"; stat -c '%n %a %s' *; cat *); };" +
-                               text});
+        return run("ctl() { " VANTLECTL " --quiet --data-dir \"$PWD/data\" \"$@\"; };"
+                   "store=\"$PWD/data/Orvalle/Streaming Presets\";"
+                   "look() { (cd \"$1\"; stat -c '%n %a %s' *; cat *); };" +
+                   text);
     }
 
     void script(const std::string &text) const
     {
-        const Finished finished = run(text);
+        const Finished finished = runHere(text);
         EXPECT_EQ(finished.exitCode, 0) << text << finished.errors.toStdString();
         EXPECT_EQ(finished.output + finished.errors, "") << text;
     }
@@ -50,8 +41,6 @@ protected:
     {
         return readPresetFile(m_folder.path("data/Orvalle/Streaming Presets") / (name + ".json"));
     }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(Backups, BringEveryFileBackAsItWas)
@@ -64,7 +53,7 @@ TEST_F(Backups, BringEveryFileBackAsItWas)
            "ctl import --replace backup; rm \"$store/Another.json\"; ls \"$store\" | wc -l | grep -qx 6;"
            "(cd \"$store\"; cat *) >after; (rm -r data; mkdir data; ctl import backup; cd \"$store\"; cat *) "
            ">again;"
-           "cmp after again");
+           "cmp after again; ctl rename 'My SRT' Mine; test $(stat -c %a \"$store/Mine.json\") = 600");
 }
 
 TEST_F(Backups, AreNeverMoreOpenThanThePresets)
@@ -87,7 +76,7 @@ TEST_F(Backups, AreNeverMoreOpenThanThePresets)
          "My SRT.json: Is a directory\n"},
     };
     for (const auto &row : rows) {
-        const Finished refused = run(row.text);
+        const Finished refused = runHere(row.text);
         EXPECT_EQ(refused.exitCode, 1) << row.text;
         EXPECT_TRUE(refused.errors.contains(row.reason)) << row.text << refused.errors.toStdString();
     }

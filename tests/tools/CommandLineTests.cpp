@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/FinishedProcess.h"
-#include "tests/support/QtPrinters.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/tools/ScriptTest.h"
 
 namespace vantle::test {
 namespace {
 
 /// Scripts in a folder with the store "data", which has the presets "A b" (SRT) and H (HLS).
-class CommandLine : public testing::Test
+class CommandLine : public ScriptTest
 {
 protected:
     void SetUp() override
@@ -18,14 +14,6 @@ protected:
             run("ctl add SRT --name 'A b' --data-dir data; ctl add HLS --name H --data-dir data").exitCode,
             0);
     }
-
-    [[nodiscard]] Finished run(const std::string &text) const
-    {
-        return runProcess(
-            {"/bin/sh", "-ec", "cd '" + m_folder.path() + "'; ctl() { " VANTLECTL " \"$@\"; };" + text});
-    }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(CommandLine, OptionsStandAnywhereAndTheFolderMayComeFromTheEnvironment)

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/FinishedProcess.h"
-#include "tests/support/QtPrinters.h"
 #include "tests/support/SecretDocuments.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/tools/ScriptTest.h"
 
 #include <thread>
 
@@ -14,7 +10,7 @@ namespace vantle::test {
 namespace {
 
 /// Shell scripts in a folder that has a.json, a YouTube preset with secrets; it is the store's preset A too.
-class Outputs : public testing::Test
+class Outputs : public ScriptTest
 {
 protected:
     void SetUp() override
@@ -30,15 +26,10 @@ protected:
 
     [[nodiscard]] Finished script(const std::string &text) const
     {
-        return runProcess({"/bin/sh", "-ec",
-                           "cd '" + m_folder.path() +
-                               "'; umask 022; ctl() { " VANTLECTL " \"$@\"; };"
-                               "put() { ctl export --data-dir data \"$@\"; };"
-                               "mode() { stat -c %a \"$1\"; }; cp YouTube.json a.json;" +
-                               text});
+        return run("put() { ctl export --data-dir data \"$@\"; }; mode() { stat -c %a \"$1\"; };"
+                   "cp YouTube.json a.json;" +
+                   text);
     }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(Outputs, GoWhereTheUserPoints)
