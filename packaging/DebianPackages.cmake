@@ -21,13 +21,13 @@ set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/CompressDocuments.cmake")
 set(same_version "(= ${PROJECT_VERSION}-1)")
 
 # vantle_package(COMPONENT NAME SECTION DEPENDS SUMMARY DESCRIPTION): every package has a copyright file and a
-# changelog, and the reasons for what lintian finds, if there is something.
+# changelog, and the reasons for what lintian finds in it.
 function(vantle_package component name section depends summary description)
   string(TOUPPER ${component} key)
   foreach(
     setting
     "PACKAGE_NAME;${name}" "PACKAGE_SECTION;${section}" "PACKAGE_DEPENDS;${depends}"
-    "DESCRIPTION;${summary}\n ${description}")
+    "DESCRIPTION;${summary}\n${description}")
     list(GET setting 0 variable)
     list(GET setting 1 value)
     set(CPACK_DEBIAN_${key}_${variable} "${value}" PARENT_SCOPE)
@@ -42,34 +42,35 @@ function(vantle_package component name section depends summary description)
     RENAME changelog.Debian
     COMPONENT ${component})
   set(overrides "${PROJECT_SOURCE_DIR}/packaging/debian/${name}/lintian-overrides")
-  if(EXISTS "${overrides}")
-    install(
-      FILES "${overrides}"
-      DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
-      RENAME ${name}
-      COMPONENT ${component})
+  if(NOT EXISTS "${overrides}")
+    set(overrides "${PROJECT_SOURCE_DIR}/packaging/debian/lintian-overrides")
   endif()
+  install(
+    FILES "${overrides}"
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+    RENAME ${name}
+    COMPONENT ${component})
 endfunction()
 
 vantle_package(common vantlepresets-common misc "passwd" "live-streaming presets: the machine's presets folder"
-               "The folder in which all users of a machine keep their presets, the group\n that may, and the pictures.")
+               "The folder in which all users of a machine keep their presets, the group\nthat may, and the pictures.")
 vantle_package(
   libraries libvantlepresets0 libs "vantlepresets-common ${same_version}" "live-streaming presets: libraries"
-  "Presets with their video and audio settings, the store that keeps them, and\n a folder watcher.")
+  "Presets with their video and audio settings, the store that keeps them, and\na folder watcher.")
 vantle_package(
   editor libvantlepresetseditor0 libs "libvantlepresets0 ${same_version}" "live-streaming presets: editor window"
-  "The window in which users create and edit presets, for applications with Qt\n Widgets.")
+  "The window in which users create and edit presets, for applications with Qt\nWidgets.")
 vantle_package(
   development libvantlepresets-dev libdevel
   "libvantlepresets0 ${same_version}, libvantlepresetseditor0 ${same_version}, qt6-base-dev"
   "live-streaming presets: development files"
-  "Headers, and what CMake and pkg-config have to know, for applications that\n embed presets.")
+  "Headers, and what CMake and pkg-config have to know, for applications that\nembed presets.")
 vantle_package(
   tools vantle-tools video "libvantlepresets0 ${same_version}" "live-streaming presets: command line"
-  "The command line vantlectl, and vrxwatch, which tells what changes in a\n folder. For machines without a desktop, too.")
+  "The command line vantlectl, and vrxwatch, which tells what changes in a\nfolder. For machines without a desktop, too.")
 vantle_package(
   program vantle video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor"
-  "The program in which users of a desktop create and edit presets.")
+  "The program in which users of a desktop create and edit presets: where a\nstream goes, its video renditions and its audio tracks. Video applications of\nthe same machine use them as soon as they are saved.")
 set(CPACK_DEBIAN_COMMON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA "${CMAKE_CURRENT_LIST_DIR}/debian/postinst"
                                               "${CMAKE_CURRENT_LIST_DIR}/debian/postrm")
