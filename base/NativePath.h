@@ -10,13 +10,13 @@
 #include <string_view>
 
 // Inside the watcher a path is what the kernel says: bytes, which need not be UTF-8. Not installed: what is
-// exported here is for the presets library alone.
+// exported here is for the presets library and vrxwatch alone.
 namespace vantle {
 
 /// The bytes of a path; empty when the text can't be encoded.
 std::string nativePath(const QString &path);
 
-QString displayPath(std::string_view path);
+VANTLE_WATCHFOLDER_EXPORT QString displayPath(std::string_view path);
 
 /// The file URL of a path. Bytes that are not UTF-8 stay percent-encoded, so that no two paths share a URL.
 QUrl urlForNativePath(std::string_view path);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/core/LogSink.h"
 
 #include <QtCore/QString>

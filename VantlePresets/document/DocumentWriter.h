@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/document/DocumentFormat.h"
 
 #include <QtCore/QByteArray>
@@ -24,8 +25,8 @@ public:
     virtual void key(const char *name) = 0;
 
     virtual void integer(const char *name, qint64 value) = 0;
-    /// Throws EncodingError when the value is infinite or not a number. The text is the shortest that
-    /// reads back as the same value, 30 as "30.0".
+    /// Throws EncodingError when the value is infinite or not a number. The text reads back as the same
+    /// value; 30 is "30.0".
     virtual void number(const char *name, double value) = 0;
     virtual void boolean(const char *name, bool value) = 0;
     /// A lone surrogate, which UTF-8 cannot hold, is written as U+FFFD.
@@ -41,7 +42,8 @@ protected:
 };
 
 /// The UTF-8 text of what `write` writes. Passes on what it throws.
-[[nodiscard]] QByteArray encode(Format format, const std::function<void(DocumentWriter &)> &write);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QByteArray encode(Format format,
+                                                      const std::function<void(DocumentWriter &)> &write);
 
 /// A hash of what `write` writes: equal for equal texts, without making the text, if strings of one key come
 /// in one encoding. Of this process only, not to be stored. Passes on what `write` throws.

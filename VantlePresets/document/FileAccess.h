@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 #include <QtCore/QString>
@@ -26,10 +28,10 @@ enum class FileFault {
     badName,        ///< an empty name, or one that would leave its folder ("/", NUL, ".", "..")
     noTemporary,    ///< all names that were tried for a temporary file are taken
 };
-[[nodiscard]] std::error_code make_error_code(FileFault fault);
+[[nodiscard]] VANTLE_PRESETS_EXPORT std::error_code make_error_code(FileFault fault);
 
 /// The path in the file system's bytes. Names are UTF-8 in every locale.
-[[nodiscard]] std::filesystem::path fileSystemPath(const QString &path);
+[[nodiscard]] VANTLE_PRESETS_EXPORT std::filesystem::path fileSystemPath(const QString &path);
 
 /// Which file a content was read from or written to: another file at the path, or another content of the
 /// same one, has another stamp, whatever dates it was given. The change time also moves when the file's mode,
@@ -69,7 +71,8 @@ private:
 /// whose what() is the bare reason ("Permission denied"), with a FileFault or the system's code.
 /// Callable from any thread.
 /// The stamp, when wanted, is taken before the content.
-[[nodiscard]] QByteArray readFile(const std::filesystem::path &path, FileStamp *stamp = nullptr);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QByteArray readFile(const std::filesystem::path &path,
+                                                        FileStamp *stamp = nullptr);
 
 /// Reads many files of one folder as readFile() does, without looking the folder up each time. Callable from
 /// any thread, from several at once.
@@ -92,11 +95,11 @@ private:
 
 /// Reads to the end of an open descriptor. Throws std::system_error, with FileFault::tooLarge for what is
 /// larger than a file may be. Callable from any thread.
-[[nodiscard]] QByteArray readFully(int descriptor);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QByteArray readFully(int descriptor);
 
 /// Writes all of it to an open descriptor; a full pipe is waited for, also where the descriptor does not
 /// block. Throws std::system_error. Callable from any thread.
-void writeFully(int descriptor, QByteArrayView content);
+VANTLE_PRESETS_EXPORT void writeFully(int descriptor, QByteArrayView content);
 
 /// Writes the file where it stands: readers may see half of it, and a failure leaves what was written so
 /// far. For callers whose contract says so; everything else uses StagedFile. Throws std::system_error.

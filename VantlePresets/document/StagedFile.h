@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/document/FileAccess.h"
 
 #include <chrono>
@@ -26,7 +27,7 @@ void renameToFreeName(int folder, const char *from, const char *to);
 /// writer's and nobody else's.
 ///
 /// Throws std::system_error as readFile() does. An object may move between threads but is used by one.
-class StagedFile
+class VANTLE_PRESETS_EXPORT StagedFile
 {
 public:
     enum class Access {

@@ -15,7 +15,7 @@ class ChoiceBox : public QComboBox
 public:
     explicit ChoiceBox(QWidget *parent = nullptr);
 
-    /// Replaces the choices; show() what is chosen afterwards.
+    /// Replaces the choices; showChoice() what is chosen afterwards.
     void setChoices(const QStringList &choices);
     /// Keeps room for the widest of these texts, whatever the choices are at the moment.
     void reserveWidthFor(const QStringList &texts);

@@ -99,7 +99,8 @@ struct Assignment::Data
     /// The rendition or track; null for the preset itself.
     [[nodiscard]] QObject *element(const VantlePreset &preset) const;
     [[nodiscard]] std::optional<Field> field(const VantlePreset &preset) const;
-    [[nodiscard]] QString hint() const;
+    [[nodiscard]] const QList<Field> &fields(const VantlePreset &preset) const;
+    [[nodiscard]] QString hint(const QList<Field> &present) const;
     [[nodiscard]] qsizetype index(qsizetype size) const;
     void assignTo(VantlePreset &preset) const;
     void addTo(VantlePreset &preset) const;
@@ -119,20 +120,22 @@ Assignment::Assignment(std::shared_ptr<const Data> data) : d(std::move(data)) {}
 std::optional<Assignment> Assignment::parse(const QString &text)
 {
     static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(
-            u"((?:(videoSettings|audioSettings)\\.(?:(\\+)|(\\d+)\\.(?:(-)|(\\w+))))|(\\w+))"
-            "(?:=(.*))?"_s),
+        QRegularExpression::anchoredPattern(u"(?:(videoSettings|audioSettings)(?:\\.(\\+)|(?:\\.(\\d+)|\\[("
+                                            u"\\d+)\\])\\.(?:(-)|(\\w+)))|(\\w+))"
+                                            "(?:=(.*))?"_s),
         QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
         return std::nullopt;
     Data data;
-    data.path = match.captured(1);
-    data.list = match.captured(2);
-    data.place = match.captured(4);
+    data.list = match.captured(1);
+    data.place = match.captured(3) + match.captured(4);
     data.key = match.captured(6) + match.captured(7);
     data.value = match.captured(8);
-    if (match.hasCaptured(3))
+    QStringList path{data.list, data.place, match.captured(2) + match.captured(5) + data.key};
+    path.removeAll(QString());
+    data.path = path.join(u'.');
+    if (match.hasCaptured(2))
         data.operation = Data::Operation::add;
     else if (match.hasCaptured(5))
         data.operation = Data::Operation::remove;
@@ -225,7 +228,7 @@ void Assignment::Data::assignTo(VantlePreset &preset) const
     QObject &object = listed ? *listed : preset;
     const auto assigned = field(preset);
     if (!assigned)
-        throw AssignmentError(path, u"no such field, or one that can't be set here"_s + hint());
+        throw AssignmentError(path, u"no such field, or one that can't be set here"_s + hint(fields(preset)));
     const QVariant wanted = parsed(value, *assigned);
     if (!wanted.isValid() || !object.setProperty(assigned->key().data(), wanted))
         throw AssignmentError(path, expectation(*assigned));
@@ -233,26 +236,33 @@ void Assignment::Data::assignTo(VantlePreset &preset) const
         makeOnlyDefault(preset, object);
 }
 
-/// Where else the field is: it may have been meant for a rendition or a track.
-QString Assignment::Data::hint() const
+/// What may have been meant: the field of a rendition or a track, or one whose name holds the word.
+QString Assignment::Data::hint(const QList<Field> &present) const
 {
-    if (!list.isEmpty())
-        return {};
     QStringList places;
-    if (fieldIn(VideoSettings::fields(), key))
+    if (list.isEmpty() && fieldIn(VideoSettings::fields(), key))
         places.append("videoSettings.0."_L1 + key);
-    if (fieldIn(AudioSettings::fields(), key))
+    if (list.isEmpty() && fieldIn(AudioSettings::fields(), key))
         places.append("audioSettings.0."_L1 + key);
+    for (const Field &field : present) {
+        if (field.isAssignable() && field.key().contains(key, Qt::CaseInsensitive))
+            places.append(field.key());
+    }
     return places.isEmpty() ? QString() : "; did you mean "_L1 + places.join(" or "_L1) + u'?';
+}
+
+const QList<Field> &Assignment::Data::fields(const VantlePreset &preset) const
+{
+    if (list == "videoSettings"_L1)
+        return VideoSettings::fields();
+    if (list == "audioSettings"_L1)
+        return AudioSettings::fields();
+    return preset.fields();
 }
 
 std::optional<Field> Assignment::Data::field(const VantlePreset &preset) const
 {
-    if (list == "videoSettings"_L1)
-        return fieldIn(VideoSettings::fields(), key);
-    if (list == "audioSettings"_L1)
-        return fieldIn(AudioSettings::fields(), key);
-    return fieldIn(preset.fields(), key);
+    return fieldIn(fields(preset), key);
 }
 
 QObject *Assignment::Data::element(const VantlePreset &preset) const

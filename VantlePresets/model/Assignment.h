@@ -27,6 +27,7 @@ public:
 ///   videoSettings.0.FIELD=VALUE     a field of a rendition, counted from 0; audioSettings.1.FIELD=VALUE
 ///   videoSettings.+                 a new rendition at the end; audioSettings.+
 ///   videoSettings.1.-               removes a rendition; audioSettings.1.-
+/// A position may stand in brackets, as errors and advice name it: videoSettings[0].FIELD=VALUE.
 /// Fields are named by their keys (see Field), choices are written as their display strings, channel lists as
 /// 0,1. A small value; what changes a preset is called on the preset's thread.
 class VANTLE_PRESETS_EXPORT Assignment
@@ -35,7 +36,7 @@ public:
     /// Nothing when the text is none of these forms.
     [[nodiscard]] static std::optional<Assignment> parse(const QString &text);
 
-    /// What stands before "=": the place that is changed.
+    /// What stands before "=": the place that is changed, its position without brackets.
     [[nodiscard]] const QString &path() const;
     /// What stands behind "="; can be a secret.
     [[nodiscard]] const QString &value() const;

@@ -50,4 +50,20 @@ std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset)
         preset, [](const QString &) { return QString(); }, addressWithoutSecrets);
 }
 
+void fillSecrets(VantlePreset &preset, const VantlePreset &other)
+{
+    if (preset.type() != other.type())
+        return;
+    for (const Field &field : preset.fields()) {
+        const char *const key = field.key().data();
+        const QString present = preset.property(key).toString();
+        const QString known = other.property(key).toString();
+        const bool isLeftOut = field.isSecret()    ? present.isEmpty()
+                               : field.isAddress() ? present == addressWithoutSecrets(known)
+                                                   : false;
+        if (isLeftOut && present != known)
+            preset.setProperty(key, known);
+    }
+}
+
 } // namespace vantle

@@ -24,4 +24,9 @@ withMaskedSecrets(const VantlePreset &preset);
 /// empty.
 [[nodiscard]] VANTLE_PRESETS_EXPORT std::shared_ptr<VantlePreset> withoutSecrets(const VantlePreset &preset);
 
+/// Gives a preset the secrets that it lacks and another one of the same kind has: those of its empty fields,
+/// and those of an address that is the other's without them. Nothing when the kinds differ: a service's key
+/// is nobody else's business. On the presets' thread.
+VANTLE_PRESETS_EXPORT void fillSecrets(VantlePreset &preset, const VantlePreset &other);
+
 } // namespace vantle

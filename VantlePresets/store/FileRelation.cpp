@@ -16,14 +16,14 @@ constexpr std::size_t kEvents = 10;
 // A row for each state, in the order of the enumeration; a column for each event.
 // clang-format off
 constexpr std::array<std::array<SaveStep, kEvents>, 7> kSteps = {{
-    // save                   rename                 heard                   savedOne               failedOne              skippedOne              saved                   failed                     refused                        skipped
-    {{{saving, none},         {renaming, none},      {settled, believe},     {settled, none},       {settled, none},       {settled, none},        {settled, none},        {saveFailed, none},        {saveFailed, giveFreeName},    {settled, lookAgain}}},
-    {{{saving, none},         {renaming, none},      {savingBlind, none},    {saving, none},        {saving, none},        {savingBlind, none},    {settled, none},        {saveFailed, none},        {saving, giveFreeName},        {settled, lookAgain}}},
-    {{{renaming, none},       {renaming, none},      {renamingBlind, none},  {renaming, none},      {renaming, none},      {renamingBlind, none},  {settled, none},        {renameFailed, none},      {renaming, giveFreeName},      {settled, lookAgain}}},
-    {{{savingBlind, none},    {renamingBlind, none}, {savingBlind, none},    {savingBlind, none},   {savingBlind, none},   {savingBlind, none},    {settled, lookAgain},   {saveFailed, lookAgain},   {savingBlind, giveFreeName},   {settled, lookAgain}}},
-    {{{renamingBlind, none},  {renamingBlind, none}, {renamingBlind, none},  {renamingBlind, none}, {renamingBlind, none}, {renamingBlind, none},  {settled, lookAgain},   {renameFailed, lookAgain}, {renamingBlind, giveFreeName}, {settled, lookAgain}}},
-    {{{saving, none},         {renaming, none},      {saveFailed, believe},  {saveFailed, none},    {saveFailed, none},    {saveFailed, none},     {settled, none},        {saveFailed, none},        {saveFailed, giveFreeName},    {settled, lookAgain}}},
-    {{{renaming, none},       {renaming, none},      {renameFailed, believe},{renameFailed, none},  {renameFailed, none},  {renameFailed, none},   {settled, none},        {renameFailed, none},      {renameFailed, giveFreeName},  {settled, lookAgain}}},
+    // save                   rename                 heard                    savedOne               failedOne              skippedOne             saved              failed                  refused                           skipped
+    {{{saving, none},        {renaming, none},      {settled, believe},      {settled, none},       {settled, none},       {settled, none},       {settled, none},   {saveFailed, none},     {saveFailed, resolveConflict},    {settled, reread}}},
+    {{{saving, none},        {renaming, none},      {savingBlind, none},     {saving, none},        {saving, none},        {savingBlind, none},   {settled, none},   {saveFailed, none},     {saving, resolveConflict},        {settled, reread}}},
+    {{{renaming, none},      {renaming, none},      {renamingBlind, none},   {renaming, none},      {renaming, none},      {renamingBlind, none}, {settled, none},   {renameFailed, none},   {renaming, resolveConflict},      {settled, reread}}},
+    {{{savingBlind, none},   {renamingBlind, none}, {savingBlind, none},     {savingBlind, none},   {savingBlind, none},   {savingBlind, none},   {settled, reread}, {saveFailed, reread},   {savingBlind, resolveConflict},   {settled, reread}}},
+    {{{renamingBlind, none}, {renamingBlind, none}, {renamingBlind, none},   {renamingBlind, none}, {renamingBlind, none}, {renamingBlind, none}, {settled, reread}, {renameFailed, reread}, {renamingBlind, resolveConflict}, {settled, reread}}},
+    {{{saving, none},        {renaming, none},      {saveFailed, believe},   {saveFailed, none},    {saveFailed, none},    {saveFailed, none},    {settled, none},   {saveFailed, none},     {saveFailed, resolveConflict},    {settled, reread}}},
+    {{{renaming, none},      {renaming, none},      {renameFailed, believe}, {renameFailed, none},  {renameFailed, none},  {renameFailed, none},  {settled, none},   {renameFailed, none},   {renameFailed, resolveConflict},  {settled, reread}}},
 }};
 // clang-format on
 

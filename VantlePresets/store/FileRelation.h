@@ -41,9 +41,9 @@ enum class SaveEvent : std::uint8_t {
 /// What is to be done then.
 enum class SaveDuty : std::uint8_t {
     none,
-    believe,      ///< apply what was heard
-    lookAgain,    ///< read the file: what is in it now counts
-    giveFreeName, ///< rename the preset and save it
+    believe,         ///< apply what was heard
+    reread,          ///< read the file: what is in it now counts
+    resolveConflict, ///< rename the preset and save it
 };
 
 struct SaveStep
@@ -88,7 +88,7 @@ public:
     QStringList refusedNames;
     /// Whose permissions a file that has yet to be made gets; "" for the usual ones.
     std::filesystem::path like;
-    const std::shared_ptr<PresetFile> file = makeFile();
+    std::shared_ptr<PresetFile> file = makeFile();
 
 private:
     static std::shared_ptr<PresetFile> makeFile();

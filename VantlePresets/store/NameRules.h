@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
@@ -17,7 +19,7 @@ namespace vantle {
 [[nodiscard]] QByteArray collationKey(const QString &name);
 
 /// The name without white space and line breaks at both ends.
-[[nodiscard]] QString trimmedName(const QString &name);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString trimmedName(const QString &name);
 
 /// Says whether a listed preset has the name.
 using NameIsTaken = std::function<bool(const QString &name)>;

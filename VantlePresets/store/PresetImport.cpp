@@ -2,7 +2,10 @@
 #include "VantlePresets/store/PresetImport.h"
 
 #include "VantlePresets/core/Log.h"
+#include "VantlePresets/core/ObjectId.h"
 #include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/model/Secrets.h"
+#include "VantlePresets/model/VantlePresetPrivate.h"
 #include "VantlePresets/store/NameRules.h"
 
 #include <QtCore/QCoreApplication>
@@ -37,21 +40,34 @@ QList<PresetImport> readPresetsToImport(const std::vector<std::filesystem::path>
     return imports;
 }
 
-void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports)
+void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports, NameClash clash)
 {
     PresetsList added;
     QStringList sources;
     QSet<QString> names;
+    QSet<QUuid> identifiers;
+    for (const auto &preset : manager.presets())
+        identifiers.insert(preset->id());
     for (PresetImport &import : imports) {
         if (!import.preset)
             continue;
         const QString name = canonicalName(import.preset->name());
-        if (manager.presetWithName(import.preset->name()) || names.contains(name)) {
+        const auto present = manager.presetWithName(import.preset->name());
+        if ((present && clash == NameClash::refuse) || names.contains(name)) {
             import.preset.reset();
             import.refusal = QStringLiteral("a preset of this name exists");
             continue;
         }
         names.insert(name);
+        QUuid &identifier = VantlePresetPrivate::of(*import.preset).uuid;
+        if (identifiers.contains(identifier))
+            identifier = newObjectId();
+        identifiers.insert(identifier);
+        if (present) {
+            fillSecrets(*import.preset, *present);
+            import.preset = manager.replace(present, import.preset);
+            continue;
+        }
         added.append(import.preset);
         sources.append(QString::fromStdString(import.like.native()));
     }

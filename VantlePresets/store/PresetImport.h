@@ -23,8 +23,16 @@ struct PresetImport
 [[nodiscard]] VANTLE_PRESETS_EXPORT QList<PresetImport>
 readPresetsToImport(const std::vector<std::filesystem::path> &paths);
 
-/// Lists and saves what was read, and refuses what has the name of a listed preset or of an earlier file.
-/// Main thread only. The selection stays.
-VANTLE_PRESETS_EXPORT void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports);
+/// What becomes of a file that has the name of a listed preset.
+enum class NameClash {
+    refuse,
+    replace, ///< the preset becomes what the file says, with its own identifier, and its secrets where the
+             ///< file leaves them out; it is the import's preset then
+};
+
+/// Lists and saves what was read, and refuses what has the name of an earlier file. An identifier that
+/// another preset has is replaced by a new one: that file is a copy. Main thread only. The selection stays.
+VANTLE_PRESETS_EXPORT void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports,
+                                              NameClash clash = NameClash::refuse);
 
 } // namespace vantle

@@ -35,7 +35,7 @@ QString PresetSaver::pathOf(const QString &name) const
     return m_folder + u'/' + name + ".json"_L1;
 }
 
-void PresetSaver::save(const Entry &entry, Way way, Precedence precedence)
+void PresetSaver::save(const Entry &entry, Mode mode, Precedence precedence)
 {
     FileRelation &relation = entry->relation;
     const auto hash = documentHash(*entry->preset);
@@ -43,7 +43,7 @@ void PresetSaver::save(const Entry &entry, Way way, Precedence precedence)
         return;
     const bool hasEdits = relation.documentHash != hash;
     relation.documentHash = hash;
-    relation.begin(way == Way::rename);
+    relation.begin(mode == Mode::rename);
     ++m_savesUnderWay;
     m_hasBegun = true;
     // Weak: a preset must not be destroyed on the file thread.
@@ -85,9 +85,9 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
         recover(Operation::save, name);
     if (!m_list.isListed(entry))
         return;
-    if (duty == SaveDuty::giveFreeName)
-        giveFreeName(entry);
-    else if (duty == SaveDuty::lookAgain)
+    if (duty == SaveDuty::resolveConflict)
+        resolveConflict(entry);
+    else if (duty == SaveDuty::reread)
         lookAfterSave(entry, result.outcome);
 }
 
@@ -95,18 +95,18 @@ void PresetSaver::lookAfterSave(const Entry &entry, PresetFiles::Outcome outcome
 {
     const QString left = entry->relation.file->name();
     if (outcome != PresetFiles::Outcome::skipped || left == entry->name)
-        return lookAgain(entry->name);
+        return reread(entry->name);
     m_reconciler->noteUnlisted(left); // others had removed the file that was to get the new name
     m_list.removePreset(entry);
 }
 
 /// Another process had the idea of the same name first: both presets stay.
-void PresetSaver::giveFreeName(const Entry &entry)
+void PresetSaver::resolveConflict(const Entry &entry)
 {
     if (!m_list.endNameEdit(entry))
         return;
     m_list.renamePreset(entry, m_list.nextName(entry));
-    save(entry, Way::rename);
+    save(entry, Mode::rename);
 }
 
 bool PresetSaver::hear(const Entry &entry)
@@ -114,7 +114,7 @@ bool PresetSaver::hear(const Entry &entry)
     return entry->relation.hear() == SaveDuty::believe;
 }
 
-void PresetSaver::lookAgain(const QString &name)
+void PresetSaver::reread(const QString &name)
 {
     // Whoever drops the task, the look has ended.
     ++m_looksUnderWay;
@@ -144,7 +144,7 @@ void PresetSaver::deletionEnded(const PresetFiles::Deletion &deletion)
     const QString &name = deletion.name;
     if (deletion.isForeign) {
         m_reconciler->noteUnlisted(name);
-        lookAgain(name); // which lists it again
+        reread(name); // which lists it again
     } else if (!deletion.reason.isEmpty()) {
         m_reconciler->noteUnlisted(name); // until others do something with it
         fail({Operation::deletion, name, pathOf(name), deletion.reason});

@@ -44,10 +44,10 @@ public:
     PresetSaver(List &list, MainThreadQueue &queue, const QString &folder,
                 std::shared_ptr<VRXWatchFolder> watcher, std::shared_ptr<FolderReconciler> reconciler);
 
-    enum class Way { write, rename };
+    enum class Mode { write, rename };
     using Precedence = PresetFiles::Precedence;
     /// Of a preset with edits; one without never overwrites what others have changed.
-    void save(const Entry &entry, Way way, Precedence precedence = Precedence::edits);
+    void save(const Entry &entry, Mode mode, Precedence precedence = Precedence::edits);
     /// Deletes the preset's file.
     void remove(const Entry &entry);
     /// Deletes a file, whosever it is.
@@ -57,7 +57,7 @@ public:
     /// Others have changed or removed the preset's file. True when that is to be applied now.
     [[nodiscard]] bool hear(const Entry &entry);
     /// Lets the file itself say what has become of it, after the file tasks that have been started.
-    void lookAgain(const QString &name);
+    void reread(const QString &name);
 
     void fail(const PresetsFailure &failure);
     void recover(PresetsFailure::Operation operation, const QString &name);
@@ -78,7 +78,7 @@ private:
     void saveEnded(const Entry &entry, const QString &name, bool hadEdits, const PresetFiles::Result &result);
     void deletionEnded(const PresetFiles::Deletion &deletion);
     void lookAfterSave(const Entry &entry, PresetFiles::Outcome outcome);
-    void giveFreeName(const Entry &entry);
+    void resolveConflict(const Entry &entry);
 
     List &m_list;
     MainThreadQueue &m_queue;

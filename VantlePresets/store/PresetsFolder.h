@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
+
 #include <QtCore/QStringList>
 
 namespace vantle {
 
 /// The machine-wide data directories, best first: /var/lib, the state that all users of a machine share.
-[[nodiscard]] QStringList machineDataDirectories();
+[[nodiscard]] VANTLE_PRESETS_EXPORT QStringList machineDataDirectories();
 
 /// "<data directory>/Orvalle/Streaming Presets".
-[[nodiscard]] QString presetsFolderPath(const QString &dataDirectory);
+[[nodiscard]] VANTLE_PRESETS_EXPORT QString presetsFolderPath(const QString &dataDirectory);
 
 /// Makes the folder and its parents if nothing is at its path. Throws std::system_error.
 void ensureFolder(const QString &path);

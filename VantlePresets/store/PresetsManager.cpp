@@ -229,7 +229,7 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
         entry->relation.wanted = {.text = newName};
         d->moveEntry(entry, newName);
         if (d->saver)
-            d->saver->save(entry, PresetSaver::Way::rename);
+            d->saver->save(entry, PresetSaver::Mode::rename);
     }
     d->announceList();
     if (renamed == d->selected) {
@@ -237,6 +237,21 @@ bool PresetsManager::rename(const std::shared_ptr<VantlePreset> &preset, const Q
         setSelectedPreset(renamed);
     }
     return true;
+}
+
+std::shared_ptr<VantlePreset> PresetsManager::replace(const std::shared_ptr<VantlePreset> &preset,
+                                                      const std::shared_ptr<VantlePreset> &source)
+{
+    requireMainThread(*this);
+    requirePreset(source, "replacement by no preset");
+    auto entry = d->index.find(preset.get());
+    if (!entry)
+        return nullptr;
+    if (!updatePreset(*entry->preset, *source))
+        entry = d->exchange(entry, source, entry->relation.file);
+    d->announceList();
+    d->save(entry->preset, PresetSaver::Precedence::edits);
+    return entry->preset;
 }
 
 void PresetsManager::remove(const std::shared_ptr<VantlePreset> &preset)

@@ -86,6 +86,11 @@ public:
     /// False when the name is empty or another preset has it; the preset's name is `from` then. A name that
     /// the file system refuses is accepted here; its file fails to be written.
     bool rename(const std::shared_ptr<VantlePreset> &preset, const QString &from, const QString &to);
+    /// Gives the listed preset what the other one's document keeps, name and identifier apart, and saves it
+    /// over its file. A preset of another class takes its place in the list, with the name and an identifier
+    /// of its own. Returns the one that is listed; null, and nothing has changed, when none was.
+    std::shared_ptr<VantlePreset> replace(const std::shared_ptr<VantlePreset> &preset,
+                                          const std::shared_ptr<VantlePreset> &source);
     /// Takes the preset off the list and deletes its file. A file that others have changed since stays, and
     /// is listed again. Nothing for a preset that is not listed.
     void remove(const std::shared_ptr<VantlePreset> &preset);

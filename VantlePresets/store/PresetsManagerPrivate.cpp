@@ -4,6 +4,7 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/NameRules.h"
+#include "VantlePresets/store/PresetFile.h"
 #include "VantlePresets/store/PresetsFolder.h"
 #include "watchfolder/VRXWatchFolder.h"
 
@@ -130,6 +131,19 @@ void PresetsManager::Private::moveEntry(const Entry &entry, const QString &name)
     Q_EMIT q.rowMoved(from, target);
 }
 
+/// Lists a preset in place of another one, whose name it gets, with the file that it stands for.
+PresetsManager::Private::Entry PresetsManager::Private::exchange(const Entry &entry,
+                                                                 const std::shared_ptr<VantlePreset> &source,
+                                                                 const std::shared_ptr<PresetFile> &file)
+{
+    source->setName(entry->name);
+    const auto replacement = std::make_shared<ListedPreset>(source);
+    replacement->relation.file = file;
+    removeEntry(entry);
+    insert(replacement);
+    return replacement;
+}
+
 void PresetsManager::Private::setSelection(const std::shared_ptr<VantlePreset> &preset)
 {
     selected = preset;
@@ -153,7 +167,7 @@ void PresetsManager::Private::save(const std::shared_ptr<VantlePreset> &preset,
         moveEntry(entry, saved->name());
     if (!like.empty())
         entry->relation.like = like;
-    saver->save(entry, PresetSaver::Way::write, precedence);
+    saver->save(entry, PresetSaver::Mode::write, precedence);
     if (isRenamed)
         announceList();
     if (quitting)
@@ -164,7 +178,7 @@ void PresetsManager::Private::retry(const PresetsFailure &failure)
 {
     switch (failure.operation) {
     case PresetsFailure::Operation::load:
-        saver->lookAgain(failure.name);
+        saver->reread(failure.name);
         break;
     case PresetsFailure::Operation::save:
         if (const auto entry = index.findNamed(failure.name))
@@ -298,7 +312,7 @@ bool PresetsManager::Private::isOutdated(const Entry &entry, const KnownFile &re
     const KnownFile known = entry->relation.file->get();
     if (known.name != read.name || known.stamp == read.stamp || known.since < read.since)
         return false;
-    saver->lookAgain(read.name);
+    saver->reread(read.name);
     return true;
 }
 
@@ -314,7 +328,7 @@ void PresetsManager::Private::presetGone(const KnownFile &read)
 void PresetsManager::Private::readLater(const QString &name)
 {
     constexpr std::chrono::seconds kGrace{3};
-    QTimer::singleShot(kGrace, &queue, [this, name] { saver->lookAgain(name); });
+    QTimer::singleShot(kGrace, &queue, [this, name] { saver->reread(name); });
 }
 
 void PresetsManager::Private::presetUpdated(const KnownFile &read,
@@ -340,12 +354,9 @@ void PresetsManager::Private::takeOver(const Entry &entry, const std::shared_ptr
         entry->relation.documentHash = documentHash(*entry->preset);
         Q_EMIT q.presetUpdated(entry->preset);
     } else { // a file of another class
-        source->setName(entry->name);
-        const auto replacement = std::make_shared<ListedPreset>(source);
-        replacement->relation.file->set(read);
-        replacement->relation.documentHash = read.documentHash;
-        removeEntry(entry);
-        insert(replacement);
+        const auto file = std::make_shared<PresetFile>();
+        file->set(read);
+        exchange(entry, source, file)->relation.documentHash = read.documentHash;
     }
 }
 

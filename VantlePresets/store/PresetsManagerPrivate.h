@@ -30,6 +30,8 @@ public:
     void insert(const Entry &entry);
     void removeEntry(const Entry &entry);
     void moveEntry(const Entry &entry, const QString &name);
+    Entry exchange(const Entry &entry, const std::shared_ptr<VantlePreset> &source,
+                   const std::shared_ptr<PresetFile> &file);
     void setSelection(const std::shared_ptr<VantlePreset> &preset);
     void announceList() { Q_EMIT q.presetsChanged(index.presets()); }
     void save(const std::shared_ptr<VantlePreset> &preset, PresetSaver::Precedence precedence,

@@ -2,8 +2,10 @@
 
 // A small host of the presets editor: opens it on a presets folder, or takes a picture of it.
 
+#include "VantlePresets/Version.h"
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
 #include "VantlePresets/store/PresetsManager.h"
+#include "apps/support/DataDirectory.h"
 #include "apps/support/StandardStreams.h"
 #include "apps/support/StopOnSignal.h"
 
@@ -111,11 +113,9 @@ int run(const Options &options)
     QCoreApplication::setApplicationName(u"Vantle"_s);
     QGuiApplication::setDesktopFileName(u"vantle"_s);
 
-    const auto manager = options.dataDirectory.empty()
-                             ? std::make_shared<PresetsManager>()
-                             : std::make_shared<PresetsManager>([&options] {
-                                   return QStringList{QString::fromStdString(options.dataDirectory)};
-                               });
+    const std::optional<QString> directory = chosenDataDirectory(options.dataDirectory);
+    const auto manager = directory ? std::make_shared<PresetsManager>([&] { return QStringList{*directory}; })
+                                   : std::make_shared<PresetsManager>();
     const bool isPicture = !options.screenshot.empty();
     QObject::connect(manager.get(), &PresetsManager::startFailed, qApp, [isPicture](const QString &error) {
         std::fprintf(stderr, "vantle: %s\n", qUtf8Printable(error));
@@ -144,11 +144,15 @@ int run(const Options &options)
 
 int main(int argc, char **argv)
 try {
+    constexpr int kWrongUsage = 2;
     vantle::reserveStandardStreams();
     vantle::Options options;
-    CLI::App app{"Edits live-streaming presets"};
-    app.add_option("--data-dir", options.dataDirectory, "Folder that stands in for /var/lib")
-        ->type_name("DIR");
+    CLI::App app{"Edits live-streaming presets", "vantle"};
+    app.set_version_flag("--version", std::string("vantle " VANTLE_PRESETS_VERSION_STR));
+    app.add_option("--data-dir", options.dataDirectory,
+                   "Folder that stands in for VANTLE_DATA_DIR or /var/lib")
+        ->type_name("DIR")
+        ->check(vantle::dataDirectoryFault);
     app.add_option("--screenshot", options.screenshot, "Write a picture of the window and end")
         ->type_name("FILE");
     app.add_option("--select", options.select, "Open on this preset; in pictures the first by default")
@@ -165,12 +169,22 @@ try {
     app.allow_extras(std::any_of(argv + 1, argv + argc, [](const char *argument) {
         return argument[0] == '-' && argument[1] != '\0' && argument[1] != '-';
     }));
-    CLI11_PARSE(app, argc, argv);
+    const auto understand = [&]() -> std::optional<int> {
+        try {
+            app.parse(argc, argv);
+            return std::nullopt;
+        } catch (const CLI::ParseError &error) {
+            return app.exit(error) == 0 ? 0 : kWrongUsage;
+        }
+    };
+    if (const auto end = understand())
+        return *end;
     if (options.screenshot.empty())
         vantle::StopOnSignal::block();
     const QApplication application(argc, argv);
     app.allow_extras(false);
-    CLI11_PARSE(app, argc, argv);
+    if (const auto end = understand())
+        return *end;
     if (!options.colors.empty())
         vantle::setColors(options.colors);
     return vantle::run(options);

@@ -58,13 +58,15 @@ QList<Advice> adviceOn(const VantlePreset &preset, const std::filesystem::path &
 void tellAdvice(const VantlePreset &preset, const std::filesystem::path &file)
 {
     for (const Advice &piece : adviceOn(preset, file))
-        complain(adviceLine(piece));
+        remark(adviceLine(piece));
 }
 
-void tellAdviceOnFile(const std::filesystem::path &file)
+void tellAdviceOnImport(const VantlePreset &preset, const std::filesystem::path &file)
 {
-    for (const Advice &piece : adviceOnFile(file))
-        complain(shown(file) + ": "_L1 + adviceLine(piece));
+    // The file may leave out secrets that the preset has; what it misspells, the preset has lost.
+    const bool isMisread = !ofDocument(file, adviceForTexts).isEmpty();
+    for (const Advice &piece : isMisread ? adviceOnFile(file) : adviceFor(preset))
+        remark(shown(file) + ": "_L1 + adviceLine(piece));
 }
 
 void setForService(VantlePreset &preset)

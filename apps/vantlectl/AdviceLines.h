@@ -25,10 +25,10 @@ namespace vantle::ctl {
 /// Writes the member "advice", an array of objects.
 void writeAdvice(document::DocumentWriter &writer, const QList<Advice> &advice);
 
-/// Complains of each piece of adviceOn().
+/// Remarks each piece of adviceOn().
 void tellAdvice(const VantlePreset &preset, const std::filesystem::path &file);
-/// Complains of each piece of advice on a file, which the lines name.
-void tellAdviceOnFile(const std::filesystem::path &file);
+/// Remarks each piece of advice on what a preset is after its import; the lines name the file.
+void tellAdviceOnImport(const VantlePreset &preset, const std::filesystem::path &file);
 
 /// Gives a preset what its service needs; throws Refusal when its kind belongs to none.
 void setForService(VantlePreset &preset);

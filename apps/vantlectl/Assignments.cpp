@@ -1,22 +1,50 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Assignments.h"
 
+#include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/Output.h"
 #include "apps/vantlectl/TextValue.h"
+
+#include <algorithm>
 
 namespace vantle::ctl {
 
 using namespace Qt::StringLiterals;
 
-std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string> &texts)
+namespace {
+
+/// The rendition whose bit rate is assigned; null for anything else that is.
+std::shared_ptr<VideoSettings> renditionOfBitRate(const Assignment &assignment, const VantlePreset &preset)
+{
+    const QStringList parts = assignment.path().split(u'.');
+    if (parts.size() != 3 || parts.first() != "videoSettings"_L1 || parts.last() != "bitRate"_L1)
+        return nullptr;
+    return preset.videoSettings().value(parts[1].toInt());
+}
+
+void tellLimitation(const Assignment &assignment, const VantlePreset &preset)
+{
+    if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
+        complain(assignment.path() + ": "_L1 + limitation);
+}
+
+} // namespace
+
+std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string> &texts,
+                                                  const std::string &preset)
 {
     QList<Assignment> assignments;
+    int inputs = preset == kStandardStream ? 1 : 0;
     for (const std::string &text : texts) {
         const auto assignment = Assignment::parse(QString::fromStdString(text));
         if (!assignment) {
             // Not repeated: "streamKey= key" is two words, and the second one a secret.
-            complain(u"assignment %1 is none: not an assignment such as portNumber=1936 or "
+            complain(u"argument %1 is not an assignment such as portNumber=1936 or "
                      "videoSettings.0.bitRate=6000"_s.arg(assignments.size() + 1));
+            return std::nullopt;
+        }
+        if (assignment->takesText() && assignment->value() == kStandardInputText && ++inputs > 1) {
+            complain(assignment->path() + ": standard input is read for something else already"_L1);
             return std::nullopt;
         }
         assignments.append(*assignment);
@@ -40,10 +68,26 @@ QList<Assignment> withTextsRead(const QList<Assignment> &assignments)
 
 void applyAll(const QList<Assignment> &assignments, VantlePreset &preset)
 {
+    // A bit rate is limited by the profile, which may yet be assigned.
+    QList<std::pair<std::shared_ptr<VideoSettings>, QString>> bitRates;
     for (const Assignment &assignment : assignments) {
         assignment.apply(preset);
-        if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
-            complain(assignment.path() + ": "_L1 + limitation);
+        if (const auto rendition = renditionOfBitRate(assignment, preset)) {
+            bitRates.removeIf([&](const auto &earlier) { return earlier.first == rendition; });
+            bitRates.append({rendition, assignment.value()});
+        } else {
+            tellLimitation(assignment, preset);
+        }
+    }
+    const VideoSettingsList renditions = preset.videoSettings();
+    for (const auto &[rendition, bitRate] : bitRates) {
+        const qsizetype position = renditions.indexOf(rendition);
+        if (position < 0)
+            continue; // removed by a later assignment
+        const auto assignment =
+            Assignment::parse(u"videoSettings.%1.bitRate=%2"_s.arg(QString::number(position), bitRate));
+        assignment->apply(preset);
+        tellLimitation(*assignment, preset);
     }
 }
 

@@ -8,14 +8,16 @@
 
 namespace vantle::ctl {
 
-/// All assignments of a command line; complains and gives nothing when one has none of their forms.
-[[nodiscard]] std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string> &texts);
+/// All assignments of a command line; complains and gives nothing when one has none of their forms, or when
+/// standard input is to be more than one text: of assignments, or of the preset, whose argument may be "-".
+[[nodiscard]] std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string> &texts,
+                                                                const std::string &preset = {});
 
 /// The assignments with the texts that @FILE and @- stand for (see TextValue.h). Throws AssignmentError.
 [[nodiscard]] QList<Assignment> withTextsRead(const QList<Assignment> &assignments);
 
-/// Carries them out in their order and says which values were limited. Throws AssignmentError at the first
-/// that can't be.
+/// Carries them out in their order and says which values were limited: bit rates by the profile that is there
+/// in the end. Throws AssignmentError at the first that can't be.
 void applyAll(const QList<Assignment> &assignments, VantlePreset &preset);
 
 } // namespace vantle::ctl

@@ -48,7 +48,7 @@ void print(const CheckStep &step, Output &out)
 
 ExitCode check(const Options &options, Output &out)
 {
-    const auto assignments = parseAssignments(options.assignments);
+    const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options.preset, options, *assignments);
@@ -96,7 +96,6 @@ void addCheckCommand(CLI::App &app, Command &chosen)
         "published. An SRT listener that serves one caller is taken for that moment. Assignments are\n"
         "those of `set` and hold for this command only: an SRT passphrase is given with streamKey=@-.");
     const auto options = std::make_shared<Options>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_option("PRESET", options->preset, kPresetArgumentHelp)->required();
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");

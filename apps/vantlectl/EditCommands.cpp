@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/StoreSession.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/PresetFactory.h"
-#include "VantlePresets/store/NameRules.h"
 
 #include <optional>
 #include <utility>
@@ -19,26 +19,32 @@ struct Options : StoreOptions
     std::optional<std::string> newName;
 };
 
+[[noreturn]] void refuseTakenName(const QString &name)
+{
+    throw Refusal("a preset named \""_L1 + escapedControls(name) + "\" exists"_L1);
+}
+
 ExitCode add(const Options &options, Output &out)
 {
+    std::optional<QString> wanted;
+    if (options.newName)
+        wanted = nameForPreset(*options.newName);
     StoreSession session(options);
     PresetsManager &manager = session.manager();
-    std::optional<QString> wanted;
     const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
     std::shared_ptr<VantlePreset> preset;
-    if (!options.newName) {
+    if (!wanted) {
         preset = manager.addNewPreset(type);
     } else {
-        const QString name = trimmedName(QString::fromStdString(*options.newName));
-        if (name.isEmpty() || name.contains(u'/') || manager.presetWithName(name))
-            throw Refusal(u"This name is invalid or already taken."_s);
-        wanted = name;
-        preset = makePreset(type, name);
+        if (manager.presetWithName(*wanted))
+            refuseTakenName(*wanted);
+        preset = makePreset(type, *wanted);
         manager.setPresets(manager.presets() + PresetsList{preset});
         manager.save(preset);
     }
     const ExitCode code = session.finish();
-    printPreset(out, *preset, options.json);
+    if (code == ExitCode::good)
+        reportPreset(out, *preset, options.json);
     return wanted && preset->name() != *wanted ? ExitCode::failed : code;
 }
 
@@ -47,7 +53,8 @@ ExitCode duplicate(const Options &options, Output &out)
     StoreSession session(options);
     const auto copy = session.manager().duplicate(session.preset(options.name));
     const ExitCode code = session.finish();
-    printPreset(out, *copy, options.json);
+    if (code == ExitCode::good)
+        reportPreset(out, *copy, options.json);
     return code;
 }
 
@@ -55,12 +62,16 @@ ExitCode rename(const Options &options, Output &out)
 {
     StoreSession session(options);
     const auto preset = session.preset(options.name);
-    if (!session.manager().rename(preset, preset->name(), QString::fromStdString(*options.newName)))
-        throw Refusal(u"This name is invalid or already taken."_s);
-    const QString wanted = preset->name();
+    const QString oldName = preset->name();
+    const QString wanted = nameForPreset(*options.newName);
+    if (!session.manager().rename(preset, oldName, wanted))
+        refuseTakenName(wanted);
+    const QString given = preset->name();
     const ExitCode code = session.finish();
-    printPreset(out, *preset, options.json);
-    return preset->name() != wanted ? ExitCode::failed : code; // another process was faster
+    if (session.manager().hasUnsavedEdits(preset))
+        preset->setName(oldName); // which its file still has
+    reportPreset(out, *preset, options.json);
+    return preset->name() != given ? ExitCode::failed : code; // another process was faster
 }
 
 ExitCode remove(const Options &options, Output &out)
@@ -70,7 +81,7 @@ ExitCode remove(const Options &options, Output &out)
     session.manager().remove(preset);
     const ExitCode code = session.finish();
     if (options.json && code == ExitCode::good)
-        printPreset(out, *preset, true);
+        reportPreset(out, *preset, true);
     return code;
 }
 
@@ -93,6 +104,7 @@ std::pair<CLI::App *, std::shared_ptr<Options>> addCommand(CLI::App &app, Comman
 void addEditCommands(CLI::App &app, Command &chosen)
 {
     const auto [add_, added] = addCommand(app, chosen, "add", "Add a preset with its kind's defaults", add);
+    added->makesFolder = true;
     add_->add_option("KIND", added->kind, "HLS, YouTube, RTMP, Wowza, Facebook or SRT")
         ->required()
         ->check(kindLabel());

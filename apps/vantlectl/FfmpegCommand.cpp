@@ -91,7 +91,7 @@ void checkStandardInput(const Options &options)
 ExitCode ffmpeg(const Options &options, Output &out)
 {
     checkStandardInput(options);
-    const auto assignments = parseAssignments(options.assignments);
+    const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options.preset, options, *assignments);
@@ -122,7 +122,6 @@ void addFfmpegCommand(CLI::App &app, Command &chosen)
         "with 1. Assignments are those of `set` and hold for this command only: RTMP, Wowza and SRT\n"
         "files keep no stream key, so give it with streamKey=@- or streamKey=@FILE.");
     const auto options = std::make_shared<Options>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_option("PRESET", options->preset, kPresetArgumentHelp)->required();
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");

@@ -6,7 +6,11 @@
 #include "VantlePresets/document/DocumentWriter.h"
 #include "VantlePresets/model/PresetSchema.h"
 #include "VantlePresets/model/StreamingType.h"
+#include "VantlePresets/settings/VideoSettings.h"
 
+#include <QtCore/QRegularExpression>
+
+#include <algorithm>
 #include <memory>
 
 namespace vantle::ctl {
@@ -17,6 +21,7 @@ using namespace Qt::StringLiterals;
 struct Options
 {
     std::string kind;
+    std::string field; ///< "" for all
     bool namesOnly = false;
     bool json = false;
 };
@@ -33,9 +38,44 @@ QString valuesText(const Field &field)
     return parts.join(u' ');
 }
 
+/// What can be written for a field, as far as it can be listed.
+QStringList listedValues(const AssignableField &assignable)
+{
+    if (assignable.field.type() == Field::Type::boolean)
+        return {u"true"_s, u"false"_s};
+    if (assignable.path != "videoSettings.0.profile"_L1)
+        return assignable.field.choices();
+    QStringList names;
+    const auto rendition = VideoSettings::create();
+    for (const H264Profile &profile : rendition->availableH264Profiles())
+        names.append(profile.displayName());
+    for (const HEVCProfile &profile : rendition->availableHEVCProfiles())
+        names.append(profile.displayName());
+    return names;
+}
+
+/// Of the one field, wherever in its list it is.
+ExitCode values(const Options &options, StreamingType type, Output &out)
+{
+    static const QRegularExpression position(u"[.\\[]\\d+\\]?\\."_s);
+    const QString path = QString::fromStdString(options.field).replace(position, u".0."_s);
+    const QList<AssignableField> list = assignableFields(type);
+    const auto found =
+        std::find_if(list.begin(), list.end(), [&](const AssignableField &one) { return one.path == path; });
+    if (found == list.end()) {
+        complain(displayName(type) + " presets have no field of this name"_L1);
+        return ExitCode::failed;
+    }
+    for (const QString &value : listedValues(*found))
+        out.line(value);
+    return ExitCode::good;
+}
+
 ExitCode fields(const Options &options, Output &out)
 {
     const auto type = streamingTypes().fromText(QString::fromStdString(options.kind)).value();
+    if (!options.field.empty())
+        return values(options, type, out);
     Table table(QString{});
     for (const AssignableField &assignable : assignableFields(type)) {
         if (options.json) {
@@ -65,6 +105,7 @@ void addFieldCommands(CLI::App &app, Command &chosen)
         ->required()
         ->check(kindLabel());
     listing->add_flag("--names", options->namesOnly, "Names alone, one a line");
+    listing->add_option("--values", options->field, "The values that the field can have, one a line");
     listing->add_flag("--json", options->json, "For machines: one JSON object per line");
     listing->callback(
         [options, &chosen] { chosen = [options](Output &out) { return fields(*options, out); }; });

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 namespace vantle::ctl {
 
@@ -19,5 +20,9 @@ inline constexpr const char *kStandardStream = "-";
 /// The preset of a file, or of standard input for "-", which names it "Untitled Preset". Throws DecodingError
 /// or std::system_error.
 [[nodiscard]] std::shared_ptr<VantlePreset> readPresetArgument(const std::filesystem::path &argument);
+
+/// The file that an argument names; of a folder its visible *.json, no matter what kind of file, sorted by
+/// name. Throws std::filesystem::filesystem_error.
+[[nodiscard]] std::vector<std::filesystem::path> filesOfArgument(const std::filesystem::path &argument);
 
 } // namespace vantle::ctl

@@ -47,7 +47,6 @@ void addListCommand(CLI::App &app, Command &chosen)
 {
     CLI::App *const command = app.add_subcommand("list", "List the presets of the store");
     const auto options = std::make_shared<Options>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_option("--kind", options->kind, "Only presets of this kind")->check(kindLabel());
     command->add_flag("--names", options->namesOnly, "Names alone, one a line");

@@ -54,9 +54,7 @@ std::filesystem::path fileOfNamedPreset(const std::string &argument, const Store
 
 std::filesystem::path fileInStore(const std::string &name, const StoreOptions &options)
 {
-    const QString directory = options.dataDirectory.empty() ? machineDataDirectories().constFirst()
-                                                            : QString::fromStdString(options.dataDirectory);
-    return fileSystemPath(presetsFolderPath(directory)) / (name + ".json");
+    return fileSystemPath(presetsFolderPath(options.directory())) / (name + ".json");
 }
 
 } // namespace vantle::ctl

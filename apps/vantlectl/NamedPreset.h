@@ -13,7 +13,7 @@ inline constexpr const char *kPresetArgumentHelp =
     "A preset file, - for standard input, or the name of a preset in the store";
 
 /// The preset of standard input for "-", or of a file when the argument holds a "/", or ends in ".json" and
-/// is a regular file while no data directory is given; else the store's preset of that name. Throws Refusal.
+/// is a regular file while no --data-dir is given; else the store's preset of that name. Throws Refusal.
 [[nodiscard]] std::shared_ptr<VantlePreset> namedPreset(const std::string &argument,
                                                         const StoreOptions &options);
 

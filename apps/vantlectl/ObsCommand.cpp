@@ -126,7 +126,7 @@ ExitCode applyPreset(const Options &options, Output &out)
 {
     if (options.start)
         StopOnSignal::block(); // before there are threads; what comes is taken when the stream starts
-    const auto assignments = parseAssignments(options.assignments);
+    const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
     const auto preset = assignedPreset(options, *assignments);
@@ -241,7 +241,6 @@ void addObsCommand(CLI::App &app, Command &chosen)
         "OBS_WEBSOCKET_PASSWORD, or this user's OBS configuration. Assignments are those of `set` and hold\n"
         "for this command only: give a stream key with streamKey=@- or streamKey=@FILE.");
     const auto options = std::make_shared<Options>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_option("PRESET", options->preset, kPresetArgumentHelp);
     command->add_option("FIELD=VALUE", options->assignments, "Changes for this command only");

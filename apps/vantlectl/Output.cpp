@@ -8,6 +8,11 @@
 #include <unistd.h>
 
 namespace vantle::ctl {
+namespace {
+
+bool g_isQuiet = false;
+
+} // namespace
 
 void Output::line(const QString &text)
 {
@@ -33,9 +38,33 @@ void Output::flush()
     m_buffer.clear();
 }
 
+void setQuiet(bool isQuiet)
+{
+    g_isQuiet = isQuiet;
+}
+
+bool isQuiet()
+{
+    return g_isQuiet;
+}
+
 void complain(const QString &text)
 {
     std::fprintf(stderr, "vantlectl: %s\n", text.toUtf8().constData());
+}
+
+void remark(const QString &text)
+{
+    if (!g_isQuiet)
+        complain(text);
+}
+
+void tellLogLine(const QString &line)
+{
+    if (line.startsWith(QLatin1StringView("Preset Saved: ")))
+        remark(line);
+    else
+        complain(line);
 }
 
 } // namespace vantle::ctl

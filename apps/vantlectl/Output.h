@@ -29,7 +29,16 @@ private:
     QByteArray m_buffer;
 };
 
+/// With --quiet nothing is said but what was asked for and what went wrong. To be set before the command
+/// runs.
+void setQuiet(bool isQuiet);
+[[nodiscard]] bool isQuiet();
+
 /// Writes "vantlectl: <text>" to standard error.
 void complain(const QString &text);
+/// The same for what is no failure: nothing with --quiet.
+void remark(const QString &text);
+/// A line of the store's log: remarked or complained of.
+void tellLogLine(const QString &line);
 
 } // namespace vantle::ctl

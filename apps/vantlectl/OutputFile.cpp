@@ -121,7 +121,7 @@ OutputFile::OutputFile(const fs::path &named) : m_name(shown(named)), m_path(nam
     constexpr int kLinks = 40; // as the system
     if (named == kStandardStream) {
         m_name = u"standard output"_s;
-        m_way = Way::descriptor;
+        m_kind = Kind::descriptor;
         m_descriptor = STDOUT_FILENO;
         return;
     }
@@ -141,7 +141,7 @@ OutputFile::OutputFile(const fs::path &named) : m_name(shown(named)), m_path(nam
             break;
         const fs::path folder = folderOf(m_path);
         if (const auto descriptor = ownDescriptor(folder, m_path.filename())) {
-            m_way = Way::descriptor;
+            m_kind = Kind::descriptor;
             m_descriptor = *descriptor;
             return;
         }
@@ -156,7 +156,7 @@ OutputFile::OutputFile(const fs::path &named) : m_name(shown(named)), m_path(nam
     if (S_ISDIR(status.st_mode))
         fail(EISDIR);
     if (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode))
-        m_way = Way::device;
+        m_kind = Kind::device;
     else if (!S_ISREG(status.st_mode))
         throw std::system_error(make_error_code(FileFault::notRegular));
 }
@@ -187,22 +187,22 @@ void OutputFile::writeCopy(QByteArrayView document, const fs::path &source, Outp
 void OutputFile::writeThrough(QByteArrayView document, Content content, Output &out) const
 {
     int descriptor = m_descriptor;
-    if (m_way == Way::device) // a FIFO that nobody reads is waited for, as every program does
+    if (m_kind == Kind::device) // a FIFO that nobody reads is waited for, as every program does
         descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0)
         fail(errno);
     const auto close = qScopeGuard([&] {
-        if (m_way == Way::device)
+        if (m_kind == Kind::device)
             ::close(descriptor);
     });
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0)
         fail(errno);
-    if (m_way == Way::device && !S_ISFIFO(status.st_mode) && !S_ISCHR(status.st_mode)) // exchanged just now
+    if (m_kind == Kind::device && !S_ISFIFO(status.st_mode) && !S_ISCHR(status.st_mode)) // exchanged just now
         throw std::system_error(make_error_code(FileFault::notRegular));
     const bool isStored = S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode);
     if (content == Content::secret && isStored && (status.st_mode & (S_IRGRP | S_IROTH)) != 0)
-        complain("note: others can read %1, and the secrets in it (mode %2)"_L1.arg(
+        remark("note: others can read %1, and the secrets in it (mode %2)"_L1.arg(
             m_name, QString::number(status.st_mode & 0777, 8)));
     if (descriptor == STDOUT_FILENO) {
         out.bytes(document);

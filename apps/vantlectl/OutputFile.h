@@ -22,7 +22,7 @@ public:
     explicit OutputFile(const std::filesystem::path &named);
 
     /// Whether a whole file is put in place, as opposed to written to.
-    [[nodiscard]] bool isReplaced() const { return m_way == Way::replace; }
+    [[nodiscard]] bool isReplaced() const { return m_kind == Kind::replace; }
 
     /// What is to be written, and how far it may be seen.
     enum class Content {
@@ -37,12 +37,12 @@ public:
     void writeCopy(QByteArrayView document, const std::filesystem::path &source, Output &out) const;
 
 private:
-    enum class Way { replace, descriptor, device };
+    enum class Kind { replace, descriptor, device };
 
     void writeThrough(QByteArrayView document, Content content, Output &out) const;
 
     QString m_name; ///< as it can be shown
-    Way m_way = Way::replace;
+    Kind m_kind = Kind::replace;
     std::filesystem::path m_path; ///< of a file, what links lead to
     int m_descriptor = -1;
 };

@@ -75,7 +75,7 @@ ExitCode set(const Options &options, Output &out)
         throw Refusal(QString::fromUtf8(error.what()) + "; nothing was changed"_L1);
     }
     if (options.json && code == ExitCode::good)
-        printPreset(out, *preset, true);
+        reportPreset(out, *preset, true);
     return code;
 }
 

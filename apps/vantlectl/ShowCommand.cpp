@@ -41,7 +41,6 @@ void addShowCommand(CLI::App &app, Command &chosen)
     CLI::App *const command = app.add_subcommand("show", "Show a preset and whether its levels fit");
     const auto options = std::make_shared<Options>();
     command->add_option("PRESET", options->preset, kPresetArgumentHelp)->required();
-    options->readsOnly = true;
     options->addTo(*command);
     command->add_flag("--reveal", options->reveal, "Show the stream key and the password");
     command->callback([options, &chosen] {

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/StoreSession.h"
 
+#include "apps/support/DataDirectory.h"
+#include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/PresetView.h"
 
 #include "VantlePresets/core/Log.h"
+#include "VantlePresets/document/FileAccess.h"
+#include "VantlePresets/store/NameRules.h"
+#include "VantlePresets/store/PresetsFolder.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
-#include <QtCore/QFileInfo>
 
 #include <algorithm>
 
@@ -17,24 +21,48 @@ using namespace Qt::StringLiterals;
 
 void StoreOptions::addTo(CLI::App &command)
 {
-    command.add_option("--data-dir", dataDirectory, "The data directory in place of the machine-wide one");
+    command
+        .add_option("--data-dir", dataDirectory,
+                    "The data directory in place of VANTLE_DATA_DIR or the machine-wide one")
+        ->check(dataDirectoryFault)
+        ->take_last(); // an alias may bring one
     command.add_flag("--json", json, "For machines: one JSON object per line");
 }
 
+QString StoreOptions::directory() const
+{
+    return chosenDataDirectory(dataDirectory).value_or(machineDataDirectories().constFirst());
+}
+
+namespace {
+
+/// Refuses a presets folder that is not there, since the store would make it.
+void requireFolder(const QString &dataDirectory)
+{
+    const auto isMissing = [](const std::filesystem::path &path) {
+        std::error_code error; // of what can't be looked at, the store tells why
+        return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
+    };
+    if (const auto path = fileSystemPath(dataDirectory); isMissing(path))
+        throw Refusal(shown(path) + ": there is no such directory"_L1);
+    if (const auto path = fileSystemPath(presetsFolderPath(dataDirectory)); isMissing(path))
+        throw Refusal(shown(path) + ": there is no such folder; add and import make it"_L1);
+}
+
+} // namespace
+
 StoreSession::StoreSession(const StoreOptions &options)
 {
-    const QString directory = QString::fromStdString(options.dataDirectory);
-    if (options.readsOnly && !directory.isEmpty() && !QFileInfo(directory).isDir())
-        throw Refusal(directory + ": there is no such directory"_L1);
+    const QString directory = options.directory();
+    if (!options.makesFolder)
+        requireFolder(directory);
     // What is logged of a start that fails is said in the session's own words.
     const auto lines = std::make_shared<QStringList>(); // one call of a sink at a time
     setLogSink([lines](const QString &line) { lines->append(line); });
-    m_manager = options.dataDirectory.empty()
-                    ? std::make_unique<PresetsManager>()
-                    : std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
-    setLogSink([](const QString &line) { complain(line); });
+    m_manager = std::make_unique<PresetsManager>([&] { return QStringList{directory}; });
+    setLogSink(tellLogLine);
     if (!m_manager->startError())
-        std::for_each(lines->cbegin(), lines->cend(), [](const QString &line) { complain(line); });
+        std::for_each(lines->cbegin(), lines->cend(), tellLogLine);
     QEventLoop loop;
     QObject::connect(m_manager.get(), &PresetsManager::didLoad, &loop, &QEventLoop::quit);
     QObject::connect(m_manager.get(), &PresetsManager::startFailed, &loop, &QEventLoop::quit);
@@ -85,6 +113,18 @@ ExitCode guarded(const std::function<ExitCode()> &work)
     }
 }
 
+QString nameForPreset(const std::string &text)
+{
+    const QString name = trimmedName(QString::fromStdString(text));
+    if (name.isEmpty())
+        throw Refusal(u"a preset's name can't be empty"_s);
+    if (name.contains(u'/'))
+        throw Refusal(u"a preset's name can't hold \"/\""_s);
+    if (name.startsWith(u'.'))
+        throw Refusal(u"a name that begins with \".\" would be hidden"_s);
+    return name;
+}
+
 void printPreset(Output &out, const VantlePreset &preset, bool json)
 {
     if (!json) {
@@ -93,6 +133,12 @@ void printPreset(Output &out, const VantlePreset &preset, bool json)
     }
     out.bytes(presetAsJson(preset, false));
     out.line();
+}
+
+void reportPreset(Output &out, const VantlePreset &preset, bool json)
+{
+    if (!isQuiet())
+        printPreset(out, preset, json);
 }
 
 } // namespace vantle::ctl

@@ -21,11 +21,13 @@ public:
 /// The options that every command on the store has.
 struct StoreOptions
 {
-    std::string dataDirectory; ///< "" for the machine-wide one
+    std::string dataDirectory; ///< "" when none was given
     bool json = false;
-    bool readsOnly = false; ///< a data directory that is not there is a mistake, and not made
+    bool makesFolder = false; ///< for adding: a presets folder that is not there is made
 
     void addTo(CLI::App &command);
+    /// The given one, else that of VANTLE_DATA_DIR, else the machine-wide one.
+    [[nodiscard]] QString directory() const;
 };
 
 /// The store of one command: opens it, waits until the folder has been read, and tells whether everything
@@ -33,7 +35,7 @@ struct StoreOptions
 class StoreSession
 {
 public:
-    /// Throws Refusal when the folder can't be used.
+    /// Throws Refusal when the folder can't be used, or is not there and not to be made.
     explicit StoreSession(const StoreOptions &options);
     ~StoreSession();
     StoreSession(const StoreSession &) = delete;
@@ -54,7 +56,13 @@ private:
 /// Runs a command's work and turns what it refuses into a complaint.
 [[nodiscard]] ExitCode guarded(const std::function<ExitCode()> &work);
 
+/// The trimmed name for a preset; throws Refusal when it is one that no file can have, or that would be
+/// hidden.
+[[nodiscard]] QString nameForPreset(const std::string &text);
+
 /// A preset's line in listings; with json the object of presetAsJson(), secrets masked.
 void printPreset(Output &out, const VantlePreset &preset, bool json);
+/// The same for a preset that the command has changed: nothing with --quiet.
+void reportPreset(Output &out, const VantlePreset &preset, bool json);
 
 } // namespace vantle::ctl

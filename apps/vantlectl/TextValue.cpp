@@ -37,7 +37,10 @@ QString textValue(const QString &value)
     const bool isOpen = name == u'-' ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
     if (!isOpen)
         throw std::runtime_error(QString(name + QStringLiteral(": ") + file.errorString()).toStdString());
-    return onlyLineOf(file);
+    const QString text = onlyLineOf(file);
+    if (text.isEmpty())
+        throw std::runtime_error("there is no text to read; nothing behind \"=\" empties a field");
+    return text;
 }
 
 } // namespace vantle::ctl

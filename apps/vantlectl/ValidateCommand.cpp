@@ -32,20 +32,6 @@ struct Result
     QList<Advice> advice = {};
 };
 
-/// What a folder's presets are: its visible *.json, no matter what kind of file, sorted by name.
-std::vector<fs::path> presetFilesOf(const fs::path &folder)
-{
-    std::vector<fs::path> files;
-    for (const fs::directory_entry &entry : fs::directory_iterator(folder)) {
-        std::error_code ignored; // what can't be looked at is listed, so that reading it tells why
-        const std::string name = entry.path().filename().native();
-        if (name.front() != '.' && entry.path().extension() == ".json" && !entry.is_directory(ignored))
-            files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 Result judge(const fs::path &path)
 {
     try {
@@ -93,13 +79,8 @@ ExitCode validate(const Options &options, Output &out)
     ExitCode code = ExitCode::good;
     std::vector<fs::path> files;
     for (const fs::path path : options.paths) {
-        std::error_code ignored;
-        if (path == kStandardStream || !fs::is_directory(path, ignored)) {
-            files.push_back(path);
-            continue;
-        }
         try {
-            const std::vector<fs::path> inside = presetFilesOf(path);
+            const std::vector<fs::path> inside = filesOfArgument(path);
             if (inside.empty())
                 complain("no preset files in "_L1 + shown(path));
             files.insert(files.end(), inside.begin(), inside.end());

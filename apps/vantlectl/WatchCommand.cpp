@@ -88,7 +88,6 @@ void addWatchCommand(CLI::App &app, Command &chosen)
     CLI::App *const command =
         app.add_subcommand("watch", "Print a line per change of the list, as it happens");
     const auto options = std::make_shared<StoreOptions>();
-    options->readsOnly = true;
     options->addTo(*command);
     command->callback([options, &chosen] {
         chosen = [options](Output &out) { return guarded([&] { return watch(*options, out); }); };

@@ -11,7 +11,6 @@
 #include <clocale>
 #include <csignal>
 #include <sstream>
-#include <string_view>
 
 namespace {
 
@@ -46,10 +45,10 @@ ExitCode explain(const CLI::App &app, const CLI::ParseError &error, Output &out)
 }
 
 /// Complains of a first word that is no subcommand, and names the one that looks like it.
-bool isUnknownCommand(const CLI::App &app, std::string_view word)
+bool isUnknownCommand(const CLI::App &app, const std::string &word)
 {
     constexpr qsizetype kAlike = 2;
-    const QString written = QString::fromUtf8(word.data(), std::ssize(word));
+    const QString written = QString::fromStdString(word);
     QString alike;
     qsizetype least = kAlike + 1;
     for (const CLI::App *command : app.get_subcommands({})) {
@@ -68,12 +67,40 @@ bool isUnknownCommand(const CLI::App &app, std::string_view word)
     return true;
 }
 
+/// Whether what follows the option is its value.
+bool takesValue(const CLI::App &app, const std::string &name)
+{
+    const auto commands = app.get_subcommands({});
+    return std::any_of(commands.begin(), commands.end(), [&](const CLI::App *command) {
+        const CLI::Option *const option = command->get_option_no_throw(name);
+        return option && option->get_items_expected_max() > 0;
+    });
+}
+
+/// The words of a command line with the subcommand in front, before which options may stand.
+std::vector<std::string> commandFirst(const CLI::App &app, std::vector<std::string> words)
+{
+    auto word = words.begin();
+    while (word != words.end() && word->size() > 1 && word->front() == '-') {
+        if (*word == "--" || *word == "--version" || *word == "--help" || *word == "-h")
+            return words;
+        const bool isFollowed = takesValue(app, *word);
+        ++word;
+        if (isFollowed && word != words.end())
+            ++word;
+    }
+    if (word != words.end())
+        std::rotate(words.begin(), word, word + 1);
+    return words;
+}
+
 ExitCode run(int argc, char **argv)
 {
     CLI::App app("Streaming presets from the command line: their files, and the live store of this machine.",
                  "vantlectl");
     app.set_version_flag("--version", "vantlectl " VANTLE_VERSION);
     app.require_subcommand(1);
+    app.footer("Options may stand before and behind the subcommand. VANTLE_DATA_DIR stands for --data-dir.");
     Command chosen;
     addValidateCommand(app, chosen);
     addShowCommand(app, chosen);
@@ -89,14 +116,21 @@ ExitCode run(int argc, char **argv)
     addWatchCommand(app, chosen);
     addServeCommand(app, chosen);
 
-    if (argc > 1 && *argv[1] != '-' && isUnknownCommand(app, argv[1]))
+    bool isQuiet = false;
+    for (CLI::App *command : app.get_subcommands({}))
+        command->add_flag("-q,--quiet", isQuiet, "Say nothing but what was asked for and what went wrong");
+
+    std::vector<std::string> words = commandFirst(app, {argv + 1, argv + argc});
+    if (!words.empty() && !words.front().starts_with('-') && isUnknownCommand(app, words.front()))
         return ExitCode::usage;
+    std::reverse(words.begin(), words.end()); // as the parser takes them
     Output out;
     try {
-        app.parse(argc, argv);
+        app.parse(words);
     } catch (const CLI::ParseError &error) {
         return explain(app, error, out);
     }
+    setQuiet(isQuiet);
     const ExitCode code = chosen(out);
     out.flush();
     return code;
@@ -112,7 +146,7 @@ int main(int argc, char **argv)
     // The width of characters depends on the locale, which Qt has just taken from the environment; texts are
     // UTF-8 in every one.
     std::setlocale(LC_CTYPE, "C.UTF-8");
-    setLogSink([](const QString &line) { complain(line); });
+    setLogSink(tellLogLine);
     ExitCode code = ExitCode::failed;
     try {
         code = run(argc, argv);

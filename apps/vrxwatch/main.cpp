@@ -182,7 +182,10 @@ try {
     reserveStandardStreams();
     Options options;
     CLI::App commandLine("Prints what appears, changes and disappears in a folder.", "vrxwatch");
-    commandLine.add_option("DIR", options.folder, "The folder to watch")->required();
+    commandLine.add_option("DIR", options.folder, "The folder to watch")
+        ->required()
+        ->check(
+            [](const std::string &text) { return text.empty() ? "the name of the folder is empty" : ""; });
     commandLine.add_flag("--deep", options.deep, "Watch the directories below it too");
     commandLine.add_option("--latency", options.latency, "Seconds for which events are collected")
         ->capture_default_str()

@@ -65,10 +65,11 @@ TEST_F(Hints, StandUnderTheFieldsThatTheFormHas)
          {u"Login is missing; a server that asks wants login and password."_s,
           u"Password is missing; a server that asks wants login and password."_s}},
         {T::srt,
-         {u"streamingURL=h?latency=1&passphrase=x"_s, u"portNumber=70000"_s, u"videoSettings.0.pid=17"_s},
+         {u"streamingURL=h?latency=120000&passphrase=x"_s, u"portNumber=70000"_s,
+          u"videoSettings.0.pid=17"_s},
          {u"16 to 31 belong to DVB's tables; free are 32 to 8186."_s},
-         {u"ffmpeg reads this latency in microseconds, less than one millisecond; SRT's own programs read "
-          "milliseconds.\nA passphrase has 10 to 79 bytes."_s,
+         {u"A latency is in milliseconds, at most 10000; only ffmpeg's own addresses count microseconds.\nA "
+          "passphrase has 10 to 79 bytes."_s,
           u"A port is 1 to 65535."_s, u"16 to 31 belong to DVB's tables; free are 32 to 8186."_s}},
         {T::srt,
          {u"streamingURL=h"_s, u"portNumber=7000"_s},

@@ -51,12 +51,12 @@ TEST(FileRelation, KeepsItsPromises)
                 EXPECT_FALSE(isUnderWay(next));
             }
             if (event == SaveEvent::refused) {
-                EXPECT_EQ(duty, SaveDuty::giveFreeName);
+                EXPECT_EQ(duty, SaveDuty::resolveConflict);
             }
             const bool isBlind = state == savingBlind || state == renamingBlind;
             const bool isHeard = isBlind || event == SaveEvent::skipped;
             if (isEnd && isHeard && event != SaveEvent::refused) {
-                EXPECT_EQ(duty, SaveDuty::lookAgain) << "what was heard is never forgotten";
+                EXPECT_EQ(duty, SaveDuty::reread) << "what was heard is never forgotten";
             }
             if (isBlind && !isEnd) {
                 EXPECT_TRUE(next == savingBlind || next == renamingBlind);
@@ -73,11 +73,11 @@ TEST(FileRelation, CountsTheSavesThatAreUnderWay)
     relation.begin(true);
     EXPECT_EQ(relation.end(Outcome::skipped), SaveDuty::none);
     EXPECT_EQ(relation.state(), renamingBlind);
-    EXPECT_EQ(relation.end(Outcome::failed), SaveDuty::lookAgain);
+    EXPECT_EQ(relation.end(Outcome::failed), SaveDuty::reread);
     EXPECT_TRUE(relation.isRenameOwed() && !relation.isUnderWay());
     EXPECT_EQ(relation.hear(), SaveDuty::believe);
     relation.begin(false);
-    EXPECT_EQ(relation.end(Outcome::refused), SaveDuty::giveFreeName);
+    EXPECT_EQ(relation.end(Outcome::refused), SaveDuty::resolveConflict);
     relation.begin(true);
     EXPECT_EQ(relation.end(Outcome::written), SaveDuty::none);
     EXPECT_EQ(relation.state(), settled);

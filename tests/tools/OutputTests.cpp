@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/FinishedProcess.h"
-#include "tests/support/QtPrinters.h"
 #include "tests/support/SecretDocuments.h"
-#include "tests/support/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "tests/tools/ScriptTest.h"
 
 #include <thread>
 
@@ -14,7 +10,7 @@ namespace vantle::test {
 namespace {
 
 /// Shell scripts in a folder that has a.json, a YouTube preset with secrets; it is the store's preset A too.
-class Outputs : public testing::Test
+class Outputs : public ScriptTest
 {
 protected:
     void SetUp() override
@@ -30,15 +26,10 @@ protected:
 
     [[nodiscard]] Finished script(const std::string &text) const
     {
-        return runProcess({"/bin/sh", "-ec",
-                           "cd '" + m_folder.path() +
-                               "'; umask 022; ctl() { " VANTLECTL " \"$@\"; };"
-                               "put() { ctl export --data-dir data \"$@\"; };"
-                               "mode() { stat -c %a \"$1\"; }; cp YouTube.json a.json;" +
-                               text});
+        return run("put() { ctl export --data-dir data \"$@\"; }; mode() { stat -c %a \"$1\"; };"
+                   "cp YouTube.json a.json;" +
+                   text);
     }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(Outputs, GoWhereTheUserPoints)
@@ -85,17 +76,15 @@ TEST_F(Outputs, AreRefusedWithALine)
         {"put YouTube - >&-", "vantlectl: can't write the output: Bad file descriptor\n"},
         {"sleep 9 & ln -s /proc/$!/fd/1 s; put YouTube s || { kill $!; test -L s; exit 1; }",
          "vantlectl: s: Not a regular file\n"},
-        {"ctl import - --data-dir data <a.json", "vantlectl: what comes from standard input needs --name\n"},
-        {"ctl import a.json HLS.json --name X --data-dir data", "vantlectl: --name is for one file\n"},
-        {"ctl import a.json --name .X --data-dir data",
-         "vantlectl: This name is invalid or already taken.\n"},
+        {"mkdir d; cp a.json d/A.json; cp a.json d/B.json; ctl import d --name X --data-dir data",
+         "vantlectl: --name is for one file\n"},
         {"if head -c 70M /dev/zero | ctl validate - | grep -q larger; then exit 1; fi", ""},
     };
     for (const auto &row : rows) {
         const Finished run = script(row.text);
         EXPECT_EQ(run.exitCode, 1) << row.text;
         EXPECT_EQ(run.errors.toStdString(), row.complaint) << row.text;
-        static_cast<void>(script("rm -f l s"));
+        static_cast<void>(script("rm -rf d l s"));
     }
     EXPECT_FALSE(m_folder.names().contains("no"));
 }

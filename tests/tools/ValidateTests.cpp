@@ -111,6 +111,12 @@ TEST(Validate, WrongUsageIsTold)
                                                          {VANTLECTL, "validate", "--jsn", "x"},
                                                          {VANTLECTL, "show", "a", "b"},
                                                          {VANTLECTL, "convert", "a"},
+                                                         {VANTLECTL, "export", "a"},
+                                                         {VANTLECTL, "export", "a", "--all", "b"},
+                                                         {VANTLECTL, "import", "-"},
+                                                         {VANTLECTL, "import", "a", "b", "--name", "c"},
+                                                         {VANTLECTL, "list", "--data-dir", ""},
+                                                         {VANTLECTL, "--jsn", "list"},
                                                          {VANTLECTL, "frobnicate"}}) {
         const Finished run = runProcess(arguments);
         EXPECT_EQ(run.exitCode, 2);

@@ -38,13 +38,9 @@ TEST(VrxwatchTest, EndsWithAStatusThatSaysWhy)
         std::vector<std::string> arguments;
         int status;
     } cases[] = {
-        {{"--version"}, 0},
-        {{"--help"}, 0},
-        {{}, 2},
-        {{"--nonsense", "/"}, 2},
-        {{"/", "--backend", "x"}, 2},
-        {{"/nowhere"}, 1},
-        {{"/etc/passwd"}, 1},
+        {{"--version"}, 0}, {{"--help"}, 0},          {{}, 2},
+        {{""}, 2},          {{"--nonsense", "/"}, 2}, {{"/", "--backend", "x"}, 2},
+        {{"/nowhere"}, 1},  {{"/etc/passwd"}, 1},
     };
     for (const auto &usage : cases) {
         std::vector<std::string> command = {VRXWATCH};
