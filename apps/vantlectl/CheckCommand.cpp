@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/Assignments.h"
+#include "apps/vantlectl/CheckStepJson.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/Table.h"
-
-#include "VantlePresets/check/ConnectionCheck.h"
-#include "VantlePresets/document/DocumentWriter.h"
 
 #include <QtCore/QEventLoop>
 
@@ -24,14 +22,8 @@ struct Options : StoreOptions
 
 void printAsJson(const CheckStep &step, Output &out)
 {
-    out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
-        writer.beginObject();
-        writer.string("step", step.name);
-        writer.string("outcome", checkOutcomes().text(step.outcome));
-        writer.integer("milliseconds", step.time.count());
-        writer.string("text", step.text);
-        writer.endObject();
-    }));
+    out.bytes(document::encode(document::Format::compact,
+                               [&](document::DocumentWriter &writer) { writeStep(writer, step); }));
     out.line();
 }
 

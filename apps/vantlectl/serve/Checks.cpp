@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/serve/Checks.h"
 
+#include "apps/vantlectl/CheckStepJson.h"
 #include "apps/vantlectl/serve/Methods.h"
 #include "apps/vantlectl/serve/Request.h"
-
-#include "VantlePresets/document/DocumentWriter.h"
 
 #include <chrono>
 
@@ -40,14 +39,8 @@ QByteArray resultOf(const QList<CheckStep> &steps, bool isGood)
         writer.boolean("isGood", isGood);
         writer.key("steps");
         writer.beginArray();
-        for (const CheckStep &step : steps) {
-            writer.beginObject();
-            writer.string("step", step.name);
-            writer.string("outcome", checkOutcomes().text(step.outcome));
-            writer.integer("milliseconds", step.time.count());
-            writer.string("text", step.text);
-            writer.endObject();
-        }
+        for (const CheckStep &step : steps)
+            writeStep(writer, step);
         writer.endArray();
         writer.endObject();
     });
