@@ -23,7 +23,7 @@ constexpr int kBelowCaption = 3;
 } // namespace
 
 ChannelToggles::ChannelToggles(QWidget *parent)
-    : QWidget(parent), m_caption(new FormLabel(FormLabel::Voice::caption, tr("Source Channels"), this)),
+    : QWidget(parent), m_caption(new FormLabel(FormLabel::Role::caption, tr("Source Channels"), this)),
       m_clear(nullptr)
 {
     GroupBox::announceAsGroup(this);

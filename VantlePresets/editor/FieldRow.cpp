@@ -29,7 +29,7 @@ FieldRow::FieldRow(QWidget *parent) : QWidget(parent)
 void FieldRow::addField(const QString &caption, const QString &property, QWidget *control, int minimumWidth,
                         const QWidget *below)
 {
-    auto *label = new FormLabel(FormLabel::Voice::caption, caption, this);
+    auto *label = new FormLabel(FormLabel::Role::caption, caption, this);
     label->setBuddy(control);
     control->setParent(this);
     control->setObjectName(property);

@@ -40,7 +40,7 @@ QStringList noticeLines(const QString &text, const QFont &font, int width)
 
 } // namespace
 
-FormLabel::FormLabel(Voice voice, const QString &text, QWidget *parent) : QLabel(text, parent), m_voice(voice)
+FormLabel::FormLabel(Role role, const QString &text, QWidget *parent) : QLabel(text, parent), m_role(role)
 {
     setTextFormat(Qt::PlainText);
     followHostFont();
@@ -49,7 +49,7 @@ FormLabel::FormLabel(Voice voice, const QString &text, QWidget *parent) : QLabel
 QSize FormLabel::sizeHint() const
 {
     const QFontMetrics metrics(font());
-    if (m_voice == Voice::notice)
+    if (m_role == Role::notice)
         return {metrics.horizontalAdvance(text()) + 1, kNoticeLines * metrics.lineSpacing()};
     const int sign = hasSign() ? warningSignWidth(font()) : 0;
     int width = 0;
@@ -74,11 +74,11 @@ int FormLabel::heightForWidth(int width) const
 void FormLabel::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    const bool isDimmed = m_voice == Voice::caption || m_voice == Voice::placeholder;
+    const bool isDimmed = m_role == Role::caption || m_role == Role::placeholder;
     painter.setPen(isDimmed ? dimmedText(palette()) : palette().color(QPalette::WindowText));
     if (hasSign())
         return paintBesideSign(painter);
-    if (m_voice == Voice::notice)
+    if (m_role == Role::notice)
         return paintNotice(painter);
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine,
                      isolated(QFontMetrics(font()).elidedText(text(), Qt::ElideRight, width())));
@@ -101,7 +101,7 @@ void FormLabel::paintBesideSign(QPainter &painter) const
     const QRect beside(QPoint(sign, 0), QSize(width() - sign, height()));
     const QRect place = QStyle::visualRect(layoutDirection(), rect(), QRect(0, 0, sign, height()));
     const int gap = layoutDirection() == Qt::RightToLeft ? sign - QFontMetrics(font()).height() : 0;
-    const auto paintSign = m_voice == Voice::error ? paintErrorSign : paintWarningSign;
+    const auto paintSign = m_role == Role::error ? paintErrorSign : paintWarningSign;
     paintSign(painter, place.topLeft() + QPoint(gap, 0), font());
     painter.drawText(QStyle::visualRect(layoutDirection(), rect(), beside), Qt::TextWordWrap,
                      isolated(text()));
@@ -126,18 +126,18 @@ void FormLabel::changeEvent(QEvent *event)
 
 void FormLabel::followHostFont()
 {
-    switch (m_voice) {
-    case Voice::caption:
+    switch (m_role) {
+    case Role::caption:
         return setFont(fontOfSize(QApplication::font(), 11));
-    case Voice::notice:
-    case Voice::warning:
-    case Voice::error:
+    case Role::notice:
+    case Role::warning:
+    case Role::error:
         return setFont(fontOfSize(QApplication::font(), 12));
-    case Voice::heading:
+    case Role::heading:
         return setFont(fontOfSize(QApplication::font(), 11, true));
-    case Voice::title:
+    case Role::title:
         return setFont(fontOfSize(QApplication::font(), 15, true));
-    case Voice::placeholder:
+    case Role::placeholder:
         return setFont(fontOfSize(QApplication::font(), 14));
     }
 }

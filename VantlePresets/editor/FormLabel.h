@@ -7,7 +7,7 @@ class QPainter;
 
 namespace vantle {
 
-/// A text in one of the editor's voices, in one line. What does not fit is elided and shown as tool tip;
+/// A text of the editor's in one line. What does not fit is elided and shown as tool tip;
 /// text() always has the whole of it. A notice has two lines, whatever its length; a warning or an error goes
 /// to further lines instead.
 class FormLabel : public QLabel
@@ -15,7 +15,7 @@ class FormLabel : public QLabel
     Q_OBJECT
 
 public:
-    enum class Voice {
+    enum class Role {
         caption,     ///< small and dimmed, above its control
         heading,     ///< small and bold
         title,       ///< large and bold
@@ -25,17 +25,17 @@ public:
         error,       ///< the same beside a louder sign
     };
 
-    explicit FormLabel(Voice voice, const QString &text = QString(), QWidget *parent = nullptr);
+    explicit FormLabel(Role role, const QString &text = QString(), QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] bool hasHeightForWidth() const override { return hasSign(); }
     [[nodiscard]] int heightForWidth(int width) const override;
 
-    [[nodiscard]] Voice voice() const { return m_voice; }
+    [[nodiscard]] Role role() const { return m_role; }
 
 protected:
-    void setVoice(Voice voice) { m_voice = voice; }
+    void setRole(Role role) { m_role = role; }
     void paintEvent(QPaintEvent *event) override;
     bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -44,9 +44,9 @@ private:
     void followHostFont();
     void paintNotice(QPainter &painter) const;
     void paintBesideSign(QPainter &painter) const;
-    [[nodiscard]] bool hasSign() const { return m_voice == Voice::warning || m_voice == Voice::error; }
+    [[nodiscard]] bool hasSign() const { return m_role == Role::warning || m_role == Role::error; }
 
-    Voice m_voice;
+    Role m_role;
 };
 
 } // namespace vantle

@@ -4,7 +4,7 @@
 namespace vantle {
 
 HintLabel::HintLabel(QWidget *control, const QString &caption, QWidget *parent)
-    : FormLabel(Voice::warning, QString(), parent), m_control(control), m_caption(caption)
+    : FormLabel(Role::warning, QString(), parent), m_control(control), m_caption(caption)
 {
     setObjectName(QStringLiteral("hint"));
     hide();
@@ -13,10 +13,10 @@ HintLabel::HintLabel(QWidget *control, const QString &caption, QWidget *parent)
 bool HintLabel::setHint(const FieldHint &hint)
 {
     const QString sentences = hintText(hint, m_caption);
-    const Voice voice = hint.severity == AdviceSeverity::error ? Voice::error : Voice::warning;
-    if (sentences == text() && voice == this->voice())
+    const Role severity = hint.severity == AdviceSeverity::error ? Role::error : Role::warning;
+    if (sentences == text() && severity == role())
         return false;
-    setVoice(voice);
+    setRole(severity);
     setText(sentences);
     setVisible(!sentences.isEmpty());
     if (m_control)

@@ -83,7 +83,7 @@ QString sentence(const PresetsFailure &failure)
 } // namespace
 
 ProblemStrip::ProblemStrip(const std::shared_ptr<PresetsManager> &manager, QWidget *parent)
-    : QWidget(parent), m_manager(manager), m_text(new FormLabel(FormLabel::Voice::notice)),
+    : QWidget(parent), m_manager(manager), m_text(new FormLabel(FormLabel::Role::notice)),
       m_tryAgain(new QPushButton(tr("Try Again"))),
       m_close(makeIconButton(dimmedBundleSymbol(u"xmark.circle.fill"_s), tr("Close"), u"closeProblems"_s))
 {

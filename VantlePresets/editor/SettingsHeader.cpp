@@ -13,7 +13,7 @@ namespace vantle {
 using namespace Qt::StringLiterals;
 
 SettingsHeader::SettingsHeader(const QIcon &symbol, const QString &list, QWidget *parent)
-    : QWidget(parent), m_text(new FormLabel(FormLabel::Voice::heading))
+    : QWidget(parent), m_text(new FormLabel(FormLabel::Role::heading))
 {
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);

@@ -82,7 +82,7 @@ bool StreamingSettingsGroup::hasRows(StreamingType type, bool all)
 
 StreamingSettingsGroup::StreamingSettingsGroup(QWidget *parent) : GroupBox(parent), m_grid(new QGridLayout)
 {
-    auto *heading = new FormLabel(FormLabel::Voice::heading, tr("Streaming Settings"));
+    auto *heading = new FormLabel(FormLabel::Role::heading, tr("Streaming Settings"));
     setAccessibleName(heading->text());
     rows()->addWidget(heading);
     rows()->addLayout(m_grid);
@@ -97,7 +97,7 @@ void StreamingSettingsGroup::makeRow(int number)
 {
     const RowKind &kind = kRowKinds[static_cast<size_t>(number)];
     Row &row = m_rows[static_cast<size_t>(number)];
-    row.caption = new FormLabel(FormLabel::Voice::caption, tr(kind.caption));
+    row.caption = new FormLabel(FormLabel::Role::caption, tr(kind.caption));
     row.control = makeControl(number);
     row.caption->setBuddy(row.control);
     row.control->setObjectName(QLatin1StringView(kind.property));

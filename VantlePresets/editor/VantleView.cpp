@@ -266,8 +266,8 @@ QWidget *VantleView::makeDetail()
         makeIconButton(bundleSymbol(u"sidebar.leading"_s), tr("Toggle Sidebar"), u"toggleSidebar"_s);
     connect(sidebarButton, &QToolButton::clicked, this, &performToggleSidebar);
 
-    m_title = new FormLabel(FormLabel::Voice::title);
-    auto *placeholder = new FormLabel(FormLabel::Voice::placeholder, tr("Please Select a Preset"));
+    m_title = new FormLabel(FormLabel::Role::title);
+    auto *placeholder = new FormLabel(FormLabel::Role::placeholder, tr("Please Select a Preset"));
     placeholder->setAlignment(Qt::AlignCenter);
     m_placeholder = placeholder;
     m_detail = new QStackedWidget;

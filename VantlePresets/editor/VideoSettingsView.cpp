@@ -95,7 +95,7 @@ void VideoSettingsView::makeFields()
     m_row->addField(tr("Profile"), u"profile"_s, m_profile, 180);
     m_bitRate = new IntegerField;
     m_row->addField(tr("Bitrate (kb/s)"), u"bitRate"_s, m_bitRate, 70);
-    m_maximum = new FormLabel(FormLabel::Voice::caption);
+    m_maximum = new FormLabel(FormLabel::Role::caption);
     m_row->setLineBelow(m_bitRate, m_maximum);
     if (dynamic_cast<const SRTVantlePreset *>(m_preset.get())) {
         m_pid = new IntegerField;
