@@ -24,8 +24,8 @@ public:
     ChangeReport(const ChangeReport &) = delete;
     ChangeReport &operator=(const ChangeReport &) = delete;
 
-    bool cancelled() const { return m_cancelled || *m_stopped; }
-    bool stopped() const { return *m_stopped; }
+    [[nodiscard]] bool cancelled() const { return m_cancelled || *m_stopped; }
+    [[nodiscard]] bool stopped() const { return *m_stopped; }
 
     void added(const std::string &path, bool isDirectory);
     void updated(const std::string &path, bool isDirectory);
@@ -40,7 +40,7 @@ public:
 private:
     using FileCallback = void (VRXWatchFolderDelegate::*)(VRXWatchFolder *, const QUrl &, bool);
     void report(FileCallback callback, QList<QUrl> &list, const std::string &path, bool isDirectory);
-    bool canCall() const { return m_delegate && !*m_stopped; }
+    [[nodiscard]] bool canCall() const { return m_delegate && !*m_stopped; }
 
     const std::string m_folder;
     VRXWatchFolder *const m_watchFolder;

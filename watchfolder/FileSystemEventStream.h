@@ -61,11 +61,11 @@ public:
     virtual void comparisonTook(std::chrono::milliseconds) {}
 
     /// True when events that this process alone caused carry OwnEvent.
-    virtual bool tellsOwnEvents() const = 0;
+    [[nodiscard]] virtual bool tellsOwnEvents() const = 0;
     /// Never Automatic.
-    virtual WatchBackend backend() const = 0;
+    [[nodiscard]] virtual WatchBackend backend() const = 0;
     /// For debugging output.
-    virtual QString description() const = 0;
+    [[nodiscard]] virtual QString description() const = 0;
 };
 
 /// Makes and starts a stream. Null, with the error, when that is not possible.

@@ -50,11 +50,11 @@ class FolderInventory
 public:
     explicit FolderInventory(std::string folder) : m_folder(std::move(folder)) {}
 
-    std::optional<Inventory::Record> find(std::string_view path) const;
-    bool has(std::string_view path) const { return find(path).has_value(); }
+    [[nodiscard]] std::optional<Inventory::Record> find(std::string_view path) const;
+    [[nodiscard]] bool has(std::string_view path) const { return find(path).has_value(); }
     void
     forEach(const std::function<void(const std::string &path, const Inventory::Record &record)> &visit) const;
-    std::vector<std::string> pathsBelow(std::string_view directory) const;
+    [[nodiscard]] std::vector<std::string> pathsBelow(std::string_view directory) const;
 
     /// Whether an item is compared by file, size and change time too, and not by its date alone.
     void setComparesIdentity(bool compares);
@@ -73,7 +73,7 @@ public:
     /// what is there is not exactly the outcome, which is somebody else's doing then.
     std::vector<ChangedPath> endOwnChange(const std::string &path, const OwnOutcome &outcome);
     /// The item at a path as it is now, as the outcome of an own change.
-    OwnOutcome presentOutcome(std::string_view path) const;
+    [[nodiscard]] OwnOutcome presentOutcome(std::string_view path) const;
 
     /// Before the whole folder is walked: notes which folder stands at the path. What is missing in another
     /// one has not been removed by this process.
@@ -82,7 +82,7 @@ public:
     std::uint32_t beginWalk();
     /// True when the entry is as recorded; otherwise it has to be compared.
     bool meet(std::string_view directory, std::string_view name, const FileState &state, std::uint32_t walk);
-    std::vector<std::string> notMet(std::string_view directory, std::uint32_t walk) const;
+    [[nodiscard]] std::vector<std::string> notMet(std::string_view directory, std::uint32_t walk) const;
 
     /// Own changes between these two are applied to the replacement too, which may be older than they are.
     /// Returns their paths: the replacement may have been newer.
@@ -98,14 +98,14 @@ private:
         std::vector<ChangedPath> postponed;
     };
 
-    bool isNotedFolder(const std::optional<FileState> &noted) const;
-    bool isAsRecorded(const Inventory::Record &record, const FileState &state) const;
+    [[nodiscard]] bool isNotedFolder(const std::optional<FileState> &noted) const;
+    [[nodiscard]] bool isAsRecorded(const Inventory::Record &record, const FileState &state) const;
     Bracket *bracketAround(std::string_view path);
     Finding judge(const ChangedPath &changed, LookCause cause, const std::optional<FileState> &state,
                   bool isMissing);
     void record(std::string_view path, const OwnOutcome &outcome);
     void removeWithDescendants(std::string_view path);
-    std::optional<FileState> readState(std::string_view path, std::error_code &error) const;
+    [[nodiscard]] std::optional<FileState> readState(std::string_view path, std::error_code &error) const;
 
     const std::string m_folder;
     /// Never held while the file system is asked.

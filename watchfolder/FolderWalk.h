@@ -22,7 +22,7 @@ class FolderWalkVisitor
 {
 public:
     virtual ~FolderWalkVisitor() = default;
-    virtual bool cancelled() const = 0;
+    [[nodiscard]] virtual bool cancelled() const = 0;
     /// Before a directory is read, with its descriptor: the place to put it under watch.
     virtual std::error_code willReadDirectory(const std::string &directory, int descriptor) = 0;
     /// One entry; the state is absent when it could not be read.

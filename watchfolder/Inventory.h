@@ -34,14 +34,14 @@ public:
     };
     using Names = std::unordered_map<std::string, Record, NameHash, std::equal_to<>>;
 
-    const Record *find(std::string_view path) const;
+    [[nodiscard]] const Record *find(std::string_view path) const;
     Record *find(std::string_view path);
-    bool empty() const { return m_directories.empty(); }
+    [[nodiscard]] bool empty() const { return m_directories.empty(); }
     /// The names in a directory, or none.
-    const Names *names(std::string_view directory) const;
+    [[nodiscard]] const Names *names(std::string_view directory) const;
     Names *names(std::string_view directory);
     /// Every inventoried path that lies below a directory (without the directory itself).
-    std::vector<std::string> pathsBelow(std::string_view directory) const;
+    [[nodiscard]] std::vector<std::string> pathsBelow(std::string_view directory) const;
     using Visit = std::function<void(const std::string &path, const Record &record)>;
     void forEach(const Visit &visit) const
     {

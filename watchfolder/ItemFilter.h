@@ -16,14 +16,14 @@ public:
     /// Extensions are compared in lower case, without a dot.
     ItemFilter(const QStringList &types, const QStringList &extensions);
 
-    const QStringList &types() const { return m_types; }
-    const QStringList &extensions() const { return m_extensions; }
-    bool isEmpty() const { return m_types.isEmpty() && m_extensions.isEmpty(); }
-    bool shouldIgnore(std::string_view path) const;
+    [[nodiscard]] const QStringList &types() const { return m_types; }
+    [[nodiscard]] const QStringList &extensions() const { return m_extensions; }
+    [[nodiscard]] bool isEmpty() const { return m_types.isEmpty() && m_extensions.isEmpty(); }
+    [[nodiscard]] bool shouldIgnore(std::string_view path) const;
 
 private:
-    bool matchesType(const QString &path) const;
-    bool matchesExtension(QStringView name) const;
+    [[nodiscard]] bool matchesType(const QString &path) const;
+    [[nodiscard]] bool matchesExtension(QStringView name) const;
 
     QStringList m_types;
     QStringList m_extensions;

@@ -51,8 +51,11 @@ private:
     std::error_code openFolder();
     std::error_code openFolderLocked();
     void markTheWay(KernelQueue &queue) const;
-    bool folderIsAtItsPath() const;
-    std::string folderPath() const { return m_configuration.folder.empty() ? "/" : m_configuration.folder; }
+    [[nodiscard]] bool folderIsAtItsPath() const;
+    [[nodiscard]] std::string folderPath() const
+    {
+        return m_configuration.folder.empty() ? "/" : m_configuration.folder;
+    }
 
     void arrived();
     void deliver(Urgency urgency);

@@ -18,11 +18,11 @@ public:
     /// or one above it is waiting; replaces what waits below it.
     void addPathToInventory(std::string path);
     std::optional<std::string> dequeueNextPathToInventory();
-    std::vector<std::string> pendingPathsToInventory() const;
+    [[nodiscard]] std::vector<std::string> pendingPathsToInventory() const;
     void clear();
 
 private:
-    bool isCovered(const std::string &path) const;
+    [[nodiscard]] bool isCovered(const std::string &path) const;
 
     mutable std::mutex m_mutex;
     std::map<std::string, unsigned long> m_orderByPath;

@@ -31,7 +31,7 @@ public:
     /// The events that can be reported. Settling decides at once what would otherwise get a second look.
     std::vector<VRXWatchFolderEvent> take(bool settle, Clock::time_point now);
     /// In how long take() has to be called again although nothing new may come.
-    std::optional<Clock::duration> nextLook() const { return m_nextLook; }
+    [[nodiscard]] std::optional<Clock::duration> nextLook() const { return m_nextLook; }
 
     void clear();
 

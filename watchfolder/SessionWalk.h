@@ -31,7 +31,7 @@ public:
     /// What differs, then what is inventoried below the directory and was not met.
     std::vector<ChangedPath> takeDifferences(const std::string &directory);
     /// What could not be read for lack of rights.
-    const std::vector<std::string> &closed() const { return m_closed; }
+    [[nodiscard]] const std::vector<std::string> &closed() const { return m_closed; }
 
     [[nodiscard]] bool cancelled() const override;
     std::error_code willReadDirectory(const std::string &directory, int descriptor) override;

@@ -53,39 +53,39 @@ public:
 
     /// @{
     /// What is watched, and what of it is looked at.
-    QString folderPath() const { return m_folderPath; }
-    bool deepWatch() const;
-    double latency() const { return m_latency; }
+    [[nodiscard]] QString folderPath() const { return m_folderPath; }
+    [[nodiscard]] bool deepWatch() const;
+    [[nodiscard]] double latency() const { return m_latency; }
     QStringList UTTypesFilter() const;
-    QStringList extensionFilter() const;
-    QStringList propertiesToFetch() const;
-    unsigned enumerationOptions() const;
+    [[nodiscard]] QStringList extensionFilter() const;
+    [[nodiscard]] QStringList propertiesToFetch() const;
+    [[nodiscard]] unsigned enumerationOptions() const;
     /// @}
     /// True from the end of the first inventory until stopWatching.
-    bool isWatchingPath() const;
+    [[nodiscard]] bool isWatchingPath() const;
 
     /// For people and debugging output.
-    QString displayName() const;
+    [[nodiscard]] QString displayName() const;
     /// For people and debugging output.
     void setDisplayName(const QString &name);
     /// Null when it is gone.
-    std::shared_ptr<VRXWatchFolderDelegate> delegate() const;
+    [[nodiscard]] std::shared_ptr<VRXWatchFolderDelegate> delegate() const;
     /// The delegate is held weakly.
     void setDelegate(std::weak_ptr<VRXWatchFolderDelegate> delegate);
     /// Takes effect when watching starts, like setBackend.
-    bool ignoreSelf() const;
+    [[nodiscard]] bool ignoreSelf() const;
     /// See the class; set at first.
     void setIgnoreSelf(bool ignore);
     /// Utility makes the working queue give way to other threads. To be set before the first start.
-    QualityOfService qualityOfService() const;
+    [[nodiscard]] QualityOfService qualityOfService() const;
     /// See qualityOfService().
     void setQualityOfService(QualityOfService qualityOfService);
     /// Which event source to use; Automatic at first.
     void setBackend(WatchBackend backend);
     /// The one that runs; Automatic while none does.
-    WatchBackend backend() const;
+    [[nodiscard]] WatchBackend backend() const;
     /// Empty while not watching.
-    QString streamDescription() const;
+    [[nodiscard]] QString streamDescription() const;
 
     /// Whether an item whose date is unchanged is reported as updated when it is another file, has another
     /// size or another change time: one that was replaced within a tick of the clock, rewritten by a tool
@@ -94,13 +94,13 @@ public:
 
     /// Kept for clients, and without effect: what changed while nobody watched is in the next first
     /// inventory. False at first.
-    bool restartWhereWeLeftOff() const;
+    [[nodiscard]] bool restartWhereWeLeftOff() const;
     /// See restartWhereWeLeftOff().
     void setRestartWhereWeLeftOff(bool restart);
 
     /// Decides whether an enumeration that met an error goes on. Each start puts one in place that asks the
     /// delegate; empty while not watching.
-    VRXWatchFolderDelegate::EnumerationErrorHandler fileEnumerationErrorHandler() const;
+    [[nodiscard]] VRXWatchFolderDelegate::EnumerationErrorHandler fileEnumerationErrorHandler() const;
     /// Until watching stops; without effect while not watching. Called on the working queue; must not throw.
     /// An empty one goes on after any error.
     void setFileEnumerationErrorHandler(VRXWatchFolderDelegate::EnumerationErrorHandler handler);
@@ -116,7 +116,7 @@ public:
     /// Drops the pending comparisons; what they would have found is found when the items change again.
     void cancel();
     /// Makes a running enumeration stop early; reset by startWatching.
-    bool cancelRequested() const;
+    [[nodiscard]] bool cancelRequested() const;
     /// See cancelRequested().
     void setCancelRequested(bool requested);
 
@@ -138,19 +138,19 @@ public:
     void checkChangesAtPaths(const QSet<QString> &paths, std::function<void()> done = {});
 
     /// What the inventory knows about an absolute path.
-    std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;
+    [[nodiscard]] std::optional<VRXWatchFolderItem> itemAtPath(const QString &path) const;
     /// Whether the inventory has an item at an absolute path.
-    bool hasItemAtPath(const QString &path) const;
+    [[nodiscard]] bool hasItemAtPath(const QString &path) const;
     /// All items of the inventory, in no order.
     QList<QUrl> URLs() const;
     /// The paths of URLs() in the file system's bytes, for clients that read many files.
-    std::vector<std::string> nativePaths() const;
+    [[nodiscard]] std::vector<std::string> nativePaths() const;
     /// The items by their paths.
     QHash<QString, QUrl> URLsDictionary() const;
     /// The items by their paths.
-    QHash<QString, VRXWatchFolderItem> pathToItemsDictionary() const;
+    [[nodiscard]] QHash<QString, VRXWatchFolderItem> pathToItemsDictionary() const;
     /// True when the filters refuse the item.
-    bool shouldIgnoreURL(const QUrl &url) const;
+    [[nodiscard]] bool shouldIgnoreURL(const QUrl &url) const;
 
     /// See fileSystemTypeName().
     static std::optional<QString> fsTypeNameFromPath(const QString &path);

@@ -42,21 +42,21 @@ public:
     VRXWatchFolderEvent(std::string path, quint64 fileID, quint32 flags, quint64 id);
 
     /// The path as text.
-    QString path() const;
+    [[nodiscard]] QString path() const;
     /// The path as the kernel spells it; it need not be UTF-8.
-    const std::string &nativePath() const { return m_path; }
+    [[nodiscard]] const std::string &nativePath() const { return m_path; }
     /// The inode number; 0 when the event source does not tell.
-    quint64 fileID() const { return m_fileID; }
+    [[nodiscard]] quint64 fileID() const { return m_fileID; }
     /// WatchFolderEventFlag joined.
-    quint32 flags() const { return m_flags; }
+    [[nodiscard]] quint32 flags() const { return m_flags; }
     /// Rises from event to event of a stream.
     quint64 Id() const { return m_id; }
 
     /// Whether any of the flags is set.
-    bool has(quint32 flag) const { return (m_flags & flag) != 0; }
+    [[nodiscard]] bool has(quint32 flag) const { return (m_flags & flag) != 0; }
 
     /// The names of the set flags, each with a leading blank, in the order of the bits.
-    QString itemsFlagsString() const;
+    [[nodiscard]] QString itemsFlagsString() const;
     /// The name of one flag with its leading blank; empty for an unknown one.
     static QString stringFromFSEventStreamEventFlag(quint32 flag);
 

@@ -25,28 +25,28 @@ public:
     /// The file URL of the item.
     QUrl URL() const { return m_url; }
     /// The path of the URL.
-    QString path() const;
+    [[nodiscard]] QString path() const;
     /// False when the state could not be read.
-    bool isDirectory() const { return m_isDirectory; }
+    [[nodiscard]] bool isDirectory() const { return m_isDirectory; }
 
     /// To the nanosecond; absent when it could not be read.
-    std::optional<FileTime> lastModificationDate() const { return m_modified; }
+    [[nodiscard]] std::optional<FileTime> lastModificationDate() const { return m_modified; }
     /// For inventories that have read it anew.
     void setLastModificationDate(std::optional<FileTime> date) { m_modified = date; }
 
     /// In bytes; 0 when the state could not be read.
-    quint64 size() const { return m_size; }
+    [[nodiscard]] quint64 size() const { return m_size; }
     /// 0 when the state could not be read.
-    quint64 inode() const { return m_inode; }
+    [[nodiscard]] quint64 inode() const { return m_inode; }
     /// 0 when the state could not be read.
-    quint32 device() const { return m_device; }
+    [[nodiscard]] quint32 device() const { return m_device; }
 
     /// Designates the file by device and inode; for debugging output.
-    QUrl fileReferenceURL() const;
+    [[nodiscard]] QUrl fileReferenceURL() const;
     /// The same for two names of one file.
-    QString uniqueID() const;
+    [[nodiscard]] QString uniqueID() const;
     /// For logs.
-    QString debugDescription() const;
+    [[nodiscard]] QString debugDescription() const;
 
 private:
     void apply(const std::optional<FileState> &state);

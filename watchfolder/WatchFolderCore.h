@@ -65,7 +65,7 @@ public:
     std::atomic<WatchBackend> wantedBackend = WatchBackend::Automatic;
 
 private:
-    bool checkFolder(WatchFolderError *error) const;
+    [[nodiscard]] bool checkFolder(WatchFolderError *error) const;
     std::shared_ptr<WatchSession> makeSession(WatchFolderError *error);
     void startForceDirectoryEnumerationTimerIfNeeded();
 

@@ -58,7 +58,7 @@ private:
     void enumeratePendingDirectories(const Cancelled &cancelled);
     void enumerateAndPerformChangesAtPath(const std::string &directory, ChangeReport &report);
     void performChanges(const std::vector<ChangedPath> &paths, ChangeReport &report);
-    ChangeReport makeReport(const Cancelled &cancelled) const;
+    [[nodiscard]] ChangeReport makeReport(const Cancelled &cancelled) const;
     void reportUnreachable(ChangeReport &report);
     void noteClosed(const std::vector<std::string> &paths);
     void forgetClosedBelow(const std::string &directory);

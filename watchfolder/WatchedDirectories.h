@@ -44,7 +44,7 @@ public:
     }
 
     template <class Lookup>
-    const Directory *find(const Lookup &key) const
+    [[nodiscard]] const Directory *find(const Lookup &key) const
     {
         const auto found = m_byKey.find(key);
         return found == m_byKey.end() ? nullptr : &found->second;

@@ -40,7 +40,7 @@ Said check(const TemporaryFolder &folder, const QStringList &arguments, const QS
     process.setProgram(command.takeFirst());
     process.setArguments(command);
     process.start();
-    if (!waitUntil([&] { return process.state() == QProcess::NotRunning; }))
+    if (!waitFor([&] { return process.state() == QProcess::NotRunning; }))
         process.kill();
     process.waitForFinished(-1);
     const QString output = QString::fromUtf8(process.readAllStandardOutput());

@@ -28,7 +28,7 @@ TEST(ConnectionCheck, AnAddressThatIsDeadOrSwallowsEverythingDoesNotHideTheNext)
     const auto work = check::kTcp.make(
         context, [&](bool isGood, const QString &text) { said = (isGood ? "ok "_L1 : "failed "_L1) + text; });
     work->start();
-    EXPECT_TRUE(waitUntil([&] { return !said.isEmpty(); }));
+    EXPECT_TRUE(waitFor([&] { return !said.isEmpty(); }));
     EXPECT_EQ(said, "ok 127.0.0.2 port "_L1 + QString::number(swallowing.port()));
     EXPECT_EQ(context.socket->state(), QAbstractSocket::ConnectedState);
 }
@@ -62,7 +62,7 @@ TEST(ConnectionCheck, EndsWhenItIsCancelledOrDestroyed)
         });
         check->start();
         check->start();
-        ASSERT_TRUE(waitUntil([&] { return steps == 2 && silent.isCallerGone(); }));
+        ASSERT_TRUE(waitFor([&] { return steps == 2 && silent.isCallerGone(); }));
         QCoreApplication::processEvents();
         EXPECT_EQ(steps, 2);
         EXPECT_FALSE(hasFinished);
@@ -84,13 +84,13 @@ TEST(ConnectionCheck, RunsOnAThreadOfItsOwn)
                      [&](const CheckStep &step) { steps.append(step.name); });
     QObject::connect(check, &ConnectionCheck::finished, &here, [&](bool isGood) { result = isGood; });
     thread.start();
-    EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
+    EXPECT_TRUE(waitFor([&] { return result.has_value(); }));
     thread.quit();
     thread.wait();
     EXPECT_EQ(result, true);
     EXPECT_EQ(steps, (QStringList{u"name look-up"_s, u"TCP"_s, u"RTMP handshake"_s}));
     // Version and two blocks: nothing was said after the handshake.
-    EXPECT_TRUE(waitUntil([&] { return server.isCallerGone(); }));
+    EXPECT_TRUE(waitFor([&] { return server.isCallerGone(); }));
     EXPECT_EQ(server.said().size(), 1 + 2 * 1536);
 }
 

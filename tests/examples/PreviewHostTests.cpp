@@ -2,6 +2,7 @@
 #include "examples/preview/PreviewWindow.h"
 #include "tests/support/LiveStore.h"
 
+#include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMenuBar>
 

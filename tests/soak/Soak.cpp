@@ -280,7 +280,7 @@ private:
     QByteArrayList freshList()
     {
         const PresetsManager fresh([&] { return QStringList{QString::fromStdString(m_data.path())}; });
-        if (!waitUntil([&] { return fresh.isLoaded(); }))
+        if (!waitFor([&] { return fresh.isLoaded(); }))
             throw std::runtime_error("a fresh start finds nothing");
         return listingOf(fresh);
     }

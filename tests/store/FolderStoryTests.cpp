@@ -4,6 +4,8 @@
 #include "tests/support/LiveStore.h"
 #include "tests/support/QtPrinters.h"
 
+#include <QtCore/QThread>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>

@@ -6,9 +6,8 @@
 #include "VantlePresets/store/PresetsManager.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Wait.h"
 #include "watchfolder/VRXWatchFolder.h"
-
-#include <QtTest/QTest>
 
 #include <atomic>
 #include <filesystem>
@@ -17,12 +16,6 @@
 #include <mutex>
 
 namespace vantle::test {
-
-/// Runs the event loop until the condition holds; false after a deadline that only a fault lets pass.
-inline bool waitFor(const std::function<bool()> &condition)
-{
-    return QTest::qWaitFor(condition, 30000);
-}
 
 /// A data directory with a presets folder, managers on it, and other processes that change its files.
 class LiveStore

@@ -12,7 +12,7 @@ namespace vantle::test {
 /// Runs the event loop until the condition holds. False when it does not within the time, which is only there
 /// so that a failing test ends.
 template <class Condition>
-bool waitUntil(const Condition &condition, std::chrono::seconds atMost = std::chrono::seconds(60))
+bool waitFor(const Condition &condition, std::chrono::seconds atMost = std::chrono::seconds(60))
 {
     const QDeadlineTimer deadline(atMost);
     QTimer look;
@@ -21,6 +21,7 @@ bool waitUntil(const Condition &condition, std::chrono::seconds atMost = std::ch
         if (deadline.hasExpired())
             return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     return true;
 }

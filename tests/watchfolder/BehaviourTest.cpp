@@ -197,7 +197,7 @@ TEST_P(WatcherOnBackend, FindsTheFolderAgain)
 
         const std::string movedParent = parent + "2";
         runScript(std::filesystem::exists(parent) ? parent : movedParent, way.back);
-        ASSERT_TRUE(waitUntil([&] { return watching.recorder->has("added a"); }));
+        ASSERT_TRUE(waitFor([&] { return watching.recorder->has("added a"); }));
         watching.recorder->takeLines();
         runScript(path, "echo 1 > b");
         ASSERT_TRUE(flushed(*watching.watcher));
@@ -227,10 +227,10 @@ TEST_P(WatcherOnBackend, SeesThatTheFolderIsMountedOver)
         GTEST_SKIP() << "mounting is refused here: " << std::strerror(errno);
     std::ofstream(folder + "/b") << "1";
     EXPECT_TRUE(
-        waitUntil([&] { return watching.recorder->has("removed a") && watching.recorder->has("added b"); }));
+        waitFor([&] { return watching.recorder->has("removed a") && watching.recorder->has("added b"); }));
     umount2(folder.c_str(), MNT_DETACH);
     EXPECT_TRUE(
-        waitUntil([&] { return watching.recorder->has("removed b") && watching.recorder->has("added a"); }));
+        waitFor([&] { return watching.recorder->has("removed b") && watching.recorder->has("added a"); }));
     EXPECT_THAT(watching.recorder->contradictions(), IsEmpty());
 }
 

@@ -36,7 +36,7 @@ protected:
 
     bool knowsWhatIsThere(Watching &watching) const
     {
-        const bool knows = waitUntil([&] {
+        const bool knows = waitFor([&] {
             return inventoried(*watching.watcher) == onDisk(folder) &&
                    watching.recorder->replayed() == onDisk(folder);
         });
@@ -90,7 +90,7 @@ TEST_P(WatcherAtTheEdges, ReportsAnEmptyFileOfAnotherUser)
     Watching watching(folder, {.backend = GetParam()});
     ASSERT_TRUE(watching.started);
     change("umask 077; flock p/watched/lock true");
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("added lock"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("added lock"); }));
     EXPECT_THAT(watching.recorder->takeLines(), ElementsAre("added lock"));
 }
 

@@ -85,18 +85,18 @@ TEST(WatchFolderTimer, TicksOnTheMainThreadUntilItIsLetGo)
     int neverTicks = 0;
     auto timer = startTimer(std::chrono::milliseconds(1), [&] { ++ticks; });
     startTimer(std::chrono::milliseconds(1), [&] { ++neverTicks; }).reset(); // before it was made
-    ASSERT_TRUE(waitUntil([&] { return ticks >= 3; }));
+    ASSERT_TRUE(waitFor([&] { return ticks >= 3; }));
     const auto letGo = [](auto &gone) {
         gone.reset();
         bool isGone = false;
         RunLoop::main()->post([&] { isGone = true; });
-        return waitUntil([&] { return isGone; });
+        return waitFor([&] { return isGone; });
     };
     ASSERT_TRUE(letGo(timer));
     const int atTheEnd = ticks;
     int laterTicks = 0;
     auto later = startTimer(std::chrono::milliseconds(1), [&] { ++laterTicks; });
-    ASSERT_TRUE(waitUntil([&] { return laterTicks >= 3; }));
+    ASSERT_TRUE(waitFor([&] { return laterTicks >= 3; }));
     ASSERT_TRUE(letGo(later));
     EXPECT_EQ(ticks, atTheEnd);
     EXPECT_EQ(neverTicks, 0);

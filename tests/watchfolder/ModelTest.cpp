@@ -113,9 +113,8 @@ TEST_P(WatcherUnderRandomChanges, EndsWithWhatIsThere)
     }
 
     const auto there = onDisk(folder);
-    EXPECT_TRUE(
-        waitUntil([&] { return flushed(*watching.watcher) && inventoried(*watching.watcher) == there; },
-                  std::chrono::seconds(10)));
+    EXPECT_TRUE(waitFor([&] { return flushed(*watching.watcher) && inventoried(*watching.watcher) == there; },
+                        std::chrono::seconds(10)));
     EXPECT_EQ(inventoried(*watching.watcher), there);
     EXPECT_EQ(watching.recorder->replayed(), there);
     EXPECT_THAT(watching.recorder->contradictions(), testing::IsEmpty());

@@ -140,7 +140,7 @@ bool flushed(VRXWatchFolder &watcher)
 {
     const auto done = std::make_shared<std::atomic<bool>>(false);
     watcher.flush([done] { *done = true; });
-    return waitUntil([&done] { return done->load(); });
+    return waitFor([&done] { return done->load(); });
 }
 
 Watching::Watching(const std::string &folder, const Options &options)
@@ -150,7 +150,7 @@ Watching::Watching(const std::string &folder, const Options &options)
 {
     watcher->setBackend(options.backend);
     watcher->setIgnoreSelf(options.ignoreSelf);
-    started = watcher->startWatching(&error) && waitUntil([this] { return recorder->reloaded(); });
+    started = watcher->startWatching(&error) && waitFor([this] { return recorder->reloaded(); });
 }
 
 std::string refusal(WatchBackend backend)

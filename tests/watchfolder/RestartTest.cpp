@@ -55,7 +55,7 @@ protected:
     {
         const int before = meddler->added;
         runScript(folder.path(), "echo 1 > " + name);
-        return waitUntil([&] { return meddler->added > before; });
+        return waitFor([&] { return meddler->added > before; });
     }
 
     TemporaryFolder folder;
@@ -91,18 +91,18 @@ TEST_P(WatcherRestarts, AndGoesOnHearingWhereverItIsStarted)
         EXPECT_TRUE(watcher->startWatching());
     };
     ASSERT_TRUE(watcher->startWatching());
-    ASSERT_TRUE(waitUntil([&] { return meddler->reloads == 1; }));
+    ASSERT_TRUE(waitFor([&] { return meddler->reloads == 1; }));
 
     meddler->onAdded = [&](VRXWatchFolder &) {
         meddler->onAdded = nullptr;
         restart();
     };
     ASSERT_TRUE(hearsOf("restarts"));
-    ASSERT_TRUE(waitUntil([&] { return meddler->reloads == 2; }));
+    ASSERT_TRUE(waitFor([&] { return meddler->reloads == 2; }));
     EXPECT_TRUE(hearsOf("a")) << "after a restart in a callback";
 
     std::thread(restart).join();
-    ASSERT_TRUE(waitUntil([&] { return meddler->reloads == 3; }));
+    ASSERT_TRUE(waitFor([&] { return meddler->reloads == 3; }));
     EXPECT_TRUE(hearsOf("b")) << "after a restart on a thread without an event loop";
 
     QThread looping;
@@ -114,26 +114,26 @@ TEST_P(WatcherRestarts, AndGoesOnHearingWhereverItIsStarted)
     handedOver = &restart;
     QMetaObject::invokeMethod(
         &there, [] { (*handedOver.load())(); }, Qt::QueuedConnection);
-    ASSERT_TRUE(waitUntil([&] { return meddler->reloads == 4; }));
+    ASSERT_TRUE(waitFor([&] { return meddler->reloads == 4; }));
     EXPECT_TRUE(hearsOf("c")) << "after a restart on a thread with an event loop";
     runScript(folder.path(), "echo 1 > d"); // and is delivered after its end, perhaps
     looping.quit();
     looping.wait();
-    EXPECT_TRUE(waitUntil([&] { return watcher->hasItemAtPath(folder.pathText("d")); }));
+    EXPECT_TRUE(waitFor([&] { return watcher->hasItemAtPath(folder.pathText("d")); }));
     EXPECT_TRUE(hearsOf("e")) << "after the end of the thread that started it";
 }
 
 TEST_P(WatcherRestarts, LeavesNothingBehindWhenACallbackStopsIt)
 {
     ASSERT_TRUE(watcher->startWatching());
-    ASSERT_TRUE(waitUntil([&] { return meddler->reloads == 1; }));
+    ASSERT_TRUE(waitFor([&] { return meddler->reloads == 1; }));
     std::atomic<bool> isStopped = false;
     meddler->onAdded = [&](VRXWatchFolder &) {
         watcher->stopWatching();
         isStopped = true;
     };
     runScript(folder.path(), "for i in $(seq 50); do echo 1 > $i; done");
-    ASSERT_TRUE(waitUntil([&] { return isStopped.load(); }));
+    ASSERT_TRUE(waitFor([&] { return isStopped.load(); }));
     watcher->stopWatching(); // waits for the callback
     EXPECT_TRUE(watcher->URLs().isEmpty());
     EXPECT_EQ(meddler->added, 1);

@@ -56,10 +56,10 @@ TEST_F(WatcherOfASharedFolder, ScansItWhenItChanged)
     ASSERT_TRUE(watching.started);
     EXPECT_TRUE(watching.watcher->streamDescription().contains(QStringLiteral("nfs")));
     runScript(folder.path(), "echo 1 > new; rm old");
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("added new"); }));
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("removed old"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("added new"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("removed old"); }));
     runScript(folder.path(), "mv new newer");
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("added newer"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("added newer"); }));
 }
 
 TEST_F(WatcherOfASharedFolder, ScansItNowAndThenInAnyCase)
@@ -69,8 +69,8 @@ TEST_F(WatcherOfASharedFolder, ScansItNowAndThenInAnyCase)
     const Watching watching(folder.path(), options);
     ASSERT_TRUE(watching.started);
     runScript(folder.path(), "echo 2 > d/old; echo 1 > d/new");
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("added d/new"); }));
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("updated d/old"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("added d/new"); }));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("updated d/old"); }));
 }
 
 TEST_F(WatcherOfASharedFolder, ScansItTheLessTheLongerThatTakes)
@@ -90,7 +90,7 @@ TEST_F(WatcherOfASharedFolder, ScansItTheLessTheLongerThatTakes)
         stream.comparisonTook(slow.comparison);
         ASSERT_FALSE(stream.start());
         QTimer::singleShot(300ms, [&ended] { ended = true; });
-        ASSERT_TRUE(waitUntil([&] { return ended || scans > 0; }));
+        ASSERT_TRUE(waitFor([&] { return ended || scans > 0; }));
         EXPECT_EQ(scans > 0, slow.scans);
         stream.stop();
         const int atTheEnd = scans;
@@ -149,10 +149,10 @@ TEST_P(WatcherOfABoundFolder, HearsWhatTheServerChanges)
 
     // An update in place comes with the scan, and within half a minute if nothing else asks for one.
     runScript(outside.path(), "echo 22 > server/rewritten; echo 1 > server/new");
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("added new"); }, 10s));
-    EXPECT_TRUE(waitUntil([&] { return watching.recorder->has("updated rewritten"); }, 35s));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("added new"); }, 10s));
+    EXPECT_TRUE(waitFor([&] { return watching.recorder->has("updated rewritten"); }, 35s));
     runScript(outside.path(), "echo 333 > server/new; mv server/new server/newer; rm server/old");
-    EXPECT_TRUE(waitUntil(
+    EXPECT_TRUE(waitFor(
         [&] {
             return watching.recorder->has("added newer") && watching.recorder->has("removed new") &&
                    watching.recorder->has("removed old");

@@ -123,10 +123,10 @@ TEST_P(WatcherOfABackendInAShortage, OfDescriptorsReportsNoHalfInventory)
     VRXWatchFolder watcher(QString::fromStdString(folder.path()), recorder, true, 0.02, {}, {}, environment);
     watcher.setBackend(GetParam());
     ASSERT_TRUE(watcher.startWatching());
-    ASSERT_TRUE(waitUntil([&] { return recorder->has(std::string("error ") + strerror(EMFILE)); }));
+    ASSERT_TRUE(waitFor([&] { return recorder->has(std::string("error ") + strerror(EMFILE)); }));
     EXPECT_FALSE(recorder->reloaded());
     noDescriptors.reset();
-    ASSERT_TRUE(waitUntil([&] { return recorder->reloaded(); }));
+    ASSERT_TRUE(waitFor([&] { return recorder->reloaded(); }));
     EXPECT_THAT(recorder->replayed(), ElementsAre("a", "d", "d/b"));
 
     // Nor does a comparison.
@@ -134,7 +134,7 @@ TEST_P(WatcherOfABackendInAShortage, OfDescriptorsReportsNoHalfInventory)
     noDescriptors = std::make_unique<NoDescriptors>();
     ASSERT_TRUE(flushed(watcher));
     noDescriptors.reset();
-    EXPECT_TRUE(waitUntil([&] { return recorder->replayed() == std::set<std::string>{"a", "e", "e/b"}; }));
+    EXPECT_TRUE(waitFor([&] { return recorder->replayed() == std::set<std::string>{"a", "e", "e/b"}; }));
 }
 
 #endif
