@@ -69,7 +69,7 @@ vantle_package(
   "live-streaming presets: development files"
   "Headers, and what CMake and pkg-config have to know, for applications that\nembed presets.")
 vantle_package(
-  tools vantle-tools video "libvantlepresets0 ${same_version}" "live-streaming presets: command line"
+  tools vantle-tools video "libvantlepresets0 ${same_version}, libvantlepresetscheck0 ${same_version}" "live-streaming presets: command line"
   "The command line vantlectl, and vrxwatch, which tells what changes in a\nfolder. For machines without a desktop, too.")
 vantle_package(
   program vantle video "libvantlepresetseditor0 ${same_version}" "live-streaming presets: editor"

@@ -149,7 +149,7 @@ void KernelEventStream::deliver(Urgency urgency)
         tellOfMounts();
     if (heard.overflow) {
         // The whole folder is about to be compared, and with it what came before the loss.
-        static_cast<void>(m_pending.take(false, PendingEvents::Clock::now()));
+        m_pending.dropCompared();
         apply(PresenceInput::overflow);
     }
     if (urgency == Urgency::Now)

@@ -44,6 +44,17 @@ void PendingEvents::note(std::string_view directory, std::string_view name, quin
     entry.modified = entry.modified || (kernelMask & writingEvents) != 0;
 }
 
+void PendingEvents::dropCompared()
+{
+    std::erase_if(m_order, [this](const auto *node) {
+        const Entry &entry = node->second;
+        if (entry.held || entry.ownFlags != 0 || (entry.foreignFlags & ItemFinderInfoMod) != 0)
+            return false;
+        m_entries.erase(m_entries.find(node->first));
+        return true;
+    });
+}
+
 std::vector<VRXWatchFolderEvent> PendingEvents::take(bool settle, Clock::time_point now)
 {
     m_nextLook.reset();

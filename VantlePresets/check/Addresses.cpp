@@ -6,6 +6,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <netdb.h>
 #include <sys/socket.h>
@@ -153,6 +154,8 @@ QString AddressWork::here() const
 
 void AddressWork::failedHere(const QString &reason)
 {
+    if (std::exchange(m_isGivenUp, true))
+        return; // the share ended in the same turn of the event loop
     if (m_asked == context().addresses.size()) {
         m_share.stop();
         failed(here() + ": "_L1 + reason);
@@ -174,6 +177,7 @@ void AddressWork::askNext()
         return;
     const auto left = context().addresses.size() - m_asked;
     ++m_asked;
+    m_isGivenUp = false;
     if (left > 1)
         m_share.start(m_left / left);
     ask(context().addresses[m_asked - 1]);

@@ -33,6 +33,7 @@ private:
     void askNext();
 
     qsizetype m_asked = 0;
+    bool m_isGivenUp = false; ///< the one that is asked; the next one is about to be
     QTimer m_share;
     std::chrono::milliseconds m_left;
 };

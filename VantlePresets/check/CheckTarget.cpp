@@ -136,6 +136,8 @@ void addSrtParameters(CheckTarget &target, const SRTVantlePreset &preset, const 
     QString mode = u"caller"_s;
     const QUrlQuery query(parsed ? parsed->query : QString());
     for (const auto &[name, value] : query.queryItems(QUrl::FullyDecoded)) {
+        if (value.isEmpty())
+            continue; // as if it were not there
         if (name == "mode"_L1)
             mode = value;
         else if (name == "passphrase"_L1)

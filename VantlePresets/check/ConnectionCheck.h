@@ -87,6 +87,10 @@ private:
     std::unique_ptr<Private> d;
 };
 
+/// For programs of which everything else is silent on standard error: takes what libsrt logs there for
+/// itself, in the whole process. The library never does so, since hosts may use libsrt, too. On any thread.
+VANTLE_CHECK_EXPORT void silenceSrtLog();
+
 } // namespace vantle
 
 Q_DECLARE_METATYPE(vantle::CheckStep)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/check/Addresses.h"
+#include "VantlePresets/check/ConnectionCheck.h"
 
 #include <QtNetwork/QUdpSocket>
 
@@ -33,16 +34,8 @@ public:
         return library;
     }
 
-    SrtLibrary()
-    {
-        srt_startup();
-        srt_setloghandler(nullptr, [](void *, int, const char *, int, const char *, const char *) {});
-    }
-    ~SrtLibrary()
-    {
-        srt_setloghandler(nullptr, nullptr);
-        srt_cleanup();
-    }
+    SrtLibrary() { srt_startup(); }
+    ~SrtLibrary() { srt_cleanup(); }
     SrtLibrary(const SrtLibrary &) = delete;
     SrtLibrary &operator=(const SrtLibrary &) = delete;
 };
@@ -246,3 +239,8 @@ const StepKind kSrtPort{"SRT"_L1, [](CheckContext &context, StepWork::Done done)
                         }};
 
 } // namespace vantle::check
+
+void vantle::silenceSrtLog()
+{
+    srt_setloghandler(nullptr, [](void *, int, const char *, int, const char *, const char *) {});
+}

@@ -50,6 +50,7 @@ ExitCode check(const Options &options, Output &out)
     how.limit =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(options.limit));
 
+    silenceSrtLog();
     ConnectionCheck check(*preset, how);
     QEventLoop loop;
     std::exception_ptr failure;

@@ -61,6 +61,7 @@ void Checks::begin(ServedStore &store, const QByteArray &id, Params &params)
                          ObjectText().number("limit", static_cast<qint64>(kMostChecks)));
     const auto preset = copyOf(*store.preset(name));
     applyAssignments(assignments, *preset);
+    silenceSrtLog();
     auto check = std::make_unique<ConnectionCheck>(*preset, options);
     connect(
         check.get(), &ConnectionCheck::finished, this, [this, id](bool isGood) { finish(id, isGood); },
