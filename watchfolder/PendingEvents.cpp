@@ -48,7 +48,7 @@ void PendingEvents::dropCompared()
 {
     std::erase_if(m_order, [this](const auto *node) {
         const Entry &entry = node->second;
-        if (entry.held || entry.ownFlags != 0 || (entry.foreignFlags & ItemFinderInfoMod) != 0)
+        if (entry.held || entry.ownFlags != 0)
             return false;
         m_entries.erase(m_entries.find(node->first));
         return true;

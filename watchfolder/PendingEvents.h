@@ -28,8 +28,8 @@ public:
     void note(std::string_view directory, std::string_view name, quint32 kernelMask, bool own,
               Clock::time_point now);
 
-    /// Drops what a comparison of the whole folder will tell just as well: what others did to items that are
-    /// not held back, but for their Finder info.
+    /// Drops what a comparison of the whole folder will tell just as well: what others alone did to items
+    /// that are not held back.
     void dropCompared();
     /// The events that can be reported. Settling decides at once what would otherwise get a second look.
     std::vector<VRXWatchFolderEvent> take(bool settle, Clock::time_point now);

@@ -111,6 +111,21 @@ TEST(PendingEventsTest, HeldFileComesWithAllItsFlagsOnceClosed)
     EXPECT_FALSE(pending.nextLook());
 }
 
+TEST(PendingEventsTest, WhatAComparisonWillTellCanBeDropped)
+{
+    const auto now = PendingEvents::Clock::now();
+    PendingEvents pending([](const std::string &) { return OpenFile::Complete; });
+    pending.note("/f", "foreign", IN_CREATE | IN_CLOSE_WRITE, false, now);
+    pending.note("/f", "own", IN_CREATE | IN_CLOSE_WRITE, true, now);
+    pending.note("/f", "held", IN_CREATE, false, now);
+    pending.dropCompared();
+    pending.note("/f", "later", IN_MODIFY, false, now);
+    std::vector<std::string> paths;
+    for (const VRXWatchFolderEvent &event : pending.take(false, now))
+        paths.push_back(event.nativePath());
+    EXPECT_THAT(paths, ElementsAre("/f/own", "/f/held", "/f/later"));
+}
+
 TEST(PendingDirectoriesTest, KeepsNoPathBelowAnother)
 {
     PendingDirectories pending;
