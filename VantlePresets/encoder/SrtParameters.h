@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "VantlePresets/Export.h"
 #include "VantlePresets/encoder/PlanDraft.h"
 
 #include <QtCore/QMap>
@@ -24,7 +25,8 @@ void setSrtValue(PlanDraft &draft, const QString &field, SrtValues &values, cons
 
 /// Takes all of an address's parameters over, under any of their usual names. The encoder's own reader of
 /// addresses decodes no escapes, reads "+" as a blank, and is silent about names that it does not know.
-void setSrtParameters(PlanDraft &draft, const QString &field, SrtValues &values, const QString &query);
+VANTLE_PRESETS_EXPORT void setSrtParameters(PlanDraft &draft, const QString &field, SrtValues &values,
+                                            const QString &query);
 
 /// Checks that host and mode go together.
 void checkSrtHost(PlanDraft &draft, const QString &field, const SrtValues &values, const QString &host);

@@ -43,7 +43,7 @@ ExitCode check(const Options &options, Output &out)
     const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
-    const auto preset = assignedPreset(options.preset, options, *assignments);
+    const auto preset = assignedPreset(options.preset, options, withTextsRead(*assignments));
     CheckOptions how;
     how.output = QString::fromStdString(options.output);
     how.authorityFile = QString::fromStdString(options.authorityFile);

@@ -155,8 +155,8 @@ private:
             completeMasterPlaylist(m_preset, m_plan);
         } catch (const std::system_error &error) {
             m_isMasterGivenUp = true;
-            complain("note: "_L1 + escapedControls(m_plan.masterPlaylist()) +
-                     " stays as the encoder wrote it: "_L1 + QString::fromUtf8(error.what()));
+            remark("note: "_L1 + escapedControls(m_plan.masterPlaylist()) +
+                   " stays as the encoder wrote it: "_L1 + QString::fromUtf8(error.what()));
         }
     }
 

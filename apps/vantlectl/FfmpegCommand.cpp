@@ -75,26 +75,28 @@ bool readsStandardInput(const Options &options)
     return options.input == "-" || options.input == "pipe:" || options.input == "pipe:0";
 }
 
-/// A stream on standard input leaves none for a preset or a text.
-void checkStandardInput(const Options &options)
+/// What the parser can't say: a stream on standard input leaves none for a preset or a text.
+const char *misuse(const Options &options)
 {
     if (!readsStandardInput(options))
-        return;
+        return nullptr;
     if (options.preset == "-")
-        throw Refusal(u"standard input can't be both --input and the preset"_s);
+        return "standard input can't be both --input and the preset";
     const bool isText = std::any_of(options.assignments.begin(), options.assignments.end(),
                                     [](const std::string &text) { return text.ends_with("=@-"); });
-    if (isText)
-        throw Refusal(u"standard input can't be both --input and the text of \"@-\"; use @FILE"_s);
+    return isText ? "standard input can't be both --input and the text of \"@-\"; use @FILE" : nullptr;
 }
 
 ExitCode ffmpeg(const Options &options, Output &out)
 {
-    checkStandardInput(options);
+    if (const char *reason = misuse(options)) {
+        complain(QString::fromUtf8(reason));
+        return ExitCode::usage;
+    }
     const auto assignments = parseAssignments(options.assignments, options.preset);
     if (!assignments)
         return ExitCode::usage;
-    const auto preset = assignedPreset(options.preset, options, *assignments);
+    const auto preset = assignedPreset(options.preset, options, withTextsRead(*assignments));
     const EncoderPlan plan = planEncoder(*preset, requestOf(options, *preset));
     for (const QString &problem : plan.problems())
         complain(problem);
@@ -102,11 +104,11 @@ ExitCode ffmpeg(const Options &options, Output &out)
     if (!plan.problems().isEmpty())
         return ExitCode::failed;
     for (const QString &note : plan.notes())
-        complain("note: "_L1 + note);
+        remark("note: "_L1 + note);
     if (options.run)
         return runEncoder(*preset, plan, readsStandardInput(options), options.json, out);
     if (!plan.masterPlaylist().isEmpty())
-        complain(u"note: the encoder's own master playlist lacks track names and more, which --run adds"_s);
+        remark(u"note: the encoder's own master playlist lacks track names and more, which --run adds"_s);
     print(options.reveal ? plan.arguments() : plan.maskedArguments(), options, out);
     return ExitCode::good;
 }

@@ -17,7 +17,7 @@ inline constexpr const char *kPresetArgumentHelp =
 [[nodiscard]] std::shared_ptr<VantlePreset> namedPreset(const std::string &argument,
                                                         const StoreOptions &options);
 
-/// The same with assignments carried out, which hold for this command only.
+/// The same with assignments, whose texts have been read, carried out: they hold for this command only.
 [[nodiscard]] std::shared_ptr<VantlePreset> assignedPreset(const std::string &argument,
                                                            const StoreOptions &options,
                                                            const QList<Assignment> &assignments);

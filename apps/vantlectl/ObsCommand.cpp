@@ -70,17 +70,6 @@ Access accessOf(const Options &options)
     return {{host, port}, passwordOf(options, own)};
 }
 
-std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList<Assignment> &assignments)
-{
-    auto preset = namedPreset(options.preset, options);
-    try {
-        applyAll(withTextsRead(assignments), *preset);
-    } catch (const AssignmentError &error) {
-        throw Refusal(QString::fromUtf8(error.what()));
-    }
-    return preset;
-}
-
 void report(Output &out, const Options &options, const std::function<void(document::DocumentWriter &)> &write,
             const QString &text)
 {
@@ -108,7 +97,7 @@ bool isAccepted(const obs::Plan &plan, const Options &options)
         return false;
     }
     for (const QString &line : plan.notes)
-        complain("note: "_L1 + line);
+        remark("note: "_L1 + line);
     return true;
 }
 
@@ -124,14 +113,18 @@ ExitCode start(obs::Connection &connection, const obs::Plan &plan)
 
 ExitCode applyPreset(const Options &options, Output &out)
 {
+    const auto parsed = parseAssignments(options.assignments, options.preset);
+    if (!parsed)
+        return ExitCode::usage;
+    // What is typed is read while Ctrl-C ends the command.
+    const QList<Assignment> assignments = withTextsRead(*parsed);
+    const Access access = accessOf(options);
+    if (options.preset == "-")
+        static_cast<void>(namedPreset(options.preset, options)); // whose text is kept
     if (options.start)
         StopOnSignal::block(); // before there are threads; what comes is taken when the stream starts
-    const auto assignments = parseAssignments(options.assignments, options.preset);
-    if (!assignments)
-        return ExitCode::usage;
-    const auto preset = assignedPreset(options, *assignments);
+    const auto preset = assignedPreset(options.preset, options, assignments);
     tellAdvice(*preset, fileOfNamedPreset(options.preset, options));
-    const Access access = accessOf(options);
     obs::Connection connection(access.endpoint, access.password);
     const obs::RunningObs running = obs::lookAt(
         connection, obs::isLoopback(access.endpoint.host) ? obs::serverRun(access.endpoint.port) : QString());

@@ -100,7 +100,9 @@ TEST(EncoderRun, APipeIsLeftToTheEncoder)
     const Finished run = runProcess({VANTLECTL, "ffmpeg", kLadder, "--input", fifo});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(run.output.toStdString().starts_with("ffmpeg -hide_banner -i " + fifo + " "));
-    EXPECT_EQ(runProcess({VANTLECTL, "ffmpeg", kUplink, "--input", "-", "streamKey=@-"}).errors,
+    const Finished both = runProcess({VANTLECTL, "ffmpeg", kUplink, "--input", "-", "streamKey=@-"});
+    EXPECT_EQ(both.exitCode, 2);
+    EXPECT_EQ(both.errors,
               "vantlectl: standard input can't be both --input and the text of \"@-\"; use @FILE\n");
 }
 

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTimer>
 
 namespace vantle::test {
 namespace {
@@ -173,10 +174,53 @@ TEST_F(ObsConnection, AStreamWithoutBytesIsStopped)
     EXPECT_THAT(failureOf([&] { startStream(connection, false, 1500ms); }),
                 HasSubstr("OBS told STARTED and sent 100 bytes; the stream was stopped"));
     EXPECT_FALSE(isActive);
-    bool isInterrupted = true;
-    EXPECT_EQ(failureOf([&] { startStream(connection, isInterrupted); }),
-              "interrupted; the stream was stopped");
-    EXPECT_FALSE(isActive);
+}
+
+TEST_F(ObsConnection, WhatConnectsLateDoesNotStayOnAir)
+{
+    struct Row
+    {
+        bool isInterrupted;
+        bool connects; ///< a while after the start
+        QString silent;
+        std::chrono::milliseconds limit;
+        const char *failure;
+    };
+    const Row rows[] = {
+        {true, true, {}, 4000ms, "interrupted; the stream was stopped"},
+        {true, false, {}, 300ms, "OBS is still connecting and may go on air: stop it there"},
+        {true, true, u"StartStream"_s, 4000ms, "OBS does not answer StartStream; the stream was stopped"},
+        {false, true, u"GetStreamStatus"_s, 4000ms,
+         "OBS does not answer GetStreamStatus; the stream was stopped. OBS gives"},
+        {false, true, u"StopStream"_s, 600ms, "OBS does not answer StopStream; the stream may be on air"},
+    };
+    for (const Row &row : rows) {
+        bool isActive = false;
+        QString silent = row.silent;
+        m_obs.answer = [&](const QString &type, const QJsonObject &, QJsonObject &answer) {
+            if (type == "StartStream"_L1 && row.connects)
+                QTimer::singleShot(50ms, [&] {
+                    isActive = true;
+                    m_obs.sendEvent(u"StreamStateChanged"_s,
+                                    {{u"outputState"_s, u"OBS_WEBSOCKET_OUTPUT_STARTED"_s}});
+                });
+            if (type == silent) {
+                silent.clear();
+                answer = {{u"silent"_s, true}};
+            } else if (type == "StopStream"_L1 && !std::exchange(isActive, false)) {
+                answer = FakeObs::refusal(501);
+            } else if (type == "GetStreamStatus"_L1) {
+                answer = {{u"outputActive"_s, isActive}};
+            }
+            return !answer.isEmpty();
+        };
+        m_obs.requests.clear();
+        Connection connection = connect();
+        EXPECT_THAT(failureOf([&] { startStream(connection, row.isInterrupted, row.limit); }),
+                    testing::StartsWith(row.failure));
+        EXPECT_TRUE(m_obs.requests.contains("StopStream"_L1));
+        EXPECT_EQ(isActive, row.silent == "StopStream"_L1) << row.failure;
+    }
 }
 
 TEST(ObsAccess, ThePasswordIsProvenAsObsExpects)

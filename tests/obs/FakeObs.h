@@ -115,6 +115,7 @@ private:
             return video;
         } else if (type == "SetVideoSettings"_L1) {
             video = data;
+            video.insert(u"ofANewerVersion"_s, 1);
         } else if (type == "GetStreamServiceSettings"_L1) {
             return service;
         } else if (type == "SetStreamServiceSettings"_L1) {

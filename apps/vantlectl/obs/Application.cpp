@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/obs/Application.h"
 
+#include <algorithm>
+
 namespace vantle::ctl::obs {
 
 using namespace Qt::StringLiterals;
@@ -156,10 +158,18 @@ private:
                 {u"fpsDenominator"_s, m_plan.picture.rateDenominator}};
     }
 
+    /// OBS may tell more than it was told.
+    static bool holds(const QJsonObject &settings, const QJsonObject &wanted)
+    {
+        const QStringList keys = wanted.keys();
+        return std::all_of(keys.begin(), keys.end(),
+                           [&](const QString &key) { return settings[key] == wanted[key]; });
+    }
+
     void setVideo()
     {
         const QJsonObject wanted = wantedVideo();
-        const auto isSet = [&] { return m_connection.request(u"GetVideoSettings"_s) == wanted; };
+        const auto isSet = [&] { return holds(m_connection.request(u"GetVideoSettings"_s), wanted); };
         if (isSet())
             return;
         m_hasChanged = true;
@@ -172,12 +182,8 @@ private:
     {
         const auto isSet = [&] {
             const QJsonObject answer = m_connection.request(u"GetStreamServiceSettings"_s);
-            const QJsonObject settings = answer["streamServiceSettings"_L1].toObject();
-            for (const QString &key : m_plan.service.keys()) {
-                if (settings[key] != m_plan.service[key])
-                    return false;
-            }
-            return answer["streamServiceType"_L1].toString() == kServiceType;
+            return answer["streamServiceType"_L1].toString() == kServiceType &&
+                   holds(answer["streamServiceSettings"_L1].toObject(), m_plan.service);
         };
         if (isSet())
             return;

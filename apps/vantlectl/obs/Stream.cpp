@@ -50,8 +50,8 @@ bool isOver(const StreamStatus &status)
     return !status.isActive && !status.isReconnecting;
 }
 
-/// Whether the stream is on air within the limit.
-bool isConfirmed(Connection &connection, const StreamEvents &events, const bool &isInterrupted,
+/// Waits until the stream is on air. What keeps it from that within the limit, else "".
+QString obstacle(Connection &connection, const StreamEvents &events, const bool &isInterrupted,
                  std::chrono::milliseconds limit)
 {
     const QDeadlineTimer deadline(limit);
@@ -64,9 +64,28 @@ bool isConfirmed(Connection &connection, const StreamEvents &events, const bool 
             ++rises;
         bytes = status.bytes;
         if (events.has(kStarted) && status.isActive && !status.isReconnecting && rises >= kRises)
-            return true;
+            return {};
     }
-    return false;
+    return isInterrupted
+               ? u"interrupted"_s
+               : u"nothing is on air: OBS told %1 and sent %2 bytes"_s.arg(events.text()).arg(bytes);
+}
+
+/// Ends what was started. While OBS connects it says that nothing is active, refuses to stop, and goes on air
+/// later: so the outcome is waited for. Throws Error when the stream may be on air, or go there.
+void endStart(Connection &connection, const StreamEvents &events, std::chrono::milliseconds limit)
+{
+    const auto hasStopped = [&] { return events.has(kStopped); };
+    try {
+        const bool isDecided =
+            connection.waitFor([&] { return events.has(kStarted) || hasStopped(); }, limit);
+        stopStream(connection);
+        if (isDecided || connection.waitFor(hasStopped, kInterval))
+            return;
+    } catch (const Error &error) {
+        throw Error(error.text() + "; the stream may be on air, or go there: stop it in OBS"_L1);
+    }
+    throw Error(u"OBS is still connecting and may go on air: stop it there"_s);
 }
 
 } // namespace
@@ -82,29 +101,35 @@ StreamStatus streamStatus(Connection &connection)
 void startStream(Connection &connection, const bool &isInterrupted, std::chrono::milliseconds limit)
 {
     const StreamEvents events(connection);
-    connection.request(u"StartStream"_s);
-    if (isConfirmed(connection, events, isInterrupted, limit))
+    QString failure;
+    bool isTaken = false;
+    try {
+        connection.request(u"StartStream"_s);
+        isTaken = true;
+        failure = obstacle(connection, events, isInterrupted, limit);
+    } catch (const RequestError &error) {
+        if (!isTaken)
+            throw;
+        failure = error.text();
+    } catch (const Error &error) { // what got no answer can have been taken all the same
+        failure = error.text();
+    }
+    if (failure.isEmpty())
         return;
-    const QString seen = events.text();
-    const qint64 bytes = streamStatus(connection).bytes;
-    stopStream(connection);
-    if (isInterrupted)
-        throw Error(u"interrupted; the stream was stopped"_s);
-    throw Error(
-        u"nothing is on air: OBS told %1 and sent %2 bytes; the stream was stopped. OBS gives the reason "
-        "on its own screen only"_s.arg(seen)
-            .arg(bytes));
+    endStart(connection, events, limit);
+    throw Error(failure + "; the stream was stopped"_L1 +
+                (isInterrupted ? QLatin1StringView() : ". OBS gives the reason on its own screen only"_L1));
 }
 
 bool stopStream(Connection &connection)
 {
-    if (isOver(streamStatus(connection)))
-        return false;
+    bool wasRunning = true;
     try {
         connection.request(u"StopStream"_s);
     } catch (const RequestError &error) {
-        if (error.code() != kNotRunning) // it has just ended by itself
+        if (error.code() != kNotRunning)
             throw;
+        wasRunning = false;
     }
     const QDeadlineTimer deadline(kStopLimit);
     while (!isOver(streamStatus(connection))) {
@@ -113,7 +138,7 @@ bool stopStream(Connection &connection)
                 std::chrono::seconds(kStopLimit).count()));
         connection.waitFor([] { return false; }, kInterval);
     }
-    return true;
+    return wasRunning;
 }
 
 qint64 measuredBitRate(Connection &connection)

@@ -18,9 +18,10 @@ struct StreamStatus
 
 [[nodiscard]] StreamStatus streamStatus(Connection &connection);
 
-/// Starts the stream and waits until OBS says so and bytes go out; else stops it and
-/// throws Error with what was seen. When `isInterrupted` becomes true it is stopped as well. OBS answers
-/// "done" to a start before anything has happened.
+/// Starts the stream and waits until OBS says so and bytes go out; else stops it and throws Error with what
+/// was seen. When `isInterrupted` becomes true it is stopped as well. An OBS that is still connecting then
+/// can't be stopped, and is waited for up to the limit once more. OBS answers "done" to a start before
+/// anything has happened.
 void startStream(Connection &connection, const bool &isInterrupted,
                  std::chrono::milliseconds limit = std::chrono::seconds(12));
 

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/obs/PlanDraft.h"
 
+#include "VantlePresets/encoder/SrtParameters.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 #include "VantlePresets/model/StreamAddress.h"
-
-#include <QtCore/QUrl>
-#include <QtCore/QUrlQuery>
 
 #include <algorithm>
 
@@ -144,6 +142,28 @@ bool planPush(PlanDraft &draft, const RTMPVantlePreset &preset)
     return true;
 }
 
+/// The address's parameters, which are those of an encoder's address; OBS counts microseconds as well.
+encoder::SrtValues srtValuesOf(PlanDraft &draft, const QString &query)
+{
+    encoder::SrtValues values{{encoder::kSrtMode, u"caller"_s}, {encoder::kSrtLatency, u"200000"_s}};
+    const EncoderRequest request;
+    encoder::PlanDraft reader{draft.preset, request, nullptr, {}, {}, {}, {}, {}, {}, {}};
+    encoder::setSrtParameters(reader, kUrl, values, query);
+    draft.plan.refusals += reader.problems;
+    draft.plan.notes += reader.notes;
+    if (values.remove(encoder::kSrtPacketSize) > 0)
+        draft.note(kUrl, u"the packet size is left to OBS"_s);
+    const QList<QLatin1StringView> known{encoder::kSrtMode, encoder::kSrtLatency,
+                                         encoder::kSrtStreamIdentifier, encoder::kSrtPassphrase,
+                                         encoder::kSrtKeyLength};
+    for (const QLatin1StringView name : values.keys()) {
+        if (!known.contains(name))
+            draft.refuse(kUrl, "OBS is told of passphrase, streamid, latency, mode and pbkeylen, not of "_L1 +
+                                   name);
+    }
+    return values;
+}
+
 /// SRT's stream identifier and passphrase go where OBS has fields for them: in its address they could not
 /// hold every character.
 void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
@@ -156,28 +176,13 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
     if (address->scheme != "srt"_L1 || !address->path.isEmpty() || !address->login.isEmpty())
         draft.refuse(kUrl, u"is no address such as srt://host:9000"_s);
 
-    QString mode = u"caller"_s;
-    QString latency = u"200000"_s; // in microseconds
+    const encoder::SrtValues values = srtValuesOf(draft, address->query);
     Service service;
-    service.key = {"application"_L1, preset.application(), false};
-    service.password = {kKey, preset.authenticate() ? preset.streamKey() : QString(), true};
-    for (const auto &[name, value] : QUrlQuery(address->query).queryItems(QUrl::FullyDecoded)) {
-        if (name == "mode"_L1)
-            mode = value;
-        else if (name == "latency"_L1)
-            latency = value;
-        else if (name == "streamid"_L1)
-            service.key.text = value;
-        else if (name == "passphrase"_L1)
-            service.password.text = value;
-        else
-            draft.refuse(kUrl, u"only passphrase, streamid, latency and mode can be parameters"_s);
-    }
-    if (!QStringList{u"caller"_s, u"listener"_s, u"rendezvous"_s}.contains(mode))
-        draft.refuse(kUrl, u"mode is caller, listener or rendezvous"_s);
-    if (bool isNumber = false; latency.toUInt(&isNumber), !isNumber)
-        draft.refuse(kUrl, u"latency is a number of microseconds"_s);
-
+    service.key = {"application"_L1, values.value(encoder::kSrtStreamIdentifier, preset.application()),
+                   false};
+    service.password = {
+        kKey, values.value(encoder::kSrtPassphrase, preset.authenticate() ? preset.streamKey() : QString()),
+        true};
     const qsizetype size = service.password.text.toUtf8().size();
     if (preset.authenticate() && size == 0)
         draft.refuse(kKey, u"is the passphrase while authenticate is true; SRT files do not keep it: add "
@@ -186,9 +191,11 @@ void planSrt(PlanDraft &draft, const SRTVantlePreset &preset)
         draft.refuse(kKey, u"a passphrase has 10 to 64 characters"_s);
     else if (!preset.authenticate() && !preset.streamKey().isEmpty())
         draft.note(kKey, u"is used only while authenticate is true"_s);
-    service.server = serverOf(*address) + "?mode="_L1 + mode + "&latency="_L1 + latency;
-    if (size != 0)
-        service.server += "&pbkeylen=16"_L1;
+    service.server = serverOf(*address) + "?mode="_L1 + values[encoder::kSrtMode] + "&latency="_L1 +
+                     values[encoder::kSrtLatency];
+    if (const QString length = values.value(encoder::kSrtKeyLength, size != 0 ? u"16"_s : QString());
+        !length.isEmpty())
+        service.server += "&pbkeylen="_L1 + length;
     setService(draft, service);
 }
 
