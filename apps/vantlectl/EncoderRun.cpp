@@ -12,8 +12,10 @@
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcess>
+#include <QtCore/QTimer>
 
 #include <array>
+#include <chrono>
 #include <csignal>
 
 #include <sys/prctl.h>
@@ -104,7 +106,15 @@ private:
         if (std::exchange(m_isStopped, true))
             m_process.kill();
         else
-            m_process.terminate();
+            terminate();
+    }
+
+    /// Asks the encoder to end. One that waits for its input, in opening a FIFO, does not hear it.
+    void terminate()
+    {
+        constexpr std::chrono::seconds kGrace{10};
+        m_process.terminate();
+        QTimer::singleShot(kGrace, &m_process, &QProcess::kill);
     }
 
     [[nodiscard]] ExitCode code() const
@@ -143,7 +153,7 @@ private:
         }
     } catch (const std::exception &) {
         m_failure = std::current_exception();
-        m_process.terminate();
+        terminate();
     }
 
     /// The encoder writes it once, as soon as a segment of each part is there.

@@ -6,6 +6,7 @@
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/FileAccess.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/Secrets.h"
@@ -80,6 +81,18 @@ QList<PresetImport> readFiles(const std::vector<fs::path> &paths, const QString 
     return files;
 }
 
+/// A closed file stays closed: in a folder that is shared, its user may not expect that.
+void tellOfClosedFile(const VantlePreset &preset, const StoreOptions &options)
+{
+    const fs::path path = fileInStore(preset.name().toStdString(), options);
+    struct stat file = {};
+    struct stat folder = {};
+    if (::stat(path.c_str(), &file) == 0 && ::stat(path.parent_path().c_str(), &folder) == 0 &&
+        (file.st_mode & S_IRGRP) == 0 && (folder.st_mode & S_IWGRP) != 0)
+        remark("note: "_L1 + escapedControls(preset.name()) +
+               ": its file is closed to the group, as what was imported is; chmod g+rw opens it"_L1);
+}
+
 ExitCode import(const ImportOptions &options, Output &out)
 {
     const QString name = options.name ? nameForPreset(*options.name) : QString();
@@ -103,6 +116,7 @@ ExitCode import(const ImportOptions &options, Output &out)
         if (!preset || session.manager().hasUnsavedEdits(preset))
             continue;
         reportPreset(out, *preset, options.json);
+        tellOfClosedFile(*preset, options);
         isComplete = isComplete && preset->name() == wanted[i];
     }
     return isComplete ? code : ExitCode::failed;
