@@ -20,10 +20,10 @@ void requireSaved(ServedStore &store, const std::shared_ptr<VantlePreset> &prese
     throw ServeError(ErrorCode::notSaved, *failure, ObjectText().text("name", name));
 }
 
-[[noreturn]] void throwTaken(const QString &name)
+[[noreturn]] void throwUnusable(const QString &name, bool isTaken)
 {
     throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
-                     ObjectText().text("name", name).flag("isTaken", true));
+                     ObjectText().text("name", name).flag("isTaken", isTaken));
 }
 
 /// A preset's name, kind and stamp.
@@ -50,7 +50,7 @@ void addToStore(ServedStore &store, const std::shared_ptr<VantlePreset> &preset)
         return;
     manager.remove(preset); // another process was faster, and the preset got the next free name
     store.settle();
-    throwTaken(wanted);
+    throwUnusable(wanted, true);
 }
 
 QByteArray addPreset(ServedStore &store, Params &params)
@@ -90,9 +90,10 @@ QByteArray renamePreset(ServedStore &store, Params &params)
     store.requireStamp(*preset, stamp, false);
     const QString from = preset->name();
     const auto other = manager.presetWithName(to.trimmed());
-    if (to.trimmed().startsWith(u'.') || to.contains(u'/') || to.contains(QChar(0)) ||
-        (other && other != preset) || !manager.rename(preset, from, to))
-        throwTaken(to);
+    const bool isTaken = other && other != preset;
+    if (to.trimmed().startsWith(u'.') || to.contains(u'/') || to.contains(QChar(0)) || isTaken ||
+        !manager.rename(preset, from, to))
+        throwUnusable(to, isTaken);
     const QString wanted = preset->name();
     store.settle();
     if (manager.rowOf(preset) < 0)
@@ -103,7 +104,7 @@ QByteArray renamePreset(ServedStore &store, Params &params)
     manager.rename(preset, preset->name(), from);
     store.settle();
     if (!failure)
-        throwTaken(wanted);
+        throwUnusable(wanted, true);
     throw ServeError(ErrorCode::notSaved, *failure, ObjectText().text("name", wanted));
 }
 
