@@ -74,7 +74,7 @@ std::shared_ptr<VantlePreset> assignedPreset(const Options &options, const QList
 {
     auto preset = namedPreset(options.preset, options);
     try {
-        applyAll(withTextsRead(assignments), *preset);
+        applyAndTell(withTextsRead(assignments), *preset);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()));
     }

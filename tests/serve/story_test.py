@@ -101,6 +101,14 @@ class Story(unittest.IsolatedAsyncioTestCase):
             self.assertEqual((revealed.document["streamKey"], revealed.document["portNumber"]), ("abcd-1234", 4443))
             self.assertEqual(revealed.document, self.document("YouTube Premiere"))
 
+            # A bit rate is limited by the profile that is there in the end, and who asked for more is told.
+            rate, profile = "videoSettings.0.bitRate=60000", "videoSettings.0.profile=H264_Main_"
+            note = "videoSettings.0.bitRate: limited to 20000 by the profile"
+            raised = await store.set("Venue Uplink", rate, profile + "5_0")
+            self.assertEqual((raised.notes, self.document("Venue Uplink")["videoSettings"][0]["bitRate"]), ((), 60000))
+            self.assertIn(note, (await store.plan("Venue Uplink", rate, profile + "4_0")).notes)
+            self.assertEqual((await store.set("Venue Uplink", rate, profile + "4_0")).notes, (note,))
+
             shown = await store.plan("YouTube Premiere")
             self.assertNotIn("abcd-1234", "".join(shown.arguments))
             plan = await store.plan("YouTube Premiere", reveal=True)
@@ -247,6 +255,9 @@ class Story(unittest.IsolatedAsyncioTestCase):
                 for task in (check, *others[:-1]):
                     task.cancel()
                 await asyncio.gather(check, *others, return_exceptions=True)
+                limited = await store.call("check", name="Show", assignments=["videoSettings.0.bitRate=999999"],
+                                           output=address, limit=0.1)
+                self.assertEqual(limited["notes"], ["videoSettings.0.bitRate: limited to 20000 by the profile"])
                 steps = await store.check("Show", output=address, limit=0.1)
                 self.assertEqual([(step.step, step.outcome) for step in steps],
                                  [("name look-up", "ok"), ("TCP", "ok"), ("RTMP handshake", "failed")])

@@ -57,14 +57,14 @@ QByteArray planPreset(ServedStore &store, Params &params)
     const EncoderRequest request = requestOf(params);
     params.requireNoOthers();
     const auto preset = copyOf(*store.preset(name));
-    applyAssignments(assignments, *preset);
+    const QStringList limitations = applyAssignments(assignments, *preset);
     const EncoderPlan plan = planEncoder(*preset, request);
     const QStringList problems = plan.problems();
     if (!problems.isEmpty())
         throw ServeError(ErrorCode::notPlanned, problems.constFirst(),
                          ObjectText().texts("problems", problems));
     ObjectText result;
-    result.texts("arguments", plan.maskedArguments()).texts("notes", plan.notes());
+    result.texts("arguments", plan.maskedArguments()).texts("notes", limitations + plan.notes());
     if (reveal)
         result.raw("secrets", secretArguments(plan));
     return result.json();
