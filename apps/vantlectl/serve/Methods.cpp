@@ -75,10 +75,10 @@ QList<Assignment> assignmentsOf(const QStringList &texts)
     for (const QString &text : texts) {
         const auto assignment = Assignment::parse(text);
         if (!assignment) // not repeated: it may hold a secret
-            throw ServeError(
-                ErrorCode::invalidValue,
-                u"assignment %1 is not of a form such as portNumber=1936"_s.arg(assignments.size() + 1),
-                ObjectText().number("assignment", assignments.size()));
+            throw ServeError(ErrorCode::invalidValue,
+                             u"assignment %1 is not of the form FIELD=VALUE, such as portNumber=1936"_s.arg(
+                                 assignments.size() + 1),
+                             ObjectText().number("assignment", assignments.size()));
         assignments.append(*assignment);
     }
     return assignments;
