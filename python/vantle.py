@@ -18,19 +18,29 @@ from __future__ import annotations
 
 import asyncio
 import contextlib
+import dataclasses
 import json
 import os
 import weakref
 from collections.abc import AsyncIterator, Mapping
 from dataclasses import dataclass, field
-from typing import Any
+from typing import Any, TypeVar
 
 __all__ = [
-    "Advice", "Change", "Closed", "Conflict", "Entry", "Failure", "Imported", "Loaded", "NotFound", "Plan", "Preset",
-    "Stamped", "Step", "Store", "VantleError", "open_store",
+    "Advice", "Change", "Closed", "Conflict", "Entry", "Failure", "Imported", "Loaded", "NotFound", "Overflow",
+    "Plan", "Preset", "Stamped", "Step", "Store", "VantleError", "open_store",
 ]
 
 PROTOCOL = 1
+MOST_EVENTS = 4096  # that wait for one reader of changes()
+
+_Record = TypeVar("_Record")
+
+
+def _record(kind: type[_Record], members: Mapping[str, Any]) -> _Record:
+    """Of the members that are known here: a later helper may tell more."""
+    known = {field.name for field in dataclasses.fields(kind)}
+    return kind(**{name: value for name, value in members.items() if name in known})
 
 
 class VantleError(Exception):
@@ -54,7 +64,7 @@ class Conflict(VantleError):
     def present(self) -> Preset | None:
         """The preset as it is now, or None when it is gone."""
         present = self.data.get("present")
-        return Preset(**present) if present else None
+        return _record(Preset, present) if present else None
 
 
 class Closed(VantleError):
@@ -163,7 +173,12 @@ class Failure:
     has_ended: bool
 
 
-Event = Loaded | Change | Failure
+@dataclass(frozen=True)
+class Overflow:
+    """Events were left out, since too many waited to be read: ``presets()`` has what is there now."""
+
+
+Event = Loaded | Change | Failure | Overflow
 
 _ERRORS: dict[int, type[VantleError]] = {1: NotFound, 2: Conflict}
 
@@ -189,17 +204,18 @@ class Store:
         self._next_id = 1
         self._largest = 16 << 20
         self._has_ended = False
+        self._fault: Exception | None = None
         self._reader = asyncio.create_task(self._read())
         self.capabilities: dict[str, Any] = {}
 
     async def presets(self, kind: str | None = None) -> list[Entry]:
         """The presets, sorted by name; those of one kind ("RTMP") if it is given."""
         result = await self.call("list", kind=kind)
-        return [Entry(**entry) for entry in result["presets"]]
+        return [_record(Entry, entry) for entry in result["presets"]]
 
     async def get(self, name: str, *, reveal: bool = False) -> Preset:
         """A preset's document. Stream key and password are masked unless revealed."""
-        return Preset(**await self.call("get", name=name, reveal=reveal))
+        return _record(Preset, await self.call("get", name=name, reveal=reveal))
 
     async def set(self, name: str, *assignments: str, document: Mapping[str, Any] | None = None,
                   stamp: str | None = None) -> Stamped:
@@ -212,15 +228,15 @@ class Store:
 
     async def add(self, kind: str, name: str | None = None) -> Stamped:
         """Adds a preset with its kind's defaults, named "KIND Preset" if no name is given."""
-        return Stamped(**await self.call("add", kind=kind, name=name))
+        return _record(Stamped, await self.call("add", kind=kind, name=name))
 
     async def duplicate(self, name: str) -> Stamped:
         """Adds a copy of a preset's renditions and tracks."""
-        return Stamped(**await self.call("duplicate", name=name))
+        return _record(Stamped, await self.call("duplicate", name=name))
 
     async def rename(self, name: str, to: str, *, stamp: str | None = None) -> Stamped:
         """Renames a preset and its file."""
-        return Stamped(**await self.call("rename", name=name, to=to, stamp=stamp))
+        return _record(Stamped, await self.call("rename", name=name, to=to, stamp=stamp))
 
     async def remove(self, name: str, *, stamp: str | None = None) -> None:
         """Deletes a preset and its file."""
@@ -242,7 +258,8 @@ class Store:
 
     async def advice(self, name: str | None = None, *, document: Mapping[str, Any] | None = None) -> list[Advice]:
         """What speaks against going on air with a preset, or with a document."""
-        return [Advice(**piece) for piece in (await self.call("advice", name=name, document=document))["advice"]]
+        result = await self.call("advice", name=name, document=document)
+        return [_record(Advice, piece) for piece in result["advice"]]
 
     async def plan(self, name: str, *assignments: str, reveal: bool = False, **options: Any) -> Plan:
         """ffmpeg's arguments. Options: input, inputChannels, output, duration (seconds), fast."""
@@ -253,14 +270,15 @@ class Store:
     async def check(self, name: str, *assignments: str, **options: Any) -> list[Step]:
         """Asks the preset's server whether it is there. Options: output, authorityFile, limit (seconds a step)."""
         result = await self.call("check", name=name, assignments=list(assignments), **options)
-        return [Step(**step) for step in result["steps"]]
+        return [_record(Step, step) for step in result["steps"]]
 
     async def fields(self, kind: str) -> list[dict[str, Any]]:
         """What can be set in presets of a kind."""
         return (await self.call("fields", kind=kind))["fields"]
 
     def changes(self) -> AsyncIterator[Event]:
-        """What happens from this call on, until the helper ends."""
+        """What happens from this call on, until the helper ends. Of a reader that falls behind by MOST_EVENTS, those
+        that wait are given up, and it gets an Overflow in their place."""
         queue: asyncio.Queue[Event | None] = asyncio.Queue()
         if self._has_ended:
             queue.put_nowait(None)
@@ -275,7 +293,7 @@ class Store:
     async def call(self, method: str, /, **params: Any) -> Any:
         """A request by its name; parameters that are None are left out."""
         if self._has_ended:
-            raise Closed()
+            raise self._end()
         number, self._next_id = self._next_id, self._next_id + 1
         answer: asyncio.Future[Any] = asyncio.get_running_loop().create_future()
         self._waiting[number] = answer
@@ -291,11 +309,22 @@ class Store:
             self._waiting.pop(number, None)
 
     async def close(self) -> int:
-        """Ends the helper, once all is saved; its exit code, 0 when all went well."""
-        assert self._process.stdin
+        """Ends the helper, once all is saved; its exit code, 0 when all went well. Raises what went wrong with a
+        message of the helper's, unless a request has."""
+        assert self._process.stdin and self._process.stdout
         self._process.stdin.close()
         await self._reader
-        return await self._process.wait()
+        while await self._process.stdout.read(1 << 16):
+            pass  # what follows on a message that was not understood
+        code = await self._process.wait()
+        if self._fault:
+            raise self._end()
+        return code
+
+    def _end(self) -> Exception:
+        """Why nothing more comes: what went wrong here, once, and else that the helper has ended."""
+        fault, self._fault = self._fault, None
+        return fault or Closed()
 
     def _write(self, message: Mapping[str, Any]) -> None:
         assert self._process.stdin
@@ -316,11 +345,13 @@ class Store:
         try:
             while message := await self._message():
                 self._take(message)
+        except Exception as fault:  # not understood: nothing that follows can be, either
+            self._fault = fault
         finally:
             self._has_ended = True
             for answer in self._waiting.values():
                 if not answer.done():
-                    answer.set_exception(Closed())
+                    answer.set_exception(self._end())
             for queue in tuple(self._followers):
                 queue.put_nowait(None)
 
@@ -334,11 +365,19 @@ class Store:
         except asyncio.IncompleteReadError:
             return None
 
+    @staticmethod
+    def _put(queue: asyncio.Queue[Event | None], event: Event) -> None:
+        if queue.qsize() >= MOST_EVENTS:
+            while not queue.empty():
+                queue.get_nowait()
+            event = Overflow()
+        queue.put_nowait(event)
+
     def _take(self, message: dict[str, Any]) -> None:
         if "method" in message:
-            event = _event(message["method"], message["params"])
+            event = _event(message["method"], message.get("params", {}))
             for queue in tuple(self._followers) if event else ():
-                queue.put_nowait(event)
+                self._put(queue, event)
             return
         answer = self._waiting.get(message["id"])
         if answer is None or answer.done():

@@ -22,10 +22,10 @@ std::shared_ptr<VideoSettings> renditionOfBitRate(const Assignment &assignment, 
     return preset.videoSettings().value(parts[1].toInt());
 }
 
-void tellLimitation(const Assignment &assignment, const VantlePreset &preset)
+void noteLimitation(QStringList &limitations, const Assignment &assignment, const VantlePreset &preset)
 {
     if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
-        complain(assignment.path() + ": "_L1 + limitation);
+        limitations.append(assignment.path() + ": "_L1 + limitation);
 }
 
 } // namespace
@@ -66,17 +66,23 @@ QList<Assignment> withTextsRead(const QList<Assignment> &assignments)
     return read;
 }
 
-void applyAll(const QList<Assignment> &assignments, VantlePreset &preset)
+QStringList applyAll(const QList<Assignment> &assignments, VantlePreset &preset)
 {
+    QStringList limitations;
     // A bit rate is limited by the profile, which may yet be assigned.
     QList<std::pair<std::shared_ptr<VideoSettings>, QString>> bitRates;
-    for (const Assignment &assignment : assignments) {
-        assignment.apply(preset);
+    for (qsizetype i = 0; i < assignments.size(); ++i) {
+        const Assignment &assignment = assignments[i];
+        try {
+            assignment.apply(preset);
+        } catch (const AssignmentError &error) {
+            throw FailedAssignment(error, i);
+        }
         if (const auto rendition = renditionOfBitRate(assignment, preset)) {
             bitRates.removeIf([&](const auto &earlier) { return earlier.first == rendition; });
             bitRates.append({rendition, assignment.value()});
         } else {
-            tellLimitation(assignment, preset);
+            noteLimitation(limitations, assignment, preset);
         }
     }
     const VideoSettingsList renditions = preset.videoSettings();
@@ -87,8 +93,15 @@ void applyAll(const QList<Assignment> &assignments, VantlePreset &preset)
         const auto assignment =
             Assignment::parse(u"videoSettings.%1.bitRate=%2"_s.arg(QString::number(position), bitRate));
         assignment->apply(preset);
-        tellLimitation(*assignment, preset);
+        noteLimitation(limitations, *assignment, preset);
     }
+    return limitations;
+}
+
+void applyAndTell(const QList<Assignment> &assignments, VantlePreset &preset)
+{
+    for (const QString &limitation : applyAll(assignments, preset))
+        complain(limitation);
 }
 
 } // namespace vantle::ctl

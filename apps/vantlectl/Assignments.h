@@ -16,8 +16,22 @@ namespace vantle::ctl {
 /// The assignments with the texts that @FILE and @- stand for (see TextValue.h). Throws AssignmentError.
 [[nodiscard]] QList<Assignment> withTextsRead(const QList<Assignment> &assignments);
 
-/// Carries them out in their order and says which values were limited: bit rates by the profile that is there
-/// in the end. Throws AssignmentError at the first that can't be.
-void applyAll(const QList<Assignment> &assignments, VantlePreset &preset);
+/// The assignment that can't be carried out, and its position among the others.
+struct FailedAssignment : AssignmentError
+{
+    FailedAssignment(const AssignmentError &error, qsizetype number)
+        : AssignmentError(error), position(number)
+    {
+    }
+
+    qsizetype position;
+};
+
+/// Carries them out in their order; a line for each value that was limited: bit rates by the profile that is
+/// there in the end. Throws FailedAssignment at the first that can't be.
+[[nodiscard]] QStringList applyAll(const QList<Assignment> &assignments, VantlePreset &preset);
+
+/// The same, complaining of what was limited.
+void applyAndTell(const QList<Assignment> &assignments, VantlePreset &preset);
 
 } // namespace vantle::ctl

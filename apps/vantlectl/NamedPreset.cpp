@@ -40,7 +40,7 @@ std::shared_ptr<VantlePreset> assignedPreset(const std::string &argument, const 
 {
     auto preset = namedPreset(argument, options);
     try {
-        applyAll(assignments, *preset);
+        applyAndTell(assignments, *preset);
     } catch (const AssignmentError &error) {
         throw Refusal(QString::fromUtf8(error.what()));
     }

@@ -39,10 +39,11 @@ ExitCode applyAndSave(StoreSession &session, const std::shared_ptr<VantlePreset>
     ExitCode code = ExitCode::good;
     for (bool isFirst = true; std::exchange(isChanged, false); isFirst = false) {
         positions.require(*preset, assignments);
-        applyAll(assignments, *preset);
+        applyAndTell(assignments, *preset);
         if (options.forService) {
             setForService(*preset);
-            applyAll(ofThePreset(assignments), *preset); // what the user named stays
+            // What the user named stays; what of it was limited has been told.
+            static_cast<void>(applyAll(ofThePreset(assignments), *preset));
         }
         for (const Assignment &assignment : assignments)
             assignment.requireKept(*preset);

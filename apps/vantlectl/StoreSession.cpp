@@ -21,12 +21,17 @@ using namespace Qt::StringLiterals;
 
 void StoreOptions::addTo(CLI::App &command)
 {
+    addDirectoryTo(command);
+    command.add_flag("--json", json, "For machines: one JSON object per line");
+}
+
+void StoreOptions::addDirectoryTo(CLI::App &command)
+{
     command
         .add_option("--data-dir", dataDirectory,
                     "The data directory in place of VANTLE_DATA_DIR or the machine-wide one")
         ->check(dataDirectoryFault)
         ->take_last(); // an alias may bring one
-    command.add_flag("--json", json, "For machines: one JSON object per line");
 }
 
 QString StoreOptions::directory() const
@@ -36,20 +41,27 @@ QString StoreOptions::directory() const
 
 namespace {
 
-/// Refuses a presets folder that is not there, since the store would make it.
+bool isMissing(const std::filesystem::path &path)
+{
+    std::error_code error; // of what can't be looked at, the store tells why
+    return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
+}
+
+/// Refuses a presets folder that is not there, too.
 void requireFolder(const QString &dataDirectory)
 {
-    const auto isMissing = [](const std::filesystem::path &path) {
-        std::error_code error; // of what can't be looked at, the store tells why
-        return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
-    };
-    if (const auto path = fileSystemPath(dataDirectory); isMissing(path))
-        throw Refusal(shown(path) + ": there is no such directory"_L1);
+    requireDirectory(dataDirectory);
     if (const auto path = fileSystemPath(presetsFolderPath(dataDirectory)); isMissing(path))
         throw Refusal(shown(path) + ": there is no such folder; add and import make it"_L1);
 }
 
 } // namespace
+
+void requireDirectory(const QString &dataDirectory)
+{
+    if (const auto path = fileSystemPath(dataDirectory); isMissing(path))
+        throw Refusal(shown(path) + ": there is no such directory"_L1);
+}
 
 StoreSession::StoreSession(const StoreOptions &options)
 {

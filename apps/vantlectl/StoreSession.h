@@ -26,9 +26,14 @@ struct StoreOptions
     bool makesFolder = false; ///< for adding: a presets folder that is not there is made
 
     void addTo(CLI::App &command);
+    /// Only --data-dir, for a command that prints no presets.
+    void addDirectoryTo(CLI::App &command);
     /// The given one, else that of VANTLE_DATA_DIR, else the machine-wide one.
     [[nodiscard]] QString directory() const;
 };
+
+/// Refuses a data directory that is not there, since the store would make it. Throws Refusal.
+void requireDirectory(const QString &dataDirectory);
 
 /// The store of one command: opens it, waits until the folder has been read, and tells whether everything
 /// that was asked for has reached the disk. The store's log goes to standard error.

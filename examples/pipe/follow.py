@@ -40,7 +40,7 @@ async def follow(options: argparse.Namespace) -> None:
             match event:
                 case vantle.Failure(has_ended=False):
                     print(f"{event.operation} {event.name}: {event.reason}", flush=True)
-                case vantle.Change():
+                case vantle.Change() | vantle.Overflow():
                     await print_list(store)
 
 

@@ -9,6 +9,7 @@ import os
 import pathlib
 import select
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -115,6 +116,15 @@ class Pipe(unittest.TestCase):
         self.assertEqual(helper.wait(DEADLINE), 0)  # nobody has read an answer yet
         self.assertEqual(json.loads((self.folder / "Show.json").read_bytes())["portNumber"], 1049)
         self.assertEqual(self.answers(helper.stdout.read()), [(number, "") for number in range(50)])
+
+    def test_a_check_does_not_keep_the_helper_of_a_client_that_has_gone(self):
+        with socket.create_server(("127.0.0.1", 0)) as server:  # that says nothing
+            helper = self.start()
+            address = f"rtmp://127.0.0.1:{server.getsockname()[1]}/live/key"
+            check = request(1, "check", name="Show", output=address, limit=3600)
+            output, complaints = helper.communicate(check + AFTER, timeout=DEADLINE)
+            self.assertEqual(self.answers(output), [(9, ""), (1, "ending")])
+            self.assertEqual((helper.returncode, complaints), (0, b""))
 
     def wait_for_stall(self, helper):
         """Until the helper has written all that its client's pipe holds, and sleeps."""

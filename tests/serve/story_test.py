@@ -22,6 +22,37 @@ import vantle  # noqa: E402
 DEADLINE = 120  # seconds; only a fault lets it pass
 ROUNDS = 25
 
+# A helper of a later version, which tells more than is known here; what is added to it is not to be understood.
+LATER_HELPER = """#!/usr/bin/env python3
+import json, sys
+
+def tell(**message):
+    body = json.dumps(message).encode()
+    sys.stdout.buffer.write(b"Content-Length: %d\\r\\n\\r\\n%s" % (len(body), body))
+    sys.stdout.buffer.flush()
+
+known = {"name": "Show", "type": "SRT", "stamp": "1", "document": {},
+         "videoSettings": 1, "audioSettings": 1, "later": 1}
+while line := sys.stdin.buffer.readline():
+    sys.stdin.buffer.readline()
+    request = json.loads(sys.stdin.buffer.read(int(line.split()[1])))
+    match request["method"]:
+        case "initialize":
+            result = {"capabilities": {"largestRequest": 1000, "later": 1}}
+        case "list":
+            for number in range(10):
+                tell(method="changed", params={"what": "updated", "name": str(number), "type": "SRT", "later": 1})
+            tell(method="later")
+            result = {"presets": [known], "later": 1}
+        case _:
+            result = known
+    if request["method"] == "remove":
+        tell(method="changed", params={})
+    tell(id=request["id"], result=result)
+    if request["method"] == "rename":
+        tell(method="changed", params={})
+"""
+
 
 class Mirror:
     """The list as a program knows it from what it is told."""
@@ -100,6 +131,14 @@ class Story(unittest.IsolatedAsyncioTestCase):
             revealed = await store.get("YouTube Premiere", reveal=True)
             self.assertEqual((revealed.document["streamKey"], revealed.document["portNumber"]), ("abcd-1234", 4443))
             self.assertEqual(revealed.document, self.document("YouTube Premiere"))
+
+            # A bit rate is limited by the profile that is there in the end, and who asked for more is told.
+            rate, profile = "videoSettings.0.bitRate=60000", "videoSettings.0.profile=H264_Main_"
+            note = "videoSettings.0.bitRate: limited to 20000 by the profile"
+            raised = await store.set("Venue Uplink", rate, profile + "5_0")
+            self.assertEqual((raised.notes, self.document("Venue Uplink")["videoSettings"][0]["bitRate"]), ((), 60000))
+            self.assertIn(note, (await store.plan("Venue Uplink", rate, profile + "4_0")).notes)
+            self.assertEqual((await store.set("Venue Uplink", rate, profile + "4_0")).notes, (note,))
 
             shown = await store.plan("YouTube Premiere")
             self.assertNotIn("abcd-1234", "".join(shown.arguments))
@@ -247,6 +286,9 @@ class Story(unittest.IsolatedAsyncioTestCase):
                 for task in (check, *others[:-1]):
                     task.cancel()
                 await asyncio.gather(check, *others, return_exceptions=True)
+                limited = await store.call("check", name="Show", assignments=["videoSettings.0.bitRate=999999"],
+                                           output=address, limit=0.1)
+                self.assertEqual(limited["notes"], ["videoSettings.0.bitRate: limited to 20000 by the profile"])
                 steps = await store.check("Show", output=address, limit=0.1)
                 self.assertEqual([(step.step, step.outcome) for step in steps],
                                  [("name look-up", "ok"), ("TCP", "ok"), ("RTMP handshake", "failed")])
@@ -268,6 +310,38 @@ class Story(unittest.IsolatedAsyncioTestCase):
             with self.assertRaises(vantle.Closed):
                 while True:
                     await store.presets()
+
+    def open_later(self):
+        program = self.data / "later"
+        program.write_text(LATER_HELPER)
+        program.chmod(0o700)
+        return vantle.open_store(program=program)
+
+    async def test_what_a_later_helper_tells_besides_is_passed_over(self):
+        async with self.open_later() as store:
+            self.assertEqual(await store.presets(), [vantle.Entry("Show", "SRT", 1, 1)])
+            self.assertEqual(await store.get("Show"), vantle.Preset("Show", "SRT", "1", {}))
+            self.assertEqual(await store.add("SRT"), vantle.Stamped("Show", "1", "SRT"))
+
+    async def test_a_reader_that_falls_behind_is_told_so(self):
+        self.addCleanup(setattr, vantle, "MOST_EVENTS", vantle.MOST_EVENTS)
+        vantle.MOST_EVENTS = 4
+        async with self.open_later() as store:
+            events = store.changes()
+            await store.presets()
+        self.assertEqual([getattr(event, "name", event) async for event in events], [vantle.Overflow(), "9"])
+
+    async def test_a_message_that_is_not_understood_is_raised_once(self):
+        for method in ("remove", "rename"):  # by the request that waits, and by the end of the session
+            with self.subTest(method), self.assertRaises(KeyError) as caught:
+                async with self.open_later() as store:
+                    events = store.changes()
+                    await store.call(method)
+                    self.assertEqual([event async for event in events], [])
+            self.assertEqual(caught.exception.args, ("what",))
+            with self.assertRaises(vantle.Closed):
+                await store.presets()
+            self.assertEqual(await store.close(), 0)
 
     def test_ten_thousand_presets_are_listed_about_as_fast_as_by_the_command(self):
         document = (SAMPLES / "Venue Uplink.json").read_bytes()

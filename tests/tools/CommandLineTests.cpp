@@ -57,6 +57,41 @@ TEST_F(CommandLine, OnlyAddingMakesTheFolder)
     EXPECT_EQ(run("ctl add HLS --data-dir new").output, "HLS Preset\n");
 }
 
+TEST_F(CommandLine, ServesTheDirectoryThatTheOthersUse)
+{
+    m_folder.write("ask", "Content-Length: 46\r\n\r\n"
+                          R"({"jsonrpc":"2.0","id":1,"method":"initialize"})");
+    m_folder.write("set", "Content-Length: 94\r\n\r\n"
+                          R"({"jsonrpc":"2.0","id":1,"method":"set",)"
+                          R"("params":{"name":"A b","assignments":["portNumber=7"]}})");
+    const QByteArray ours = R"("dataDirectory":"data")";
+    const QByteArray saved = "vantlectl: Preset Saved: ";
+    const struct
+    {
+        const char *text;
+        int exitCode;
+        QByteArray output;
+        QByteArray errors;
+    } rows[] = {
+        {"ctl serve --data-dir data <ask", 0, ours, ""},
+        {"ctl --data-dir /nowhere serve --data-dir data <ask", 0, ours, ""},
+        {"export VANTLE_DATA_DIR=data; ctl serve <ask", 0, ours, ""},
+        {"mkdir empty; ctl serve --data-dir empty <ask", 0, R"("dataDirectory":"empty")", ""},
+        {"ctl serve -q --data-dir data <set", 0, R"("stamp")", ""},
+        {"ctl serve --data-dir data <set", 0, R"("stamp")", saved},
+        {"ctl serve --data-dir '' <ask", 2, "", "the name of the folder is empty"},
+        {"ctl serve --data-dir typo <ask", 1, "", "typo: there is no such directory"},
+    };
+    for (const auto &row : rows) {
+        const Finished finished = run(row.text);
+        EXPECT_EQ(finished.exitCode, row.exitCode) << row.text;
+        EXPECT_TRUE(finished.output.contains(row.output)) << row.text << finished.output.toStdString();
+        EXPECT_TRUE(finished.errors.contains(row.errors)) << row.text << finished.errors.toStdString();
+        EXPECT_EQ(finished.errors.isEmpty(), row.errors.isEmpty()) << finished.errors.toStdString();
+    }
+    EXPECT_NE(run("test -e typo").exitCode, 0);
+}
+
 TEST_F(CommandLine, QuietSaysWhatWasAskedForAndWhatWentWrong)
 {
     const struct

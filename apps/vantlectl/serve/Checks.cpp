@@ -32,7 +32,7 @@ CheckOptions optionsOf(Params &params)
     return options;
 }
 
-QByteArray resultOf(const QList<CheckStep> &steps, bool isGood)
+QByteArray resultOf(const QList<CheckStep> &steps, bool isGood, const QStringList &notes)
 {
     return document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
         writer.beginObject();
@@ -41,6 +41,11 @@ QByteArray resultOf(const QList<CheckStep> &steps, bool isGood)
         writer.beginArray();
         for (const CheckStep &step : steps)
             writeStep(writer, step);
+        writer.endArray();
+        writer.key("notes");
+        writer.beginArray();
+        for (const QString &note : notes)
+            writer.string(note);
         writer.endArray();
         writer.endObject();
     });
@@ -60,22 +65,22 @@ void Checks::begin(ServedStore &store, const QByteArray &id, Params &params)
         throw ServeError(ErrorCode::tooMany, u"as many checks go on as there may"_s,
                          ObjectText().number("limit", static_cast<qint64>(kMostChecks)));
     const auto preset = copyOf(*store.preset(name));
-    applyAssignments(assignments, *preset);
+    const QStringList notes = applyAssignments(assignments, *preset);
     silenceSrtLog();
     auto check = std::make_unique<ConnectionCheck>(*preset, options);
     connect(
-        check.get(), &ConnectionCheck::finished, this, [this, id](bool isGood) { finish(id, isGood); },
-        Qt::QueuedConnection);
+        check.get(), &ConnectionCheck::finished, this,
+        [this, id, notes](bool isGood) { finish(id, isGood, notes); }, Qt::QueuedConnection);
     check->start();
     m_running.emplace(id, std::move(check));
 }
 
-void Checks::finish(const QByteArray &id, bool isGood)
+void Checks::finish(const QByteArray &id, bool isGood, const QStringList &notes)
 {
     const auto found = m_running.find(id);
     if (found == m_running.end())
         return; // it was ended while this was under way
-    const QByteArray result = resultOf(found->second->steps(), isGood);
+    const QByteArray result = resultOf(found->second->steps(), isGood, notes);
     m_running.erase(found);
     m_answer(answerTo(id, result));
 }

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] bool isEmpty() const { return m_running.empty(); }
 
 private:
-    void finish(const QByteArray &id, bool isGood);
+    void finish(const QByteArray &id, bool isGood, const QStringList &notes);
 
     const Answer m_answer;
     std::map<QByteArray, std::unique_ptr<ConnectionCheck>> m_running; // by the request's id

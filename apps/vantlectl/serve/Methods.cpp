@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/serve/Methods.h"
 
+#include "apps/vantlectl/Assignments.h"
+
 #include "VantlePresets/core/EnumerationTable.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/NameRules.h"
@@ -74,7 +76,7 @@ QList<Assignment> assignmentsOf(const QStringList &texts)
         const auto assignment = Assignment::parse(text);
         if (!assignment) // not repeated: it may hold a secret
             throw ServeError(ErrorCode::invalidValue,
-                             u"assignment %1 is none: not an assignment such as portNumber=1936"_s.arg(
+                             u"assignment %1 is not of the form FIELD=VALUE, such as portNumber=1936"_s.arg(
                                  assignments.size() + 1),
                              ObjectText().number("assignment", assignments.size()));
         assignments.append(*assignment);
@@ -84,19 +86,14 @@ QList<Assignment> assignmentsOf(const QStringList &texts)
 
 QStringList applyAssignments(const QList<Assignment> &assignments, VantlePreset &preset)
 {
-    QStringList limitations;
-    for (qsizetype i = 0; i < assignments.size(); ++i) {
-        const Assignment &assignment = assignments[i];
-        try {
-            assignment.apply(preset);
-        } catch (const AssignmentError &error) {
-            throw ServeError(ErrorCode::invalidValue, QString::fromUtf8(error.what()),
-                             ObjectText().number("assignment", i).text("field", assignment.path()));
-        }
-        if (const QString limitation = assignment.limitation(preset); !limitation.isEmpty())
-            limitations.append(assignment.path() + ": "_L1 + limitation);
+    try {
+        return applyAll(assignments, preset);
+    } catch (const FailedAssignment &failed) {
+        throw ServeError(ErrorCode::invalidValue, QString::fromUtf8(failed.what()),
+                         ObjectText()
+                             .number("assignment", failed.position)
+                             .text("field", assignments[failed.position].path()));
     }
-    return limitations;
 }
 
 } // namespace vantle::ctl

@@ -49,9 +49,9 @@ void addToStore(ServedStore &store, const std::shared_ptr<VantlePreset> &preset)
 [[nodiscard]] StreamingType kindOf(const QString &label);
 /// Assignments as `vantlectl set` takes them, but for those from files; throws invalidValue.
 [[nodiscard]] QList<Assignment> assignmentsOf(const QStringList &texts);
-/// Carries them out in their order; throws invalidValue at the first that can't be. Says which values were
-/// limited.
-QStringList applyAssignments(const QList<Assignment> &assignments, VantlePreset &preset);
+/// Carries them out as `vantlectl set` does; a line for each value that was limited. Throws invalidValue at
+/// the first that can't be.
+[[nodiscard]] QStringList applyAssignments(const QList<Assignment> &assignments, VantlePreset &preset);
 /// A preset of its own with what the other's document keeps, and its name.
 [[nodiscard]] std::shared_ptr<VantlePreset> copyOf(const VantlePreset &preset);
 

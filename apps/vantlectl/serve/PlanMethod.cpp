@@ -22,8 +22,9 @@ EncoderRequest requestOf(Params &params)
     request.setOutput(params.optionalText("output").value_or(QString()));
     request.setPaced(!params.flag("fast"));
     const auto duration = params.optionalNumber("duration");
-    if (duration && *duration <= 0)
-        refuse(u"duration"_s, u"seconds above 0"_s);
+    constexpr double kLongest = 365.0 * 24 * 3600;
+    if (duration && (*duration <= 0 || *duration > kLongest))
+        refuse(u"duration"_s, u"seconds above 0 and at most 31536000"_s);
     request.setDuration(duration);
     constexpr qint64 kMostChannels = 1024; // far above what any input has
     const auto channels = params.optionalInteger("inputChannels");
@@ -57,14 +58,14 @@ QByteArray planPreset(ServedStore &store, Params &params)
     const EncoderRequest request = requestOf(params);
     params.requireNoOthers();
     const auto preset = copyOf(*store.preset(name));
-    applyAssignments(assignments, *preset);
+    const QStringList limitations = applyAssignments(assignments, *preset);
     const EncoderPlan plan = planEncoder(*preset, request);
     const QStringList problems = plan.problems();
     if (!problems.isEmpty())
         throw ServeError(ErrorCode::notPlanned, problems.constFirst(),
                          ObjectText().texts("problems", problems));
     ObjectText result;
-    result.texts("arguments", plan.maskedArguments()).texts("notes", plan.notes());
+    result.texts("arguments", plan.maskedArguments()).texts("notes", limitations + plan.notes());
     if (reveal)
         result.raw("secrets", secretArguments(plan));
     return result.json();

@@ -27,33 +27,35 @@ int movedAway(int stream, int replacement)
 }
 
 /// A host that does not read what is complained of must not hold up the store: the line is lost then.
-void complainIfRead(const QString &text)
+void tellIfRead(const QString &line)
 {
     pollfd asked{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
     if (::poll(&asked, 1, 0) > 0)
-        complain(text.left(512)); // less than a pipe takes at once
+        tellLogLine(line.left(512)); // less than a pipe takes at once
 }
 
 ExitCode serve(const StoreOptions &options)
 {
+    const QString directory = options.directory();
+    requireDirectory(directory); // the folder in it is made, since presets can be added
     const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     const int input = movedAway(STDIN_FILENO, null);
     const int output = movedAway(STDOUT_FILENO, STDERR_FILENO);
     ::close(null);
     std::signal(SIGXFSZ, SIG_IGN); // a file that must not grow is a save that fails, and no end
-    setLogSink(complainIfRead);
+    setLogSink(tellIfRead);
 
     Server *serving = nullptr;
     const StopOnSignal stop([&serving] { // before the store starts its threads
         if (serving)
             serving->stop();
     });
-    Server server(QString::fromStdString(options.dataDirectory), input, output);
+    Server server(directory, input, output);
     serving = &server;
     ExitCode code = ExitCode::good;
     QObject::connect(&server, &Server::finished, &server, [&code](const QString &complaint) {
         if (!complaint.isEmpty()) {
-            complainIfRead(complaint);
+            tellIfRead(complaint);
             code = ExitCode::failed;
         }
         QCoreApplication::exit();
@@ -72,8 +74,7 @@ void addServeCommand(CLI::App &app, Command &chosen)
     command->footer("For hosts in any language, which run it as a helper: messages of JSON-RPC 2.0 behind\n"
                     "Content-Length headers. It ends when its input does, once all is saved.");
     const auto options = std::make_shared<StoreOptions>();
-    command->add_option("--data-dir", options->dataDirectory,
-                        "The data directory in place of the machine-wide one");
+    options->addDirectoryTo(*command);
     command->callback([options, &chosen] {
         chosen = [options](Output &) { return guarded([&] { return serve(*options); }); };
     });

@@ -16,8 +16,8 @@ namespace vantle::ctl {
 using namespace Qt::StringLiterals;
 
 ServedStore::ServedStore(const QString &dataDirectory)
-    : m_dataDirectory(dataDirectory.isEmpty() ? machineDataDirectories().constFirst() : dataDirectory),
-      m_salt(QUuid::createUuid().toRfc4122()), m_manager([this] { return QStringList{m_dataDirectory}; })
+    : m_dataDirectory(dataDirectory), m_salt(QUuid::createUuid().toRfc4122()),
+      m_manager([this] { return QStringList{m_dataDirectory}; })
 {
 }
 

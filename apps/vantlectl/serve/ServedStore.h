@@ -16,7 +16,6 @@ namespace vantle::ctl {
 class ServedStore
 {
 public:
-    /// An empty path stands for the machine-wide data directory.
     explicit ServedStore(const QString &dataDirectory);
 
     [[nodiscard]] PresetsManager &manager() { return m_manager; }

@@ -17,6 +17,7 @@ using namespace Qt::StringLiterals;
 constexpr int kProtocol = 1;
 constexpr quint64 kLargestRequest = 16 << 20; // as the largest preset file
 constexpr qsizetype kMostJobs = 256;          // that wait, of as many bytes as the largest request together
+constexpr std::chrono::seconds kGrace{10};    // a check may have an hour for each step
 constexpr std::chrono::seconds kPatience{5};
 constexpr std::chrono::milliseconds kPatienceStep{100};
 
@@ -54,6 +55,10 @@ Server::Server(const QString &dataDirectory, int input, int output)
             notificationOf("failed", ObjectText().text("operation", u"start"_s).text("reason", reason))));
         goOn();
     });
+    m_grace.setSingleShot(true);
+    m_grace.setInterval(kGrace);
+    connect(&m_grace, &QTimer::timeout, this,
+            [this] { m_checks.endAll(ServeError(ErrorCode::ending, u"the input has ended"_s)); });
     connect(&m_patience, &QTimer::timeout, this, &Server::finishIfDone);
 }
 
@@ -260,8 +265,11 @@ void Server::finishIfDone()
         return goOn();
     if (m_phase == Phase::stopping)
         m_checks.endAll(ServeError(ErrorCode::ending, u"the session is ending"_s));
-    if (!m_checks.isEmpty())
-        return; // each ends by its limits
+    if (!m_checks.isEmpty()) {
+        if (!m_grace.isActive())
+            m_grace.start();
+        return;
+    }
     if (!m_channel.isEmpty() && m_channel.stalledFor() < kPatience) {
         m_patience.start(kPatienceStep); // drained() comes first with a client that reads
         return;

@@ -69,6 +69,7 @@ private:
     QQueue<Job> m_jobs;
     qsizetype m_jobsSize = 0;
     QTimer m_turn;
+    QTimer m_grace;    // of checks that go on when the input has ended
     QTimer m_patience; // with a client that does not read the last answers
     Phase m_phase = Phase::serving;
     bool m_isBusy = false; // the event loop runs inside a request
