@@ -9,7 +9,7 @@
 namespace vantle::encoder {
 
 /// What an SRT connection is made with, by the table's names; values as ffmpeg's options take them.
-using SrtValues = QMap<QLatin1StringView, QString>;
+using SrtValues = QMap<QString, QString>;
 
 inline constexpr QLatin1StringView kSrtPassphrase{"passphrase"};
 inline constexpr QLatin1StringView kSrtKeyLength{"pbkeylen"};

@@ -55,11 +55,13 @@ void planSize(PlanDraft &draft, const VideoSettings &video)
     };
     const qint64 width = checkSide("customWidth"_L1, video.width(), 4);
     const qint64 height = checkSide("customHeight"_L1, video.height(), 2);
-    draft.plan.picture.size = QSize(static_cast<int>(std::clamp(width, kShortestSide, kLongestSide)),
-                                    static_cast<int>(std::clamp(height, kShortestSide, kLongestSide)));
+    const QSize size(static_cast<int>(std::clamp(width, kShortestSide, kLongestSide)),
+                     static_cast<int>(std::clamp(height, kShortestSide, kLongestSide)));
+    draft.plan.picture.size = size;
     const QSize canvas = draft.host.canvas;
     // A pixel more or less is not seen: 854 x 480 is 16 to 9.
-    if (std::abs(canvas.width() * height - canvas.height() * width) > canvas.width() + canvas.height())
+    if (std::abs(qint64{canvas.width()} * size.height() - qint64{canvas.height()} * size.width()) >
+        canvas.width() + canvas.height())
         draft.note(field("resolution"_L1),
                    u"OBS's canvas of %1 x %2 has another shape and will be stretched"_s.arg(canvas.width())
                        .arg(canvas.height()));
