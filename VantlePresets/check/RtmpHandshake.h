@@ -6,7 +6,7 @@
 namespace vantle::check {
 
 /// The caller's side of RTMP's plain handshake: C0 and C1 go out, S0, S1 and S2 come in, C2 goes out. A
-/// version byte and two blocks of 1536 bytes for each side (Adobe's RTMP specification 1.0, 5.2). Pure: bytes
+/// version byte and two blocks of 1536 bytes for each side (Adobe's RTMP 1.0, section 5.2). Pure: bytes
 /// in, bytes out.
 class RtmpHandshake
 {
