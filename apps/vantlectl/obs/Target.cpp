@@ -153,10 +153,9 @@ encoder::SrtValues srtValuesOf(PlanDraft &draft, const QString &query)
     draft.plan.notes += reader.notes;
     if (values.remove(encoder::kSrtPacketSize) > 0)
         draft.note(kUrl, u"the packet size is left to OBS"_s);
-    const QList<QLatin1StringView> known{encoder::kSrtMode, encoder::kSrtLatency,
-                                         encoder::kSrtStreamIdentifier, encoder::kSrtPassphrase,
-                                         encoder::kSrtKeyLength};
-    for (const QLatin1StringView name : values.keys()) {
+    const QStringList known{encoder::kSrtMode, encoder::kSrtLatency, encoder::kSrtStreamIdentifier,
+                            encoder::kSrtPassphrase, encoder::kSrtKeyLength};
+    for (const QString &name : values.keys()) {
         if (!known.contains(name))
             draft.refuse(kUrl, "OBS is told of passphrase, streamid, latency, mode and pbkeylen, not of "_L1 +
                                    name);
