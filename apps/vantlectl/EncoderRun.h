@@ -7,6 +7,9 @@
 
 namespace vantle::ctl {
 
+/// The longest run that can be asked for, in seconds: a year.
+inline constexpr double kLongestRun = 365.0 * 24 * 3600;
+
 /// Whether the input gives what it has once only: standard input, a live stream's URL, a pipe or a device.
 [[nodiscard]] bool isLive(const QString &input);
 
@@ -16,7 +19,7 @@ namespace vantle::ctl {
 /// Runs a preset's encoder to its end and prints its progress, once a second. What it has to say goes to
 /// standard error, with secrets masked. It gets this process's standard input, or none. The master playlist
 /// of an HLS folder is completed. SIGINT and SIGTERM end it as it ends by itself, with its files complete,
-/// and are no failure; a second one kills it. Throws Refusal when it can't be started.
+/// and are no failure; a second one, or 10 seconds, kill it. Throws Refusal when it can't be started.
 [[nodiscard]] ExitCode runEncoder(const VantlePreset &preset, const EncoderPlan &plan, bool readsInput,
                                   bool json, Output &out);
 

@@ -58,14 +58,13 @@ void print(const QStringList &arguments, const Options &options, Output &out)
 
 CLI::Validator durationCheck()
 {
-    constexpr double kLongest = 365.0 * 24 * 3600;
-    return {[=](const std::string &text) {
+    return {[](const std::string &text) {
                 bool isNumber = false;
                 const double seconds = QString::fromStdString(text).toDouble(&isNumber);
-                return isNumber && seconds > 0 && seconds <= kLongest
+                return isNumber && seconds > 0 && seconds <= kLongestRun
                            ? std::string()
                            : "\"" + text + "\" is not above 0 and at most " +
-                                 std::to_string(static_cast<int>(kLongest)) + " seconds";
+                                 std::to_string(static_cast<int>(kLongestRun)) + " seconds";
             },
             "SECONDS"};
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/EncoderRun.h"
 #include "apps/vantlectl/serve/Methods.h"
 
 #include "VantlePresets/encoder/EncoderPlan.h"
@@ -22,8 +23,7 @@ EncoderRequest requestOf(Params &params)
     request.setOutput(params.optionalText("output").value_or(QString()));
     request.setPaced(!params.flag("fast"));
     const auto duration = params.optionalNumber("duration");
-    constexpr double kLongest = 365.0 * 24 * 3600;
-    if (duration && (*duration <= 0 || *duration > kLongest))
+    if (duration && (*duration <= 0 || *duration > kLongestRun))
         refuse(u"duration"_s, u"seconds above 0 and at most 31536000"_s);
     request.setDuration(duration);
     constexpr qint64 kMostChannels = 1024; // far above what any input has
