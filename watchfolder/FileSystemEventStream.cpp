@@ -9,6 +9,8 @@
 
 namespace vantle {
 
+FileSystemEventStream::~FileSystemEventStream() = default;
+
 std::shared_ptr<FileSystemEventStream>
 startKernelEventStream(const FileSystemEventStream::Configuration &configuration, WatchBackend backend,
                        std::error_code &error)

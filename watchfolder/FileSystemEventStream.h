@@ -42,7 +42,7 @@ public:
         QString fileSystemType = {};
     };
 
-    virtual ~FileSystemEventStream() = default;
+    virtual ~FileSystemEventStream();
 
     /// Begins to watch the folder; an error when that is not possible.
     virtual std::error_code start() = 0;

@@ -18,6 +18,8 @@ std::chrono::milliseconds milliseconds(double seconds)
 
 } // namespace
 
+VRXWatchFolderDelegate::~VRXWatchFolderDelegate() = default;
+
 VRXWatchFolder::VRXWatchFolder(const QString &folderPath, std::weak_ptr<VRXWatchFolderDelegate> delegate)
     : VRXWatchFolder(folderPath, std::move(delegate), false, 1.0, {}, {})
 {

@@ -26,7 +26,7 @@ public:
     /// Whether an enumeration goes on after an error at an item.
     using EnumerationErrorHandler = std::function<bool(const QUrl &, const std::error_code &)>;
 
-    virtual ~VRXWatchFolderDelegate() = default;
+    virtual ~VRXWatchFolderDelegate();
 
     /// An item appeared. Not sent for what the first inventory finds, nor for a new file that its writer has
     /// not closed.

@@ -33,6 +33,8 @@ std::optional<QList<qint64>> channelsFromVariants(const QVariantList &variants)
 
 } // namespace
 
+AudioSettingsDelegate::~AudioSettingsDelegate() = default;
+
 const EnumerationTable<AudioCodecID> &audioCodecs()
 {
     return kCodecs;

@@ -29,7 +29,7 @@ class AudioSettingsPrivate;
 class VANTLE_PRESETS_EXPORT AudioSettingsDelegate
 {
 public:
-    virtual ~AudioSettingsDelegate() = default;
+    virtual ~AudioSettingsDelegate();
 
     /// Called inside the assignment, on the assigning thread, after the flag was stored and announced.
     virtual void audioSettingsDidChangeDefault(const std::shared_ptr<AudioSettings> &track,
