@@ -119,41 +119,44 @@ TEST(Failures, AFileThatCouldNotBeDeletedIsListedWhenOthersTouchIt)
     EXPECT_TRUE(manager->failures().isEmpty());
 }
 
-// A writer that nobody can see, since the file is another user's, is given a while.
 TEST(Failures, HalfAFileIsOneOnlyIfItsWriterLeavesItSo)
 {
     const std::string isOpen = "exec 3> Half.json; head -c 200 A.json >&3; echo; read go; ";
-    for (const bool isThereAtStart : {true, false}) {
-        for (const bool isOthers : {false, true}) {
-            for (const bool isCompleted : {true, false}) {
-                SCOPED_TRACE(testing::Message() << isThereAtStart << isOthers << isCompleted);
-                LiveStore store;
-                store.writePreset(u"A"_s);
-                ASSERT_EQ(::chmod(store.dataDirectory().toStdString().c_str(), 0755), 0);
-                const std::string end = isCompleted ? "tail -c +201 A.json >&3" : "true";
-                const auto beginWriting = [&] {
-                    auto writer = std::make_unique<test::ChildProcess>(
-                        std::vector<std::string>{"sh", "-ec", isOpen + end}, store.folder().string());
-                    writer->receive();
-                    return writer;
-                };
-                auto writer = isThereAtStart ? beginWriting() : nullptr;
-                const test::OtherUser reader(isOthers ? 65534 : ::geteuid());
-                const auto manager = store.makeManager();
-                EXPECT_EQ(manager->failures(), QList<PresetsFailure>());
-                Told told(*manager);
-                if (!writer)
-                    writer = beginWriting();
-                ASSERT_TRUE(LiveStore::settle(*manager));
-                EXPECT_EQ(namesOf(*manager), QStringList{u"A"_s});
-                EXPECT_EQ(told.take(), QStringList());
-                writer->send("go");
-                ASSERT_EQ(writer->finish(), 0);
-                EXPECT_TRUE(
-                    waitFor([&] { return manager->presets().size() + manager->failures().size() == 2; }));
-                EXPECT_EQ(told.take(), isCompleted ? QStringList() : QStringList{u"+load Half"_s});
-                EXPECT_EQ(store.logOf("Error"_L1).size(), isCompleted ? 0 : 1);
-            }
+    struct Case
+    {
+        const char *when;
+        bool isThereAtStart;
+        bool isOthers; // nobody can see its writer, who is given a while
+    };
+    for (const Case &c : {Case{"at the start", true, false}, Case{"another user's", true, true},
+                          Case{"while the list is open", false, false}}) {
+        for (const bool isCompleted : {true, false}) {
+            SCOPED_TRACE(testing::Message() << c.when << (isCompleted ? ", completed" : ""));
+            LiveStore store;
+            store.writePreset(u"A"_s);
+            ASSERT_EQ(::chmod(store.dataDirectory().toStdString().c_str(), 0755), 0);
+            const std::string end = isCompleted ? "tail -c +201 A.json >&3" : "true";
+            const auto beginWriting = [&] {
+                auto writer = std::make_unique<test::ChildProcess>(
+                    std::vector<std::string>{"sh", "-ec", isOpen + end}, store.folder().string());
+                writer->receive();
+                return writer;
+            };
+            auto writer = c.isThereAtStart ? beginWriting() : nullptr;
+            const test::OtherUser reader(c.isOthers ? 65534 : ::geteuid());
+            const auto manager = store.makeManager();
+            EXPECT_EQ(manager->failures(), QList<PresetsFailure>());
+            Told told(*manager);
+            if (!writer)
+                writer = beginWriting();
+            ASSERT_TRUE(LiveStore::settle(*manager));
+            EXPECT_EQ(namesOf(*manager), QStringList{u"A"_s});
+            EXPECT_EQ(told.take(), QStringList());
+            writer->send("go");
+            ASSERT_EQ(writer->finish(), 0);
+            EXPECT_TRUE(waitFor([&] { return manager->presets().size() + manager->failures().size() == 2; }));
+            EXPECT_EQ(told.take(), isCompleted ? QStringList() : QStringList{u"+load Half"_s});
+            EXPECT_EQ(store.logOf("Error"_L1).size(), isCompleted ? 0 : 1);
         }
     }
 }
