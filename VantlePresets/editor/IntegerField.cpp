@@ -53,11 +53,12 @@ QSize IntegerField::minimumSizeHint() const
     return {std::max(least.width(), fontMetrics().horizontalAdvance(value()) + kFrame), least.height()};
 }
 
-void IntegerField::takeText(const QString &text)
+/// The text as it stands: without the line break between them, two numbers would be one.
+void IntegerField::takeText()
 {
     if (!m_beforeEdit)
         m_beforeEdit = m_held;
-    const auto number = numberOf(text, locale());
+    const auto number = numberOf(text(), locale());
     const qint64 wanted = number ? std::clamp(*number, m_smallest, m_largest) : *m_beforeEdit;
     const QScopedValueRollback guard(m_isWriting, true);
     Q_EMIT valueEdited(wanted);

@@ -28,7 +28,7 @@ Q_SIGNALS:
     void valueEdited(qint64 value);
 
 private:
-    void takeText(const QString &text);
+    void takeText();
 
     qint64 m_smallest = std::numeric_limits<qint64>::min();
     qint64 m_largest = std::numeric_limits<qint64>::max();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/editor/NameEdit.h"
 
+#include "VantlePresets/editor/TextField.h"
+
 namespace vantle {
 
 NameEdit::NameEdit(const std::shared_ptr<PresetsManager> &manager, QObject *parent)
@@ -30,7 +32,7 @@ void NameEdit::begin(const std::shared_ptr<VantlePreset> &preset)
 void NameEdit::type(const QString &text)
 {
     if (m_preset)
-        m_preset->setName(text);
+        m_preset->setName(withoutControls(text));
 }
 
 void NameEdit::end()

@@ -28,7 +28,7 @@ void TextField::takeEdit(const QString &text)
 {
     if (m_isShowing)
         return;
-    Q_EMIT edited(text);
+    Q_EMIT edited(withoutControls(text));
     if (!isBeingEdited())
         showValue(QString(m_value));
 }
@@ -54,7 +54,7 @@ void TextField::carryEditOver()
         this,
         [this] {
             if (isBeingEdited() && text() != m_value)
-                Q_EMIT edited(text());
+                Q_EMIT edited(withoutControls(text()));
         },
         Qt::QueuedConnection);
 }
@@ -63,6 +63,14 @@ void TextField::endEdit()
 {
     setModified(false);
     showValue(QString(m_value));
+}
+
+QString withoutControls(QString text)
+{
+    return text.removeIf([](QChar c) {
+        return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+               c == QChar::ParagraphSeparator;
+    });
 }
 
 } // namespace vantle

@@ -7,7 +7,7 @@ namespace vantle {
 
 /// A text field that writes while the user types and never loses what was typed to a change from
 /// elsewhere: such a change shows up when the edit has ended. Text that an assistive program sets is an edit
-/// that has ended at once.
+/// that has ended at once. Control characters, which a paste can bring, are no part of what is announced.
 ///
 /// Undo and redo are not the field's own: the window undoes edits of fields of all sorts.
 class TextField : public QLineEdit
@@ -45,5 +45,8 @@ private:
     QString m_value;
     bool m_isShowing = false;
 };
+
+/// The text without its control characters, line breaks included.
+[[nodiscard]] QString withoutControls(QString text);
 
 } // namespace vantle

@@ -2,30 +2,24 @@
 #include "VantlePresets/editor/VantleView.h"
 
 #include "VantlePresets/editor/BundleIcon.h"
+#include "VantlePresets/editor/DroppedFiles.h"
 #include "VantlePresets/editor/EditHistory.h"
 #include "VantlePresets/editor/EditorStyle.h"
 #include "VantlePresets/editor/FormLabel.h"
 #include "VantlePresets/editor/HLSPresetView.h"
 #include "VantlePresets/editor/MainThread.h"
-#include "VantlePresets/editor/NotificationCenter.h"
 #include "VantlePresets/editor/PresetsListView.h"
 #include "VantlePresets/editor/ProblemStrip.h"
 #include "VantlePresets/editor/RTMPPresetView.h"
 #include "VantlePresets/editor/SRTPresetView.h"
+#include "VantlePresets/editor/Sidebar.h"
 #include "VantlePresets/editor/YouTubeFacebookPresetView.h"
 
 #include <QtCore/QEvent>
-#include <QtCore/QMimeData>
-#include <QtCore/QPointer>
-#include <QtCore/QThreadPool>
 #include <QtGui/QContextMenuEvent>
-#include <QtGui/QDropEvent>
-#include <QtGui/QPainter>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMenu>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QToolButton>
@@ -38,65 +32,41 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kSidebarMinimum = 220;
 constexpr int kSidebarIdeal = 260;
-constexpr int kSidebarMaximum = 320;
 constexpr QSize kDetailMinimum(820, 560);
 constexpr int kDetailIdeal = 960;
 
-/// A shade apart from the form beside it, with a line between the two.
-class Sidebar : public QWidget
-{
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        const QColor window = palette().color(QPalette::Window);
-        const QColor text = palette().color(QPalette::WindowText);
-        QPainter painter(this);
-        painter.fillRect(rect(), mixed(window, text, 0.025));
-        const int x = layoutDirection() == Qt::LeftToRight ? width() - 1 : 0;
-        painter.fillRect(x, 0, 1, height(), mixed(window, text, 0.13));
-    }
-};
-
+/// Shows the preset in the form, or in a new one for want of one. Its class must be that of its kind.
 template <class View, class Preset>
-PresetFormView *makeForm(const std::shared_ptr<VantlePreset> &preset, QWidget *parent)
+PresetFormView *showIn(PresetFormView *form, const std::shared_ptr<VantlePreset> &preset, QWidget *parent)
 {
-    return new View(presetAs<Preset>(preset), parent);
+    const auto own = presetAs<Preset>(preset);
+    if (!form)
+        return new View(own, parent);
+    form->setPreset(own);
+    return form;
 }
 
-template <class Preset>
-void requireClass(const std::shared_ptr<VantlePreset> &preset)
-{
-    static_cast<void>(presetAs<Preset>(preset));
-}
+using ShowInForm = PresetFormView *(*)(PresetFormView *, const std::shared_ptr<VantlePreset> &, QWidget *);
 
-/// The form of each kind, and the class that its presets must have.
-struct KindForm
-{
-    StreamingType type;
-    PresetFormView *(*make)(const std::shared_ptr<VantlePreset> &, QWidget *);
-    void (*requireClass)(const std::shared_ptr<VantlePreset> &);
-};
+constexpr ShowInForm kShowRTMP = &showIn<RTMPPresetView, RTMPVantlePreset>;
+constexpr ShowInForm kShowYouTubeFacebook = &showIn<YouTubeFacebookPresetView, RTMPVantlePreset>;
 
-constexpr auto kMakeRTMP = &makeForm<RTMPPresetView, RTMPVantlePreset>;
-constexpr auto kMakeYouTubeFacebook = &makeForm<YouTubeFacebookPresetView, RTMPVantlePreset>;
-constexpr auto kRequireRTMP = &requireClass<RTMPVantlePreset>;
-
-constexpr std::array<KindForm, 6> kKindForms{{
-    {StreamingType::hls, &makeForm<HLSPresetView, HLSVantlePreset>, &requireClass<HLSVantlePreset>},
-    {StreamingType::youTube, kMakeYouTubeFacebook, kRequireRTMP},
-    {StreamingType::rtmp, kMakeRTMP, kRequireRTMP},
-    {StreamingType::wowza, kMakeRTMP, kRequireRTMP},
-    {StreamingType::facebook, kMakeYouTubeFacebook, kRequireRTMP},
-    {StreamingType::srt, &makeForm<SRTPresetView, SRTVantlePreset>, &requireClass<SRTVantlePreset>},
+/// The form of each kind, with the class of its presets.
+constexpr std::array<std::pair<StreamingType, ShowInForm>, 6> kKindForms{{
+    {StreamingType::hls, &showIn<HLSPresetView, HLSVantlePreset>},
+    {StreamingType::youTube, kShowYouTubeFacebook},
+    {StreamingType::rtmp, kShowRTMP},
+    {StreamingType::wowza, kShowRTMP},
+    {StreamingType::facebook, kShowYouTubeFacebook},
+    {StreamingType::srt, &showIn<SRTPresetView, SRTVantlePreset>},
 }};
 
-const KindForm &kindForm(StreamingType type)
+ShowInForm formOf(StreamingType type)
 {
-    for (const KindForm &kind : kKindForms) {
-        if (kind.type == type)
-            return kind;
+    for (const auto &[kind, show] : kKindForms) {
+        if (kind == type)
+            return show;
     }
     programmingFault("unknown StreamingType value");
 }
@@ -129,11 +99,12 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
     if (!presetsManager)
         programmingFault("an editor without a presets manager");
     m_history = new EditHistory(presetsManager, this);
+    m_sidebar = new Sidebar(presetsManager);
 
     auto *columns = new QSplitter(this);
     columns->setChildrenCollapsible(false);
     columns->setHandleWidth(1);
-    columns->addWidget(makeSidebar());
+    columns->addWidget(m_sidebar);
     columns->addWidget(makeDetail());
     columns->setStretchFactor(1, 1);
     columns->setSizes({kSidebarIdeal, kDetailIdeal});
@@ -151,7 +122,7 @@ VantleView::VantleView(const std::shared_ptr<PresetsManager> &presetsManager, QW
     connect(qApp, &QCoreApplication::aboutToQuit, this, &VantleView::saveBeforeEnd);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &VantleView::saveWhenLeft);
     qApp->installEventFilter(this);
-    setAcceptDrops(true);
+    connect(new DroppedFiles(this), &DroppedFiles::read, this, &VantleView::importFiles);
     makeShortcuts();
     showSelectedPreset();
 }
@@ -166,7 +137,7 @@ void VantleView::makeShortcuts()
         add(key, [this] { m_history->undo(); });
     for (const QKeySequence &key : QKeySequence::keyBindings(QKeySequence::Redo))
         add(key, [this] { m_history->redo(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_F), &VantleView::openFind);
+    add(QKeySequence(Qt::CTRL | Qt::Key_F), [this] { m_sidebar->openFind(); });
     // Elsewhere the toolkit does this by itself.
     add(QKeySequence(Qt::SHIFT | Qt::Key_F10), [this] {
         QWidget *const focus = focusWidget() ? focusWidget() : this;
@@ -174,90 +145,6 @@ void VantleView::makeShortcuts()
         QContextMenuEvent menu(QContextMenuEvent::Keyboard, position, focus->mapToGlobal(position));
         QCoreApplication::sendEvent(focus, &menu);
     });
-}
-
-QWidget *VantleView::makeSidebar()
-{
-    m_sidebar = new Sidebar;
-    m_sidebar->setMinimumWidth(kSidebarMinimum);
-    m_sidebar->setMaximumWidth(kSidebarMaximum);
-    m_list = new PresetsListView(m_manager);
-    auto *layout = new QVBoxLayout(m_sidebar);
-    layout->setContentsMargins(0, kInRow, 0, kInRow);
-    layout->setSpacing(kInRow);
-    layout->addWidget(makeFindField());
-    layout->addWidget(m_list, 1);
-    auto *below = new QHBoxLayout;
-    below->setContentsMargins(kBetweenRows, 0, kBetweenRows, 0);
-    below->addWidget(makeAddButton());
-    below->addStretch();
-    layout->addLayout(below);
-    return m_sidebar;
-}
-
-QWidget *VantleView::makeFindField()
-{
-    auto *line = new QWidget;
-    auto *layout = new QHBoxLayout(line);
-    layout->setContentsMargins(kInRow, 0, kInRow, 0);
-    m_find = new QLineEdit;
-    m_find->setObjectName(u"find"_s);
-    m_find->setAccessibleName(tr("Find Presets"));
-    m_find->setPlaceholderText(tr("Name or kind"));
-    m_find->setClearButtonEnabled(true);
-    layout->addWidget(m_find);
-    line->hide();
-    connect(m_find, &QLineEdit::textChanged, m_list, &PresetsListView::setFilter);
-    connect(m_list, &PresetsListView::filterMustEnd, this, &VantleView::closeFind);
-    // In the list, too; not while the field is hidden, when the key is the host's.
-    m_endFind = new QShortcut(QKeySequence(Qt::Key_Escape), m_sidebar);
-    m_endFind->setContext(Qt::WidgetWithChildrenShortcut);
-    m_endFind->setEnabled(false);
-    connect(m_endFind, &QShortcut::activated, this, [this] {
-        closeFind();
-        m_list->setFocus();
-    });
-    auto *down = new QShortcut(QKeySequence(Qt::Key_Down), line);
-    down->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(down, &QShortcut::activated, m_list, &PresetsListView::goToShown);
-    connect(m_find, &QLineEdit::returnPressed, m_list, &PresetsListView::goToShown);
-    return line;
-}
-
-void VantleView::openFind()
-{
-    m_sidebar->show();
-    m_find->parentWidget()->show();
-    m_endFind->setEnabled(true);
-    m_find->setFocus(Qt::ShortcutFocusReason);
-    m_find->selectAll();
-}
-
-void VantleView::closeFind()
-{
-    if (m_find->parentWidget()->isHidden())
-        return;
-    const bool hadFocus = m_find->hasFocus();
-    m_find->parentWidget()->hide();
-    m_endFind->setEnabled(false);
-    m_find->clear();
-    if (hadFocus)
-        m_list->setFocus();
-}
-
-QToolButton *VantleView::makeAddButton()
-{
-    auto *menu = new QMenu(this);
-    for (const StreamingType type : streamingTypes().values()) {
-        const QString label = displayName(type);
-        connect(menu->addAction(bundleIcon(label), label), &QAction::triggered, this,
-                [this, type] { addPreset(type); });
-    }
-    auto *button = makeIconButton(bundleSymbol(u"plus"_s), tr("Add Preset"), u"addPreset"_s);
-    // Not the button's own menu: that one would be run in an event loop of its own.
-    connect(button, &QToolButton::clicked, menu,
-            [button, menu] { menu->popup(button->mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
-    return button;
 }
 
 QWidget *VantleView::makeDetail()
@@ -292,7 +179,6 @@ QWidget *VantleView::makeDetail()
     strip->setContentsMargins(kAround, kInRow / 2, kAround, 0);
     strip->addWidget(m_problems);
     layout->addLayout(strip);
-    m_detail->installEventFilter(this);
     layout->addWidget(m_detail, 1);
     return detail;
 }
@@ -332,15 +218,6 @@ void VantleView::alignTitle()
     m_header->layout()->invalidate();
 }
 
-void VantleView::addPreset(StreamingType type)
-{
-    closeFind();
-    m_list->endNameEdit();
-    saveBeforeLeaving(*m_manager);
-    m_manager->addNewPreset(type);
-    NotificationCenter::defaultCenter().post(kFocusPresetsListNotification);
-}
-
 /// The selection often goes away only to come back (a rename does that), in the middle of a click in the
 /// form: what is shown follows when the event loop turns.
 void VantleView::showSelectedPresetSoon()
@@ -377,13 +254,11 @@ void VantleView::showSelectedPreset()
         m_detail->setCurrentWidget(m_placeholder);
         return;
     }
-    const KindForm &kind = kindForm(preset->type());
-    kind.requireClass(preset);
-    PresetFormView *&form = m_forms[kind.make];
-    if (form) {
-        form->setPreset(preset);
-    } else {
-        form = kind.make(preset, m_detail);
+    const ShowInForm show = formOf(preset->type());
+    PresetFormView *&form = m_forms[show];
+    const bool isNew = !form;
+    form = show(form, preset, m_detail);
+    if (isNew) {
         form->setShowsConnectionRows(m_showsConnectionRows);
         m_detail->addWidget(form);
     }
@@ -403,54 +278,15 @@ bool VantleView::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Close && isRealWindow(watched))
         saveBeforeEnd();
-    const auto *widget = qobject_cast<const QWidget *>(watched);
-    if (widget && (widget == this || isAncestorOf(widget)) && takeDrop(event))
-        return true;
     if (watched == m_detail && event->type() == QEvent::Resize)
         QMetaObject::invokeMethod(this, &VantleView::alignTitle, Qt::QueuedConnection);
     return QWidget::eventFilter(watched, event);
 }
 
-/// Files are imported wherever they are dropped, and no field takes them for text.
-bool VantleView::takeDrop(QEvent *event)
+void VantleView::importFiles(QList<PresetImport> imports)
 {
-    const bool isDrop = event->type() == QEvent::Drop;
-    if (!isDrop && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove)
-        return false;
-    auto *drag = static_cast<QDropEvent *>(event); // the other two are such events, too
-    QList<QUrl> files = drag->mimeData()->urls();
-    files.removeIf([](const QUrl &url) { return !url.isLocalFile(); });
-    if (files.isEmpty())
-        return false;
-    drag->setDropAction(Qt::CopyAction);
-    drag->accept();
-    if (isDrop)
-        importFiles(files);
-    return true;
-}
-
-void VantleView::importFiles(const QList<QUrl> &files)
-{
-    std::vector<std::filesystem::path> paths;
-    for (const QUrl &url : files)
-        paths.emplace_back(url.toLocalFile().toStdString());
-    // The application waits for the pool when it ends.
-    QThreadPool::globalInstance()->start([view = QPointer<VantleView>(this), paths] {
-        QList<PresetImport> imports = readPresetsToImport(paths);
-        QMetaObject::invokeMethod(
-            qApp,
-            [view, imports = std::move(imports)] {
-                if (view)
-                    view->finishImport(imports);
-            },
-            Qt::QueuedConnection);
-    });
-}
-
-void VantleView::finishImport(QList<PresetImport> imports)
-{
-    m_list->endNameEdit();
-    closeFind();
+    m_sidebar->list()->endNameEdit();
+    m_sidebar->closeFind();
     m_problems->clearNotices();
     addImportedPresets(*m_manager, imports);
     std::shared_ptr<VantlePreset> first;
@@ -469,14 +305,14 @@ void VantleView::finishImport(QList<PresetImport> imports)
 
 void VantleView::saveBeforeEnd()
 {
-    m_list->endNameEdit();
+    m_sidebar->list()->endNameEdit();
     m_manager->saveSelectedPreset();
 }
 
 /// A name that is being edited stays in edit; what else was edited had been saved before it.
 void VantleView::saveWhenLeft(Qt::ApplicationState state)
 {
-    if (state != Qt::ApplicationActive && !m_list->isNameEdited())
+    if (state != Qt::ApplicationActive && !m_sidebar->list()->isNameEdited())
         saveBeforeLeaving(*m_manager);
 }
 

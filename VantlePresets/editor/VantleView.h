@@ -6,19 +6,16 @@
 #include <QtCore/QHash>
 #include <QtWidgets/QWidget>
 
-class QLineEdit;
-class QShortcut;
 class QSpacerItem;
 class QStackedWidget;
-class QToolButton;
 
 namespace vantle {
 
 class EditHistory;
 class FormLabel;
 class PresetFormView;
-class PresetsListView;
 class ProblemStrip;
+class Sidebar;
 
 /// The root view of the editor: the presets list with its add menu beside the form of the selected preset.
 ///
@@ -48,32 +45,22 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QWidget *makeSidebar();
     QWidget *makeDetail();
-    QToolButton *makeAddButton();
-    QWidget *makeFindField();
     void makeShortcuts();
-    void openFind();
-    void closeFind();
     void alignTitle();
-    void addPreset(StreamingType type);
     void showSelectedPresetSoon();
     void showSelectedPreset();
     void showTitle();
     void saveBeforeEnd();
-    bool takeDrop(QEvent *event);
-    void importFiles(const QList<QUrl> &files);
-    void finishImport(QList<PresetImport> imports);
+    void importFiles(QList<PresetImport> imports);
     void saveWhenLeft(Qt::ApplicationState state);
 
-    using MakeForm = PresetFormView *(*)(const std::shared_ptr<VantlePreset> &, QWidget *);
+    using ShowInForm = PresetFormView *(*)(PresetFormView *, const std::shared_ptr<VantlePreset> &,
+                                           QWidget *);
 
     std::shared_ptr<PresetsManager> m_manager;
     std::shared_ptr<VantlePreset> m_shown;
-    QWidget *m_sidebar = nullptr;
-    PresetsListView *m_list = nullptr;
-    QLineEdit *m_find = nullptr;
-    QShortcut *m_endFind = nullptr;
+    Sidebar *m_sidebar = nullptr;
     EditHistory *m_history;
     ProblemStrip *m_problems = nullptr;
     QWidget *m_header = nullptr;
@@ -81,7 +68,7 @@ private:
     FormLabel *m_title = nullptr;
     QStackedWidget *m_detail = nullptr;
     QWidget *m_placeholder = nullptr;
-    QHash<MakeForm, PresetFormView *> m_forms; ///< kinds with the same form share it
+    QHash<ShowInForm, PresetFormView *> m_forms; ///< kinds with the same form share it
     bool m_isShowDue = false;
     bool m_showsConnectionRows = false;
 };

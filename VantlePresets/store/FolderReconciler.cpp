@@ -205,11 +205,14 @@ bool FolderReconciler::isBeingWritten(const FolderFile &file, const FileStamp &r
 {
     constexpr std::time_t kGrace = 2; // seconds, in which a writer whom nobody can see comes to an end
     const auto present = stampOf(file.path);
+    if (present && present != read)
+        return true; // the watcher reports it
     const Writer writer = present ? probeWriter(file.path) : Writer::None;
-    if (writer == Writer::Some || (present && present != read))
-        return true; // the watcher reports its end
-    if (!present || writer == Writer::None || std::time(nullptr) - present->changed.tv_sec > kGrace)
+    if (writer == Writer::None)
         return false;
+    if (writer == Writer::Unknown && std::time(nullptr) - present->changed.tv_sec > kGrace)
+        return false;
+    // A writer that ends without another word leaves nothing to report.
     m_queue.post([this, name = file.name] { m_receiver.readLater(name); });
     return true;
 }

@@ -39,7 +39,7 @@ public:
         virtual void presetUpdated(const KnownFile &read, const std::shared_ptr<VantlePreset> &source) = 0;
         /// The same found nothing to read.
         virtual void presetGone(const KnownFile &read) = 0;
-        /// A file of another user's may be half-written: to be read again after a while.
+        /// A file may be half-written: to be read again after a while.
         virtual void readLater(const QString &name) = 0;
         /// A file can't be read. Also before presetsLoaded().
         virtual void loadFailed(const PresetsFailure &failure) = 0;

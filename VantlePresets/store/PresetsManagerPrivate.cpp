@@ -328,7 +328,13 @@ void PresetsManager::Private::presetGone(const KnownFile &read)
 void PresetsManager::Private::readLater(const QString &name)
 {
     constexpr std::chrono::seconds kGrace{3};
-    QTimer::singleShot(kGrace, &queue, [this, name] { saver->reread(name); });
+    if (toReadLater.contains(name))
+        return;
+    toReadLater.insert(name);
+    QTimer::singleShot(kGrace, &queue, [this, name] {
+        toReadLater.remove(name);
+        saver->reread(name);
+    });
 }
 
 void PresetsManager::Private::presetUpdated(const KnownFile &read,

@@ -85,6 +85,8 @@ private:
     [[nodiscard]] PresetIndex withoutKnown(PresetIndex loaded) const;
     [[nodiscard]] bool isOutdated(const Entry &entry, const KnownFile &read);
     void takeOver(const Entry &entry, const std::shared_ptr<VantlePreset> &source, const KnownFile &read);
+
+    QSet<QString> toReadLater; // names of files
 };
 
 } // namespace vantle

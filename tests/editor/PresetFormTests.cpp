@@ -4,6 +4,7 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "tests/editor/OpenEditor.h"
 
+#include <QtGui/QClipboard>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QToolButton>
 
@@ -172,6 +173,42 @@ TEST_F(PresetForm, AWholeAddressThatIsPastedFillsTheRowsThatItNames)
     enter(control<QLineEdit>("streamingURL"));
     type(u"srt://typed:1"_s);
     EXPECT_EQ(m_manager->selectedPreset()->property("streamingURL"), u"srt://typed:1"_s);
+}
+
+TEST_F(PresetForm, WhatIsPastedIsStoredWithoutControlCharacters)
+{
+    open();
+    m_controller->setShowsConnectionRows(true);
+    const auto preset = m_manager->addNewPreset(T::youTube);
+    preset->setProperty("authenticate", true);
+    turn();
+    const auto paste = [this](const QString &text) {
+        QGuiApplication::clipboard()->setText(text);
+        press(Qt::Key_V, Qt::ControlModifier);
+    };
+    const QString text = u"\nke\r\x1by\0\x7f\u0085\u2028 1\t\n"_s;
+    for (const char *field : {"streamingURL", "application", "authenticationLogin", "authenticationPassword",
+                              "streamKey", "language", "trackName"}) {
+        SCOPED_TRACE(field);
+        auto *edit = control<QLineEdit>(field);
+        enter(edit);
+        paste(text);
+        const QObject &record = preset->property(field).isValid() ? static_cast<QObject &>(*preset)
+                                                                  : *preset->audioSettings().first();
+        EXPECT_EQ(record.property(field).toString(), u"key 1"_s);
+        press(Qt::Key_Tab);
+        EXPECT_EQ(edit->text(), u"key 1"_s);
+    }
+    enter(control<QLineEdit>("portNumber"));
+    paste(u"12\n34"_s);
+    EXPECT_EQ(preset->property("portNumber"), 1935) << "two numbers are none";
+    list().setFocus();
+    press(Qt::Key_F2);
+    ASSERT_TRUE(nameField());
+    nameField()->selectAll();
+    paste(text);
+    press(Qt::Key_Return);
+    EXPECT_EQ(preset->name(), u"key 1"_s);
 }
 
 TEST_F(PresetForm, EntriesAreAddedLast)

@@ -119,6 +119,103 @@ TEST(Failures, AFileThatCouldNotBeDeletedIsListedWhenOthersTouchIt)
     EXPECT_TRUE(manager->failures().isEmpty());
 }
 
+TEST(Failures, HalfAFileIsOneOnlyIfItsWriterLeavesItSo)
+{
+    const std::string isOpen = "exec 3> Half.json; head -c 200 A.json >&3; echo; read go; ";
+    struct Case
+    {
+        const char *when;
+        bool isThereAtStart;
+        bool isOthers; // nobody can see its writer, who is given a while
+    };
+    for (const Case &c : {Case{"at the start", true, false}, Case{"another user's", true, true},
+                          Case{"while the list is open", false, false}}) {
+        for (const bool isCompleted : {true, false}) {
+            SCOPED_TRACE(testing::Message() << c.when << (isCompleted ? ", completed" : ""));
+            LiveStore store;
+            store.writePreset(u"A"_s);
+            ASSERT_EQ(::chmod(store.dataDirectory().toStdString().c_str(), 0755), 0);
+            const std::string end = isCompleted ? "tail -c +201 A.json >&3" : "true";
+            const auto beginWriting = [&] {
+                auto writer = std::make_unique<test::ChildProcess>(
+                    std::vector<std::string>{"sh", "-ec", isOpen + end}, store.folder().string());
+                writer->receive();
+                return writer;
+            };
+            auto writer = c.isThereAtStart ? beginWriting() : nullptr;
+            const test::OtherUser reader(c.isOthers ? 65534 : ::geteuid());
+            const auto manager = store.makeManager();
+            EXPECT_EQ(manager->failures(), QList<PresetsFailure>());
+            Told told(*manager);
+            if (!writer)
+                writer = beginWriting();
+            ASSERT_TRUE(LiveStore::settle(*manager));
+            EXPECT_EQ(namesOf(*manager), QStringList{u"A"_s});
+            EXPECT_EQ(told.take(), QStringList());
+            writer->send("go");
+            ASSERT_EQ(writer->finish(), 0);
+            EXPECT_TRUE(waitFor([&] { return manager->presets().size() + manager->failures().size() == 2; }));
+            EXPECT_EQ(told.take(), isCompleted ? QStringList() : QStringList{u"+load Half"_s});
+            EXPECT_EQ(store.logOf("Error"_L1).size(), isCompleted ? 0 : 1);
+        }
+    }
+}
+
+/// Another process removes what has been reported before the store reads it.
+class Remover : public VRXWatchFolderDelegate
+{
+public:
+    Remover(const LiveStore &store, std::shared_ptr<VRXWatchFolderDelegate> reader)
+        : m_store(store), m_reader(std::move(reader))
+    {
+    }
+    void watchFolderDidReloadCurrentURLs(VRXWatchFolder *folder) override
+    {
+        test::runScript(m_store.folder(), "rm E.json");
+        m_reader->watchFolderDidReloadCurrentURLs(folder);
+    }
+    void watchFolderFileAddedAtURL(VRXWatchFolder *folder, const QUrl &url, bool isDirectory) override
+    {
+        test::runScript(m_store.folder(), "rm " + url.fileName().toStdString());
+        m_reader->watchFolderFileAddedAtURL(folder, url, isDirectory);
+    }
+    void watchFolderFileUpdatedAtURL(VRXWatchFolder *folder, const QUrl &url, bool isDirectory) override
+    {
+        test::runScript(m_store.folder(), "rm " + url.fileName().toStdString());
+        m_reader->watchFolderFileUpdatedAtURL(folder, url, isDirectory);
+    }
+    void watchFolderFileRemovedAtURL(VRXWatchFolder *folder, const QUrl &url, bool isDirectory) override
+    {
+        m_reader->watchFolderFileRemovedAtURL(folder, url, isDirectory);
+    }
+
+private:
+    const LiveStore &m_store;
+    const std::shared_ptr<VRXWatchFolderDelegate> m_reader;
+};
+
+TEST(Failures, AFileThatIsGoneBeforeItIsReadIsNone)
+{
+    LiveStore store;
+    for (const QString &name : {u"A"_s, u"B"_s})
+        store.writePreset(name);
+    const auto manager = store.makeManager();
+    Told told(*manager);
+    VRXWatchFolder &watcher = *manager->watchFolder();
+    const auto remover = std::make_shared<Remover>(store, watcher.delegate());
+    watcher.setDelegate(remover);
+    ASSERT_TRUE(store.runElsewhere(u"cp A.json D.json; sed -i s/4500/1/ B.json"_s));
+    EXPECT_TRUE(waitFor([&] { return store.fileNames() == QStringList{u"A.json"_s}; }));
+    watcher.stopWatching();
+    ASSERT_TRUE(store.runElsewhere(u"cp A.json E.json"_s));
+    ASSERT_TRUE(watcher.startWatching());
+    ASSERT_TRUE(waitFor([&] { return !store.fileNames().contains(u"E.json"_s); }));
+    ASSERT_TRUE(LiveStore::settle(*manager));
+    EXPECT_EQ(namesOf(*manager), (QStringList{u"A"_s, u"A"_s})) << "what is loaded again is added";
+    EXPECT_EQ(told.take(), QStringList());
+    EXPECT_EQ(store.logOf("Error"_L1), QStringList());
+}
+
 TEST(Failures, AFileThatBecomesReadableIsLoaded)
 {
     LiveStore store;

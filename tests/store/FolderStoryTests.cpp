@@ -401,13 +401,6 @@ TEST_F(OpenList, TheFolderGoesAndComesBack)
     EXPECT_TRUE(waitFor([&] { return m_manager->presets().size() == 4; }));
 }
 
-TEST_F(OpenList, ASlowWriterEndsAsOneCompletePreset)
-{
-    ASSERT_TRUE(elsewhere(u"{ head -c 200 A.json; sleep 5; tail -c +201 A.json; } > Slow.json"_s));
-    EXPECT_TRUE(m_manager->presetWithName(u"Slow"_s));
-    EXPECT_EQ(m_store.logOf("Error"_L1), QStringList());
-}
-
 TEST(FolderStories, HostileFilesCostOneLineEachAndNothingElse)
 {
     LiveStore store;

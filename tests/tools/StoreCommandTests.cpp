@@ -240,6 +240,73 @@ TEST_F(StoreCommands, CommandsThatRunAtOnceLoseNothing)
                                                "HLS Preset 5\nHLS Preset 6\nHLS Preset 7\nHLS Preset 8\n");
 }
 
+/// The command has read the preset when it opens the file that one of its texts comes from; what another
+/// process does until there is a text is done in between.
+TEST_F(StoreCommands, ASetGoesOnTopOfWhatOthersChangedMeanwhile)
+{
+    ASSERT_EQ(ctl({"add", "SRT", "--name", "Before"}).exitCode, 0);
+    ASSERT_EQ(
+        ctl({"set", "Before", "videoSettings.+", "videoSettings.0.bitRate=10", "videoSettings.1.bitRate=11"})
+            .exitCode,
+        0);
+    const std::string options = " --data-dir '" + m_data.path() + "' ";
+    const std::string meanwhileSet = "'" VANTLECTL "' set A" + options;
+    struct Row
+    {
+        std::string assignment;
+        std::string meanwhile;
+        QByteArray refusal; // "" when both changes are to be there
+        std::vector<qint64> bitRates;
+    };
+    const QByteArray moved = ": another process has changed the list meanwhile; nothing was changed";
+    for (const Row &row : std::initializer_list<Row>{
+             {"videoSettings.1.bitRate=5", meanwhileSet + "videoSettings.0.bitRate=6", {}, {6, 5}},
+             {"videoSettings.1.bitRate=5", meanwhileSet + "videoSettings.1.frameRate=25", {}, {10, 5}},
+             {"videoSettings.1.bitRate=5", meanwhileSet + "audioSettings.+", {}, {10, 5}},
+             {"videoSettings.0.bitRate=5",
+              meanwhileSet + "videoSettings.0.-",
+              "videoSettings.0.bitRate" + moved,
+              {11}},
+             {"videoSettings.1.-", meanwhileSet + "videoSettings.+", {}, {10, 4500}},
+             {"videoSettings.+ videoSettings.2.bitRate=5",
+              meanwhileSet + "videoSettings.+",
+              "videoSettings.2.bitRate" + moved,
+              {10, 11, 4500}},
+             {"portNumber=5",
+              "echo broken > '" + file("A").string() + "'",
+              "another process has changed the file, which can't be read now; nothing was changed",
+              {}},
+             {"portNumber=5",
+              "rm '" + file("A").string() + "'",
+              "another process has removed or replaced the preset; nothing was changed",
+              {}},
+         }) {
+        SCOPED_TRACE(row.meanwhile);
+        const TemporaryFolder texts;
+        const std::string text = texts.path("text");
+        const Finished set =
+            runProcess({"/usr/bin/timeout", "60", "sh", "-ec",
+                        "cp '" + file("Before").string() + "' '" + file("A").string() + "'; mkfifo " + text +
+                            "; '" VANTLECTL "' set A" + options + "streamingURL=@" + text + " " +
+                            row.assignment + " & exec 3> " + text + "; " + row.meanwhile +
+                            "; echo host.example >&3; exec 3>&-; wait $!"});
+        EXPECT_EQ(set.exitCode, row.refusal.isEmpty() ? 0 : 1);
+        EXPECT_TRUE(set.errors.contains(row.refusal)) << set.errors.toStdString();
+        std::vector<qint64> bitRates;
+        QVariant host = u""_s;
+        try {
+            const auto a = readPresetFile(file("A"));
+            host = a->property("streamingURL");
+            for (const auto &rendition : a->videoSettings())
+                bitRates.push_back(rendition->bitRate());
+        } catch (const std::exception &) {
+            EXPECT_TRUE(row.bitRates.empty());
+        }
+        EXPECT_EQ(host == u"host.example"_s, row.refusal.isEmpty());
+        EXPECT_EQ(bitRates, row.bitRates);
+    }
+}
+
 TEST_F(StoreCommands, AWordIsAStoredPresetAndAPathAFile)
 {
     ASSERT_EQ(ctl({"add", "SRT", "--name", "A"}).exitCode, 0);
