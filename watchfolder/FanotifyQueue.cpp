@@ -52,7 +52,8 @@ public:
                           eventsForRole(role) | FAN_ONDIR | FAN_EVENT_ON_CHILD, AT_FDCWD,
                           pathOfDescriptor.c_str()) != 0)
             error.assign(errno, std::system_category());
-        // The parent's mark tells of a new mode of one that is closed, and calls it by its handle.
+        // A directory that can't be read can't be marked, but its parent's mark reports a new mode of it
+        // under its own handle.
         if (!error || error.value() == EACCES)
             m_directories.add(key, path, role);
         return error;

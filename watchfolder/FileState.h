@@ -9,7 +9,7 @@
 
 namespace vantle {
 
-/// What one statx says about a path. A link is described itself, never its target.
+/// What one statx says about a path. A link is described itself unless it is followed.
 struct FileState
 {
     FileTime modified;
@@ -37,13 +37,14 @@ enum class Follow { No, Links };
 enum class Freshness { AsCached, FromServer };
 
 /// None with the error set when the state can't be read.
-std::optional<FileState> readFileState(int directory, const char *name, Follow follow, std::error_code &error,
-                                       Freshness freshness = Freshness::AsCached);
-std::optional<FileState> readFileState(const char *path, std::error_code &error);
+[[nodiscard]] std::optional<FileState> readFileState(int directory, const char *name, Follow follow,
+                                                     std::error_code &error,
+                                                     Freshness freshness = Freshness::AsCached);
+[[nodiscard]] std::optional<FileState> readFileState(const char *path, std::error_code &error);
 /// Of an open file.
-std::optional<FileState> readFileState(int descriptor, std::error_code &error);
+[[nodiscard]] std::optional<FileState> readFileState(int descriptor, std::error_code &error);
 
 /// True when the error says that nothing is at the path (any other leaves that open).
-bool saysMissing(const std::error_code &error);
+[[nodiscard]] bool saysMissing(const std::error_code &error);
 
 } // namespace vantle

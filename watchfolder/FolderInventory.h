@@ -14,7 +14,7 @@ struct ChangedPath
 {
     std::string path;
     LookCause cause = LookCause::look;
-    /// Only whether the item is there and what it is; its date is taken over in silence.
+    /// Only presence and kind are compared; a new date is recorded without a report.
     bool existenceOnly = false;
     /// As the last walk met it. What changed since comes as an event.
     std::optional<FileState> seen = {};
@@ -75,8 +75,8 @@ public:
     /// The item at a path as it is now, as the outcome of an own change.
     [[nodiscard]] OwnOutcome presentOutcome(std::string_view path) const;
 
-    /// Before the whole folder is walked: notes which folder stands at the path. What is missing in another
-    /// one has not been removed by this process.
+    /// Notes the folder's identity before it is walked. Where another folder stands there later, this process
+    /// has not removed what is missing in it.
     void noteFolder();
     /// A walk: begin, meet every entry, then ask for what was not met.
     std::uint32_t beginWalk();

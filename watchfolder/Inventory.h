@@ -23,7 +23,7 @@ public:
         FileState state;
         /// The walk that met the item last; a walk reports what it did not meet.
         std::uint32_t walk = 0;
-        bool hasState = true;
+        bool hasState = true; // false when it was found but could not be looked at
         Knowledge knowledge = Knowledge::told;
     };
 

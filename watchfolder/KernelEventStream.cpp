@@ -207,7 +207,7 @@ void KernelEventStream::handle(const KernelQueue::Record &record, PendingEvents:
         heard.doubt = heard.doubt || (record.role != WatchRole::Below && (record.mask & kTakingAway));
         return;
     }
-    if (isDirectoryEvent(record.mask) && (record.mask & departingEvents))
+    if (isDirectoryEvent(record.mask) && (record.mask & kDepartingEvents))
         m_queue->forgetTree(joinPath(*record.directory, record.name));
     // The directory of the root is "/" and joins its names without another slash.
     const std::string_view directory = *record.directory;

@@ -17,8 +17,8 @@ namespace vantle {
 /// An event source over a queue of the kernel's: when events are delivered, what an overflow leads to, and
 /// how the folder is found again after it went away.
 ///
-/// Everything runs on the stream's event loop, except that marks are placed from any thread under
-/// m_marksMutex.
+/// arrived() runs on the reader's thread, watchDirectory() and flush() on any, all else on the stream's event
+/// loop. Marks are placed under m_marksMutex.
 class KernelEventStream final : public FileSystemEventStream
 {
 public:

@@ -39,27 +39,28 @@ constexpr quint32 allTranslated()
     return events;
 }
 
+/// These say that a directory itself is gone, or is elsewhere.
+constexpr quint32 kSelfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
+
 } // namespace
 
-const quint32 creatingEvents = IN_CREATE;
-const quint32 completingEvents = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
-const quint32 writingEvents = IN_MODIFY;
-const quint32 arrivingEvents = IN_MOVED_TO;
-const quint32 departingEvents = IN_DELETE | IN_MOVED_FROM;
-const quint32 selfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
-const quint32 watchedEvents = allTranslated();
+const quint32 kCreatingEvents = IN_CREATE;
+const quint32 kCompletingEvents = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
+const quint32 kWritingEvents = IN_MODIFY;
+const quint32 kArrivingEvents = IN_MOVED_TO;
+const quint32 kDepartingEvents = IN_DELETE | IN_MOVED_FROM;
 
 quint32 eventsForRole(WatchRole role)
 {
     switch (role) {
     case WatchRole::Folder:
-        return watchedEvents | selfEvents;
+        return allTranslated() | kSelfEvents;
     case WatchRole::Below:
-        return watchedEvents;
+        return allTranslated();
     case WatchRole::Parent:
-        return selfEvents | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+        return kSelfEvents | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
     case WatchRole::Ancestor:
-        return selfEvents;
+        return kSelfEvents;
     }
     return 0;
 }

@@ -8,25 +8,19 @@
 // inotify and fanotify number their common events alike, so one table serves both.
 namespace vantle {
 
-extern const quint32 creatingEvents;
+extern const quint32 kCreatingEvents;
 /// After these nobody has to wait for a writer.
-extern const quint32 completingEvents;
-extern const quint32 writingEvents;
-extern const quint32 arrivingEvents;
+extern const quint32 kCompletingEvents;
+extern const quint32 kWritingEvents;
+extern const quint32 kArrivingEvents;
 /// What these happen to is not where it was.
-extern const quint32 departingEvents;
-/// These say that a directory itself is gone, or is elsewhere.
-extern const quint32 selfEvents;
+extern const quint32 kDepartingEvents;
+/// What is watched in a directory, in the kernel's bits.
+[[nodiscard]] quint32 eventsForRole(WatchRole role);
 
-/// What is watched in a directory of the tree, in the kernel's bits.
-extern const quint32 watchedEvents;
-
-/// The same for a directory of any role.
-quint32 eventsForRole(WatchRole role);
-
-bool isDirectoryEvent(quint32 kernelMask);
+[[nodiscard]] bool isDirectoryEvent(quint32 kernelMask);
 
 /// The flags of an item's event.
-quint32 eventFlags(quint32 kernelMask);
+[[nodiscard]] quint32 eventFlags(quint32 kernelMask);
 
 } // namespace vantle

@@ -27,7 +27,7 @@ public:
         WatchRole role = WatchRole::Below;
         std::string_view name; // empty for the directory itself
         quint32 mask = 0;
-        bool own = false;
+        bool own = false; // this process caused it; never said by inotify
     };
     using Handle = std::function<void(const Record &)>;
 

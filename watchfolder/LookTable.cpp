@@ -39,7 +39,9 @@ constexpr std::array kRows = {
     // Gone, or nobody knows.
     Row{kAny, kAny, of(unreadable), Report::none, kAsBefore},
     Row{kAny, of(nothing), of(OnDisk::missing), Report::none, kAsBefore},
-    // Removed by this process. What it put there last by an announced change it would have said it removed.
+    // Removed by this process. Not for ownExact: whoever announces its changes would have announced the
+    // removal,
+    // so it was somebody else's.
     Row{of(ownRemoval, ownReplacement), of(told, untold, ownByEvent), of(OnDisk::missing), Report::none,
         nothing},
     Row{kAny, kRecorded, of(OnDisk::missing), Report::missing, kAsBefore},

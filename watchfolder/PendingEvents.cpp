@@ -27,21 +27,21 @@ void PendingEvents::note(std::string_view directory, std::string_view name, quin
     Entry &entry = node->second;
     (own ? entry.ownFlags : entry.foreignFlags) |= eventFlags(kernelMask);
     // The flag of a renaming does not say which way; for an own one it matters.
-    if (own && (kernelMask & departingEvents))
+    if (own && (kernelMask & kDepartingEvents))
         entry.ownFlags |= ItemRemoved;
-    if (own && (kernelMask & arrivingEvents))
+    if (own && (kernelMask & kArrivingEvents))
         entry.ownFlags |= ItemCreated;
     if (isDirectoryEvent(kernelMask))
         return;
     // The kernel merges: one record can say that a file was created and closed.
-    if (kernelMask & completingEvents) {
+    if (kernelMask & kCompletingEvents) {
         entry.held = false;
-    } else if (kernelMask & creatingEvents) {
+    } else if (kernelMask & kCreatingEvents) {
         entry.held = true;
         entry.modified = entry.lookedAt = false;
     }
     entry.last = now;
-    entry.modified = entry.modified || (kernelMask & writingEvents) != 0;
+    entry.modified = entry.modified || (kernelMask & kWritingEvents) != 0;
 }
 
 void PendingEvents::dropCompared()

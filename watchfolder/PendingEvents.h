@@ -46,7 +46,7 @@ private:
         bool held = false;      // set by a creation, cleared by closing, moving and removal
         bool modified = false;  // a write was seen since the creation, so there is a writer, who will close
         bool lookedAt = false;  // found with content, but no write of it was seen: likely linked in
-        Clock::time_point last; // event; of one that is held
+        Clock::time_point last; // when the last event came
     };
 
     bool staysHeld(const std::string &path, Entry &entry, bool settle, Clock::time_point now);

@@ -7,7 +7,8 @@
 
 namespace vantle {
 
-/// How long a rescan has to wait: a queue that overflows again soon is given longer each time.
+/// How long a rescan has to wait for an overflowed queue to be quiet, or for descriptors to be had: longer
+/// each time that it comes again soon.
 class RescanBackoff
 {
 public:

@@ -56,12 +56,12 @@ public:
     [[nodiscard]] QString folderPath() const { return m_folderPath; }
     [[nodiscard]] bool deepWatch() const;
     [[nodiscard]] double latency() const { return m_latency; }
-    QStringList UTTypesFilter() const;
+    [[nodiscard]] QStringList UTTypesFilter() const;
     [[nodiscard]] QStringList extensionFilter() const;
     [[nodiscard]] QStringList propertiesToFetch() const;
     [[nodiscard]] unsigned enumerationOptions() const;
     /// @}
-    /// True from the end of the first inventory until stopWatching.
+    /// True from the first attempt at the inventory until stopWatching.
     [[nodiscard]] bool isWatchingPath() const;
 
     /// For people and debugging output.
@@ -113,7 +113,8 @@ public:
     /// Drops pending work, waits for the running callback unless called by it, and empties the inventory.
     /// After it returns no callback begins.
     void stopWatching();
-    /// Drops the pending comparisons; what they would have found is found when the items change again.
+    /// Drops the pending comparisons; what they would have found is found when the items change again. A
+    /// first inventory that is dropped is taken by the next startWatching.
     void cancel();
     /// Makes a running enumeration stop early; reset by startWatching.
     [[nodiscard]] bool cancelRequested() const;

@@ -33,7 +33,8 @@ public:
     virtual void watchFolderFileAddedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
     /// An item is gone.
     virtual void watchFolderFileRemovedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
-    /// An item's modification date changed. A rewrite that keeps the date is not reported.
+    /// An item's modification date changed. A rewrite that keeps the date is not reported, unless the
+    /// watcher notices replacements.
     virtual void watchFolderFileUpdatedAtURL(VRXWatchFolder *, const QUrl &, bool /*isDirectory*/) {}
     /// Once per comparison that found any change, after the single callbacks.
     virtual void watchFolderAddedURLsUpdatedURLsDeletedURLs(VRXWatchFolder *, const QList<QUrl> & /*added*/,

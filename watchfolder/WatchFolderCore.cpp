@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::chrono::seconds kForcedCheckInterval{30};
 
-// Their servers' changes come without events, or with some of them only.
+// Checked by the forced re-check's timer: a list of its own, narrower than isSharedFileSystem().
 constexpr std::array kUnreliableFileSystems = {"smb", "cifs", "AvidUnityISIS"};
 
 void setError(WatchFolderError *error, WatchFolderError::Code code, const char *format, const QString &folder,

@@ -58,7 +58,7 @@ public:
 
     std::atomic<bool> cancelRequested = false;
     std::atomic<bool> restartWhereWeLeftOff = false;
-    // As of the next start.
+    // As of the next start; the quality of service as of the first, which makes the queue.
     std::atomic<bool> ignoreSelf = true;
     std::atomic<bool> noticesReplacements = false;
     std::atomic<QualityOfService> qualityOfService = QualityOfService::Utility;

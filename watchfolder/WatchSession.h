@@ -28,7 +28,8 @@ public:
     void begin(bool lostWork);
     /// Drops what waits and waits for what runs; whether there was anything.
     bool dropWork();
-    /// No callback begins after this returns, and the one that runs is waited for unless it calls.
+    /// Ends the events; nothing is reported from then on, but for a callback that was about to begin. Waits
+    /// for nothing: the queue does (see WatchFolderCore::stop).
     void end();
 
     void cancel() { m_queue->cancelAll(); }
@@ -82,8 +83,9 @@ private:
     bool m_unreachable = false;
     /// What could not be looked at for lack of rights: of it nothing is known until a mode changes.
     std::set<std::string, std::less<>> m_closed;
-    RescanBackoff m_backoff;                            // while descriptors or memory are short
-    std::atomic<bool> m_looksForReadableFolder = false; // later, by way of the main thread
+    RescanBackoff m_backoff; // while descriptors or memory are short
+
+    std::atomic<bool> m_looksForReadableFolder = false; // later, by way of the main thread, which resets it
 };
 
 } // namespace vantle

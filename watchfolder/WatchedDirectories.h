@@ -74,12 +74,6 @@ public:
         }
     }
 
-    void clear()
-    {
-        m_byKey.clear();
-        m_byPath.clear();
-    }
-
 private:
     void erasePath(const Key &key, const std::string &path)
     {
