@@ -138,7 +138,10 @@ TEST(Advice, EveryMistakeIsToldOnceWithItsPlaceAndWhatWouldBeRight)
              {url(youTube(), "127.0.0.1").with("portNumber", "19350"), ""},
              {url(youTube(), "relay.example.com:1936").with("application", R"("in")"),
               "warning streamingURL: is none of YouTube's known hosts; it hands out a.rtmps.youtube.com"},
-             {youTube().with("portNumber", "99999"), "error portNumber: YouTube's port for RTMPS is 443"},
+             {youTube().with("portNumber", "99999"),
+              "error portNumber: a port is 1 to 65535; YouTube's for RTMPS is 443"},
+             {plain.with("streamingURL", R"("a.rtmp.youtube.com:0")"),
+              "error streamingURL: a port is 1 to 65535; YouTube's for RTMP is 1935"},
              {url(youTube(), "127.0.0.1:0"), "error streamingURL: a port is 1 to 65535"},
              {url(facebook(), "x.example.com:1935"),
               "warning streamingURL: is none of Facebook's known hosts; it hands out "
