@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/OutputFile.h"
+#include "apps/vantlectl/PresetNames.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/serve/Methods.h"
 
@@ -30,9 +31,10 @@ QByteArray importedFiles(ServedStore &store, const QStringList &texts)
         paths.push_back(absolutePath(text));
     QList<PresetImport> files = readPresetsToImport(paths);
     for (PresetImport &file : files) {
-        if (file.preset && file.preset->name().startsWith(u'.')) {
+        if (const QString fault = file.preset ? nameFault(file.preset->name()) : QString();
+            !fault.isEmpty()) {
             file.preset.reset();
-            file.refusal = u"a name that begins with \".\" would be hidden"_s;
+            file.refusal = fault;
         }
     }
     addImportedPresets(store.manager(), files);
