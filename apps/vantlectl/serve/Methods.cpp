@@ -50,7 +50,7 @@ QString freeName(ServedStore &store, const QString &name)
 
 void requireUsable(const QString &name, bool isTaken)
 {
-    const QString reason = isTaken ? u"a preset has the name"_s : nameFault(name);
+    const QString reason = isTaken ? u"a preset or a file has the name"_s : nameFault(name);
     if (!reason.isEmpty())
         throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
                          ObjectText().text("name", name).flag("isTaken", isTaken).text("reason", reason));

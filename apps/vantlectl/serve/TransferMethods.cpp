@@ -50,7 +50,7 @@ QByteArray importedFiles(ServedStore &store, const QStringList &texts)
         if (failure)
             file.refusal = *failure;
         else if (file.preset && file.preset->name() != wanted[i])
-            file.refusal = u"a preset of this name exists"_s; // since a moment ago
+            file.refusal = u"a file of this name exists"_s; // of another process, or one that holds no preset
         if (file.preset && !file.refusal.isEmpty())
             store.manager().remove(file.preset);
         ObjectText entry;
