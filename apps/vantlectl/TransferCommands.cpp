@@ -110,11 +110,14 @@ QStringList unreadableNames(const PresetsManager &manager)
     return names;
 }
 
-void tellOfUnreadable(const PresetImport &import)
+void tellOfUnreadable(const PresetImport &import, bool replaces)
 {
     const QString file = escapedControls(import.preset->name()) + ".json"_L1;
     if (import.isOverBrokenFile)
         remark("note: "_L1 + file + ", which holds no preset, is replaced"_L1);
+    else if (replaces)
+        complain(file +
+                 " stays, since nothing can be read from it, and what is imported gets another name"_L1);
     else
         complain(file +
                  " stays, and what is imported gets another name; --replace replaces a file that holds "
@@ -134,7 +137,7 @@ ExitCode import(const ImportOptions &options, Output &out)
         wanted.append(file.preset ? file.preset->name() : QString());
         if (file.preset) {
             if (unreadable.contains(wanted.last()))
-                tellOfUnreadable(file);
+                tellOfUnreadable(file, options.replace);
             tellAdviceOnImport(*file.preset, file.path);
         } else {
             complain(shown(file.path) + ": "_L1 + file.refusal);

@@ -310,7 +310,7 @@ TEST_F(StoreCommands, ANameThatAFileHasTurnsIntoTheNextOne)
                                      "stays, and what is imported gets"},
                                     {{"import", m_data.path("X.json"), "--replace", "--name", "Y"},
                                      1,
-                                     "stays, and what is imported"},
+                                     "stays, since nothing can be read"},
                                     {{"import", m_data.path("X.json"), "--replace"},
                                      0,
                                      "note: X.json, which holds no preset, is"}}) {
