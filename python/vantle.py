@@ -27,7 +27,7 @@ from dataclasses import dataclass, field
 from typing import Any, TypeVar
 
 __all__ = [
-    "Advice", "Change", "Closed", "Conflict", "Entry", "Failure", "Imported", "Loaded", "NotFound", "Overflow",
+    "Advice", "Change", "Checked", "Closed", "Conflict", "Entry", "Failure", "Imported", "Loaded", "NotFound", "Overflow",
     "Plan", "Preset", "Stamped", "Step", "Store", "VantleError", "open_store",
 ]
 
@@ -146,6 +146,15 @@ class Step:
 
 
 @dataclass(frozen=True)
+class Checked:
+    """What a check found, and which of the assigned values were limited."""
+
+    is_good: bool
+    steps: list[Step]
+    notes: list[str]
+
+
+@dataclass(frozen=True)
 class Loaded:
     """The folder has been read for the first time."""
 
@@ -248,9 +257,10 @@ class Store:
         return Imported([(entry["path"], entry["name"]) for entry in result["imported"]],
                         [(entry["path"], entry["reason"]) for entry in result["refused"]])
 
-    async def import_document(self, name: str, document: Mapping[str, Any]) -> None:
-        """Adds a preset with this document."""
-        await self.call("import", name=name, document=document)
+    async def import_document(self, name: str, document: Mapping[str, Any]) -> str:
+        """Adds a preset with this document. Its name, without the blanks around it."""
+        result = await self.call("import", name=name, document=document)
+        return result["imported"][0]["name"]
 
     async def export(self, name: str, path: str | os.PathLike[str], *, with_secrets: bool = False) -> None:
         """Writes a preset to a file; without stream key and password unless they are wanted."""
@@ -267,10 +277,10 @@ class Store:
         return Plan(result["arguments"], result["notes"],
                     {secret["argument"]: secret["text"] for secret in result.get("secrets", [])})
 
-    async def check(self, name: str, *assignments: str, **options: Any) -> list[Step]:
+    async def check(self, name: str, *assignments: str, **options: Any) -> Checked:
         """Asks the preset's server whether it is there. Options: output, authorityFile, limit (seconds a step)."""
         result = await self.call("check", name=name, assignments=list(assignments), **options)
-        return [_record(Step, step) for step in result["steps"]]
+        return Checked(result["isGood"], [_record(Step, step) for step in result["steps"]], result["notes"])
 
     async def fields(self, kind: str) -> list[dict[str, Any]]:
         """What can be set in presets of a kind."""

@@ -3,8 +3,11 @@
 #include "VantlePresets/advice/NearestText.h"
 #include "VantlePresets/advice/Sources.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentReader.h"
 #include "VantlePresets/model/PresetFactory.h"
+
+#include <QtCore/QVariant>
 
 namespace vantle {
 namespace {
@@ -55,12 +58,28 @@ Advice adviceOn(const Misreading &misreading)
             advice::source::kPresetFile};
 }
 
+/// Files may hold what nobody can type, and no encoder sends.
+void adviseControls(AdviceList &list, const VantlePreset &preset)
+{
+    for (const Field &field : preset.fields()) {
+        const QString place = field.key();
+        const bool isSent =
+            field.isAssignable() && field.isKept(preset.type()) &&
+            (field.keptWhile().isEmpty() || preset.property(field.keptWhile().data()).toBool());
+        if (isSent && field.type() == Field::Type::text && !list.isAbout(place) &&
+            hasControls(preset.property(field.key().data()).toString()))
+            list.error(place, u"holds a line break or another control character, which can't be sent"_s,
+                       advice::source::kPresetFile);
+    }
+}
+
 void advise(AdviceList &list, const VantlePreset &preset)
 {
     if (const auto *push = dynamic_cast<const RTMPVantlePreset *>(&preset))
         adviseConnection(list, *push);
     else if (const auto *srt = dynamic_cast<const SRTVantlePreset *>(&preset))
         adviseConnection(list, *srt);
+    adviseControls(list, preset);
     adviseVideo(list, preset);
     adviseAudio(list, preset);
     adviseIdentifiers(list, preset);

@@ -5,6 +5,8 @@
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
+#include <algorithm>
+
 namespace vantle {
 
 struct StreamAddress;
@@ -30,6 +32,11 @@ public:
         add(AdviceSeverity::warning, place, text, source);
     }
 
+    [[nodiscard]] bool isAbout(const QString &place) const
+    {
+        return std::any_of(m_list.begin(), m_list.end(),
+                           [&](const Advice &advice) { return advice.place == place; });
+    }
     [[nodiscard]] const QList<Advice> &list() const { return m_list; }
 
 private:

@@ -66,6 +66,8 @@ struct Port
     {
     }
 
+    [[nodiscard]] bool isPossible() const { return number >= 1 && number <= 65535; }
+
     QString place;
     qint64 number;
 };
@@ -112,10 +114,11 @@ void adviseProtocolAndPort(AdviceList &advice, const ServiceCheck &check)
             wanted->source);
     }
     const Port port(check.address, check.preset.portNumber());
+    const QLatin1StringView form =
+        port.isPossible() ? "%1's port for %2 is %3"_L1 : "a port is 1 to 65535; %1's for %2 is %3"_L1;
     if (port.number != wanted->port)
         advice.error(port.place,
-                     "%1's port for %2 is %3"_L1.arg(check.rules.name, displayName(wanted->protocol),
-                                                     QString::number(wanted->port)),
+                     form.arg(check.rules.name, displayName(wanted->protocol), QString::number(wanted->port)),
                      wanted->source);
 }
 
@@ -228,9 +231,8 @@ void adviseLogin(AdviceList &advice, const RTMPVantlePreset &preset, const Strea
 
 void advisePort(AdviceList &advice, const StreamAddress &address, qint64 presetPort)
 {
-    constexpr qint64 kHighestPort = 65535;
     const Port port(address, presetPort);
-    if (port.number < 1 || port.number > kHighestPort)
+    if (!port.isPossible())
         advice.error(port.place, u"a port is 1 to 65535"_s, source::kPorts);
 }
 

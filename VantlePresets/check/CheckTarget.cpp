@@ -94,7 +94,7 @@ CheckTarget targetOf(const Source &source)
     const qint64 port = address->port.isEmpty() ? own : address->port.toLongLong();
     if (port < 1 || port > 65535)
         return nobody((address->port.isEmpty() ? u"portNumber"_s : source.field) +
-                      u": %1 is not a port"_s.arg(port));
+                      u": %1 is not a port, which is 1 to 65535"_s.arg(port));
     target.port = static_cast<quint16>(port);
     return target;
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "VantlePresets/check/FolderLook.h"
 #include "VantlePresets/check/StepWork.h"
-
-#include <QtCore/QDir>
-#include <QtCore/QFileInfo>
 
 namespace vantle::check {
 namespace {
@@ -10,25 +8,19 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// HLS in a folder of this machine: there is no server to ask, only whether the folder can be had.
-class FolderLook : public StepWork
+class FolderStep : public StepWork
 {
 public:
     using StepWork::StepWork;
 
     void start() override
     {
-        const QFileInfo folder(QDir::cleanPath(QDir::current().absoluteFilePath(target().folder)));
-        QFileInfo nearest = folder;
-        while (!nearest.exists() && !nearest.isRoot())
-            nearest = QFileInfo(nearest.path());
-        const QString path = nearest.filePath();
-        if (!nearest.isDir())
-            failed(path + " is not a folder"_L1);
-        else if (!nearest.isWritable() || !nearest.isExecutable())
-            failed(path + " can't be written to"_L1);
+        const QFileInfo folder = folderOf(target().folder);
+        if (const QString fault = folderFault(target().folder); !fault.isEmpty())
+            failed(fault);
         else
             good("no server to ask: HLS goes into "_L1 + folder.filePath() +
-                 (nearest == folder ? ", which can be written to"_L1 : ", which can be made"_L1));
+                 (folder.exists() ? ", which can be written to"_L1 : ", which can be made"_L1));
     }
 
     [[nodiscard]] QString whenLate() const override { return {}; }
@@ -37,7 +29,7 @@ public:
 } // namespace
 
 const StepKind kFolder{"folder"_L1, [](CheckContext &context, StepWork::Done done) {
-                           return std::unique_ptr<StepWork>(new FolderLook(context, std::move(done)));
+                           return std::unique_ptr<StepWork>(new FolderStep(context, std::move(done)));
                        }};
 
 } // namespace vantle::check

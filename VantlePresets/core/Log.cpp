@@ -33,10 +33,9 @@ SinkSlot &slot()
     return *instance;
 }
 
-bool isControl(QChar c)
+bool isEscaped(QChar c)
 {
-    return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-           c == QChar::ParagraphSeparator;
+    return isControl(c) || (c >= u'\u202A' && c <= u'\u202E') || (c >= u'\u2066' && c <= u'\u2069');
 }
 
 void writeToStandardOutput(const QString &line)
@@ -50,11 +49,11 @@ void writeToStandardOutput(const QString &line)
 
 QString escapedControls(const QString &text)
 {
-    if (std::none_of(text.begin(), text.end(), isControl))
+    if (std::none_of(text.begin(), text.end(), isEscaped))
         return text;
     QString escaped;
     for (const QChar c : text) {
-        if (isControl(c))
+        if (isEscaped(c))
             escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             escaped += c;

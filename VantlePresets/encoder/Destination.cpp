@@ -3,6 +3,7 @@
 #include "VantlePresets/encoder/ServerArgument.h"
 #include "VantlePresets/encoder/SrtParameters.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 
@@ -59,12 +60,14 @@ std::optional<Server> serverOf(PlanDraft &draft, const QString &streamingURL)
 /// The address's own port counts before the preset's.
 void setPort(PlanDraft &draft, Server &server, qint64 presetPort)
 {
-    if (server.address.port.isEmpty())
-        server.address.port = QString::number(presetPort);
-    else
+    const bool isOwn = !server.address.port.isEmpty();
+    if (isOwn)
         presetPort = server.address.port.toLongLong();
+    else
+        server.address.port = QString::number(presetPort);
     if (presetPort < 1 || presetPort > 65535)
-        draft.problem(u"portNumber"_s, u"%1 is not a port"_s.arg(presetPort));
+        draft.problem(isOwn ? server.field : u"portNumber"_s,
+                      u"%1 is not a port, which is 1 to 65535"_s.arg(presetPort));
 }
 
 const Transport &transportOf(PlanDraft &draft, const RTMPVantlePreset &preset, Server &server)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/encoder/MasterText.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/encoder/PlanDraft.h"
 
 #include <QtCore/QRegularExpression>

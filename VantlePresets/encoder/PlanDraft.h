@@ -5,8 +5,6 @@
 #include "VantlePresets/encoder/Container.h"
 #include "VantlePresets/encoder/EncoderPlan.h"
 
-#include <algorithm>
-
 namespace vantle::encoder {
 
 /// A plan in the making, with what the parts of planning tell each other.
@@ -57,17 +55,6 @@ inline constexpr QLatin1StringView kUncheckedCertificate{
 /// Of a preset with tracks, the one that players begin with: the document's first default one, else the
 /// first.
 [[nodiscard]] qsizetype defaultTrack(const VantlePreset &preset);
-
-[[nodiscard]] inline bool isControl(QChar c)
-{
-    return c.category() == QChar::Other_Control;
-}
-
-/// Whether the text would end an argument or a line early.
-[[nodiscard]] inline bool hasControls(const QString &text)
-{
-    return std::any_of(text.begin(), text.end(), isControl);
-}
 
 // Each adds its part to the draft.
 void planInput(PlanDraft &draft);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/encoder/SrtParameters.h"
 
+#include "VantlePresets/core/Log.h"
+
 #include <QtCore/QUrlQuery>
 
 #include <algorithm>

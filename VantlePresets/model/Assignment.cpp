@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/model/Assignment.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/PresetFactory.h"
 
 #include <QtCore/QRegularExpression>
@@ -19,7 +20,7 @@ QVariant parsed(const QString &text, const Field &field)
     bool isNumber = false;
     switch (field.type()) {
     case Field::Type::text:
-        return text;
+        return hasControls(text) ? QVariant() : text;
     case Field::Type::choice: // which the property converts
         return field.choices().contains(text) ? QVariant(text) : QVariant();
     case Field::Type::boolean:
@@ -49,13 +50,23 @@ QVariant parsed(const QString &text, const Field &field)
     return {};
 }
 
+/// " from 1 to 65535": values outside are taken, and advised against.
+QString rangeOf(const Field &field)
+{
+    if (!field.minimum() || !field.maximum())
+        return {};
+    return u" from %1 to %2"_s.arg(*field.minimum()).arg(*field.maximum());
+}
+
 QString expectation(const Field &field)
 {
     switch (field.type()) {
+    case Field::Type::text: // as in files, whose texts nobody has typed, it would be found out on air
+        return u"can't hold a line break or another control character"_s;
     case Field::Type::boolean:
         return u"expected true or false"_s;
     case Field::Type::integer:
-        return u"expected an integer"_s;
+        return u"expected an integer"_s + rangeOf(field);
     case Field::Type::number:
         return u"expected a number"_s;
     case Field::Type::integers:

@@ -43,7 +43,7 @@ QList<PresetImport> readPresetsToImport(const std::vector<std::filesystem::path>
 void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports, NameClash clash)
 {
     PresetsList added;
-    QStringList sources;
+    QList<PresetImport *> additions;
     QSet<QString> names;
     QSet<QUuid> identifiers;
     for (const auto &preset : manager.presets())
@@ -69,13 +69,17 @@ void addImportedPresets(PresetsManager &manager, QList<PresetImport> &imports, N
             continue;
         }
         added.append(import.preset);
-        sources.append(QString::fromStdString(import.like.native()));
+        additions.append(&import);
     }
     if (added.isEmpty())
         return;
     manager.setPresets(manager.presets() + added);
-    for (qsizetype i = 0; i < added.size(); ++i)
-        manager.saveLike(added[i], sources[i]); // a copy is no more open than its source
+    for (PresetImport *const addition : additions) {
+        addition->isOverBrokenFile =
+            clash == NameClash::replace && manager.replaceBrokenFile(addition->preset);
+        // A copy is no more open than its source.
+        manager.saveLike(addition->preset, QString::fromStdString(addition->like.native()));
+    }
 }
 
 } // namespace vantle

@@ -16,6 +16,7 @@ struct PresetImport
     std::shared_ptr<VantlePreset> preset; ///< named after the file; null when it was refused
     QString refusal;                      ///< in one line without the path; "" unless it was refused
     std::filesystem::path like = path;    ///< the file whose permissions the preset's file gets
+    bool isOverBrokenFile = false;        ///< a file of its name that holds no preset is replaced
 };
 
 /// Reads the files. On any thread, since a disk may be slow; the presets belong to the application's thread
@@ -27,7 +28,8 @@ readPresetsToImport(const std::vector<std::filesystem::path> &paths);
 enum class NameClash {
     refuse,
     replace, ///< the preset becomes what the file says, with its own identifier, and its secrets where the
-             ///< file leaves them out; it is the import's preset then
+             ///< file leaves them out; it is the import's preset then. A file of the name that holds
+             ///< no preset is replaced, too
 };
 
 /// Lists and saves what was read, and refuses what has the name of an earlier file. An identifier that

@@ -2,6 +2,7 @@
 #include "VantlePresets/store/PresetSaver.h"
 
 #include "VantlePresets/document/DocumentError.h"
+#include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/store/FolderReconciler.h"
 #include "watchfolder/VRXWatchFolder.h"
 
@@ -65,6 +66,24 @@ void PresetSaver::save(const Entry &entry, Mode mode, Precedence precedence)
                  done);
 }
 
+bool PresetSaver::takeBrokenFile(const Entry &entry)
+{
+    KnownFile file{
+        .name = entry->name, .stamp = {}, .documentHash = {}, .since = std::chrono::steady_clock::now()};
+    try {
+        const QByteArray content = readFile(fileSystemPath(pathOf(entry->name)), &file.stamp);
+        try {
+            static_cast<void>(decodePreset(content));
+            return false; // somebody has made it good meanwhile
+        } catch (const DecodingError &) {
+            entry->relation.file->set(file);
+            return true;
+        }
+    } catch (const std::system_error &) {
+        return false; // not there, or not for this user to look at
+    }
+}
+
 void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdits,
                             const PresetFiles::Result &result)
 {
@@ -77,6 +96,7 @@ void PresetSaver::saveEnded(const Entry &entry, const QString &name, bool hadEdi
     if (result.outcome == Outcome::written) {
         entry->relation.refusedNames.clear();
         entry->relation.like.clear();
+        recover(Operation::load, name); // of a file that it has replaced
     }
     const bool hasFailed = result.outcome == Outcome::failed && entry->name == name; // else another will tell
     if (hasFailed && (hadEdits || entry->relation.isRenameOwed()))                   // else nothing is lost

@@ -48,6 +48,8 @@ public:
     using Precedence = PresetFiles::Precedence;
     /// Of a preset with edits; one without never overwrites what others have changed.
     void save(const Entry &entry, Mode mode, Precedence precedence = Precedence::edits);
+    /// Makes a file of the preset's name that holds no preset the preset's own. False when there is none.
+    [[nodiscard]] bool takeBrokenFile(const Entry &entry);
     /// Deletes the preset's file.
     void remove(const Entry &entry);
     /// Deletes a file, whosever it is.

@@ -287,6 +287,13 @@ void PresetsManager::saveLike(const std::shared_ptr<VantlePreset> &preset, const
     d->save(preset, PresetSaver::Precedence::edits, fileSystemPath(path));
 }
 
+bool PresetsManager::replaceBrokenFile(const std::shared_ptr<VantlePreset> &preset)
+{
+    requireMainThread(*this);
+    const auto entry = d->index.find(preset.get());
+    return entry && d->saver && d->saver->takeBrokenFile(entry);
+}
+
 bool PresetsManager::hasPendingSaves() const
 {
     requireMainThread(*this);

@@ -105,6 +105,9 @@ public:
     /// The same as save(); a file that is made gets mode, access list and, where possible, group of the file
     /// at the path.
     void saveLike(const std::shared_ptr<VantlePreset> &preset, const QString &path);
+    /// Lets the next save of the listed preset replace a file of its name that holds no preset; when that
+    /// save fails, it stays. False when there is none, or nothing can be read from it.
+    bool replaceBrokenFile(const std::shared_ptr<VantlePreset> &preset);
     /// Saves the selected preset, if there is one.
     void saveSelectedPreset();
     /// Deletes a file of the folder in the background; a listed preset stays listed.

@@ -3,7 +3,9 @@
 // A small host of the presets editor: opens it on a presets folder, or takes a picture of it.
 
 #include "VantlePresets/Version.h"
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/editor/PresetsWindowControllerObjCBridge.h"
+#include "VantlePresets/store/PresetsFolder.h"
 #include "VantlePresets/store/PresetsManager.h"
 #include "apps/support/DataDirectory.h"
 #include "apps/support/StandardStreams.h"
@@ -20,6 +22,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <optional>
 
 namespace vantle {
@@ -66,7 +69,7 @@ std::shared_ptr<VantlePreset> presetToShow(const PresetsManager &manager, const 
         return manager.presets().value(0);
     const auto preset = manager.presetWithName(name);
     if (!preset)
-        std::fprintf(stderr, "vantle: no preset named %s\n", qUtf8Printable(name));
+        std::fprintf(stderr, "vantle: no preset named %s\n", qUtf8Printable(escapedControls(name)));
     return preset;
 }
 
@@ -107,16 +110,30 @@ int takePicture(const PresetsManager &store, const Options &options)
     return 1;
 }
 
+/// Complains of a presets folder that is not there: the store would make it, and whoever looks makes none.
+bool isMissing(const QString &folder)
+{
+    std::error_code error; // of what can't be looked at, the store tells why
+    const bool isMissing =
+        std::filesystem::status(folder.toStdString(), error).type() == std::filesystem::file_type::not_found;
+    if (isMissing)
+        std::fprintf(stderr, "vantle: %s: there is no such folder\n",
+                     qUtf8Printable(escapedControls(folder)));
+    return isMissing;
+}
+
 int run(const Options &options)
 {
     QCoreApplication::setOrganizationName(u"Orvalle"_s);
     QCoreApplication::setApplicationName(u"Vantle"_s);
     QGuiApplication::setDesktopFileName(u"vantle"_s);
 
+    const bool isPicture = !options.screenshot.empty();
     const std::optional<QString> directory = chosenDataDirectory(options.dataDirectory);
+    if (isPicture && isMissing(presetsFolderPath(directory.value_or(machineDataDirectories().constFirst()))))
+        return 1;
     const auto manager = directory ? std::make_shared<PresetsManager>([&] { return QStringList{*directory}; })
                                    : std::make_shared<PresetsManager>();
-    const bool isPicture = !options.screenshot.empty();
     QObject::connect(manager.get(), &PresetsManager::startFailed, qApp, [isPicture](const QString &error) {
         std::fprintf(stderr, "vantle: %s\n", qUtf8Printable(error));
         if (isPicture)

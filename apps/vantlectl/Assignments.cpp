@@ -36,6 +36,10 @@ std::optional<QList<Assignment>> parseAssignments(const std::vector<std::string>
     QList<Assignment> assignments;
     int inputs = preset == kStandardStream ? 1 : 0;
     for (const std::string &text : texts) {
+        if (!QByteArrayView(text).isValidUtf8()) {
+            complain(u"argument %1 is no UTF-8"_s.arg(assignments.size() + 1));
+            return std::nullopt;
+        }
         const auto assignment = Assignment::parse(QString::fromStdString(text));
         if (!assignment) {
             // Not repeated: "streamKey= key" is two words, and the second one a secret.

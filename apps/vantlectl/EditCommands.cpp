@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "apps/vantlectl/PresetNames.h"
 #include "apps/vantlectl/StoreSession.h"
 
 #include "VantlePresets/core/Log.h"
@@ -51,7 +52,10 @@ ExitCode add(const Options &options, Output &out)
 ExitCode duplicate(const Options &options, Output &out)
 {
     StoreSession session(options);
-    const auto copy = session.manager().duplicate(session.preset(options.name));
+    const auto source = session.preset(options.name);
+    if (const QString fault = nameFault(source->name()); !fault.isEmpty())
+        throw Refusal(fault + ", and the copy's would; rename it first"_L1);
+    const auto copy = session.manager().duplicate(source);
     const ExitCode code = session.finish();
     if (code == ExitCode::good)
         reportPreset(out, *copy, options.json);

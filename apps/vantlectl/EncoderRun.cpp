@@ -42,16 +42,19 @@ QList<QByteArray> takeLines(QByteArray &buffer)
 
 struct ProgressField
 {
-    QByteArrayView key; ///< ffmpeg's
-    const char *name;
+    QByteArrayView key; ///< ffmpeg's, of the text that is shown
     QLatin1StringView unit;
+    const char *name;         ///< in JSON
+    QByteArrayView numberKey; ///< ffmpeg's, of the number there
+    QByteArrayView suffix;    ///< which ffmpeg writes behind it
+    double divisor = 1;
 };
 
-constexpr std::array<ProgressField, 5> kProgress{{{"out_time", "time", {}},
-                                                  {"frame", "frame", " frames"_L1},
-                                                  {"fps", "fps", " fps"_L1},
-                                                  {"bitrate", "bitRate", {}},
-                                                  {"speed", "speed", {}}}};
+constexpr std::array<ProgressField, 5> kProgress{{{"out_time", {}, "time", "out_time_us", "", 1e6},
+                                                  {"frame", " frames"_L1, "frame", "frame", ""},
+                                                  {"fps", " fps"_L1, "fps", "fps", ""},
+                                                  {"bitrate", {}, "bitRate", "bitrate", "kbits/s"},
+                                                  {"speed", {}, "speed", "speed", "x"}}};
 
 /// One encoder that runs.
 class EncoderProcess : public QObject
@@ -176,7 +179,7 @@ private:
             m_out.bytes(document::encode(document::Format::compact, [&](document::DocumentWriter &writer) {
                 writer.beginObject();
                 for (const ProgressField &field : kProgress)
-                    writer.string(field.name, text(field));
+                    writeNumber(writer, field);
                 writer.endObject();
             }));
         } else {
@@ -187,6 +190,19 @@ private:
         }
         m_out.line();
         m_out.flush();
+    }
+
+    /// Nothing for what ffmpeg does not know yet, "N/A".
+    void writeNumber(document::DocumentWriter &writer, const ProgressField &field) const
+    {
+        QByteArray value = m_values.value(field.numberKey.toByteArray());
+        if (!field.suffix.isEmpty() && value.endsWith(field.suffix))
+            value.chop(field.suffix.size());
+        bool isNumber = false;
+        if (const qint64 count = value.toLongLong(&isNumber); isNumber && field.divisor == 1)
+            return writer.integer(field.name, count);
+        if (const double number = value.toDouble(&isNumber); isNumber && qIsFinite(number))
+            writer.number(field.name, number / field.divisor);
     }
 
     [[nodiscard]] QString text(const ProgressField &field) const

@@ -4,7 +4,11 @@
 #include "apps/vantlectl/EncoderRun.h"
 #include "apps/vantlectl/NamedPreset.h"
 
+#include "VantlePresets/check/FolderLook.h"
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
+
+#include <utility>
 
 namespace vantle::ctl {
 namespace {
@@ -86,6 +90,21 @@ const char *misuse(const Options &options)
     return isText ? "standard input can't be both --input and the text of \"@-\"; use @FILE" : nullptr;
 }
 
+/// The encoder's own words for a folder that it can't make are wrong ones.
+void requireFolders(const VantlePreset &preset, const QString &masterPlaylist)
+{
+    const QString folder = masterPlaylist + "/.."_L1;
+    QStringList folders{folder};
+    for (qsizetype i = 0; i < preset.videoSettings().size(); ++i)
+        folders.append(folder + "/video"_L1 + QString::number(i));
+    for (qsizetype i = 0; i < preset.audioSettings().size(); ++i)
+        folders.append(folder + "/audio"_L1 + QString::number(i));
+    for (const QString &needed : std::as_const(folders)) {
+        if (const QString fault = check::folderFault(needed); !fault.isEmpty())
+            throw Refusal(escapedControls(fault) + "; --output names another folder"_L1);
+    }
+}
+
 ExitCode ffmpeg(const Options &options, Output &out)
 {
     if (const char *reason = misuse(options)) {
@@ -104,6 +123,8 @@ ExitCode ffmpeg(const Options &options, Output &out)
         return ExitCode::failed;
     for (const QString &note : plan.notes())
         remark("note: "_L1 + note);
+    if (options.run && !plan.masterPlaylist().isEmpty())
+        requireFolders(*preset, plan.masterPlaylist());
     if (options.run)
         return runEncoder(*preset, plan, readsStandardInput(options), options.json, out);
     if (!plan.masterPlaylist().isEmpty())

@@ -11,6 +11,9 @@
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/DocumentWriter.h"
 
+#include <QtCore/QRegularExpression>
+#include <QtNetwork/QHostAddress>
+
 namespace vantle::ctl {
 namespace {
 
@@ -192,11 +195,24 @@ ExitCode tellOrStop(const Options &options, Output &out)
     return options.stop ? stop(connection, options, out) : status(connection, options, out);
 }
 
+/// Whether it is a name or an address, without a port or other parts of a URL.
+bool isHost(const QString &text)
+{
+    static const QRegularExpression name(u"\\A[^\\s/?#@:\\[\\]\\x00-\\x1f\\x7f]+\\z"_s);
+    return name.match(text).hasMatch() || !QHostAddress(text).isNull();
+}
+
 /// What the parser can't say. Both the password and one assignment can't have all of standard input.
 const char *misuse(const Options &options)
 {
     if ((options.stop || options.status) == !options.preset.empty())
         return "give a preset, or one of --stop and --status";
+    if (options.partly && options.preset.empty())
+        return "--partly is for a preset that is applied; leave it out";
+    if (options.host.empty())
+        return "--host: the name is empty; leave it out for the OBS on this machine";
+    if (!isHost(QString::fromStdString(options.host)))
+        return "--host takes a name or an address alone, such as 192.0.2.7; the port is given with --port";
     if (!options.password.empty() && options.password.front() != '@')
         return "--password takes @FILE or @-: what stands on a command line can be read by others";
     const bool readsInput =

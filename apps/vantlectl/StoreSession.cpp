@@ -2,12 +2,12 @@
 #include "apps/vantlectl/StoreSession.h"
 
 #include "apps/support/DataDirectory.h"
+#include "apps/vantlectl/PresetNames.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/PresetView.h"
 
 #include "VantlePresets/core/Log.h"
 #include "VantlePresets/document/FileAccess.h"
-#include "VantlePresets/store/NameRules.h"
 #include "VantlePresets/store/PresetsFolder.h"
 
 #include <QtCore/QCoreApplication>
@@ -89,11 +89,12 @@ StoreSession::~StoreSession()
     m_manager.reset();
 }
 
-std::shared_ptr<VantlePreset> StoreSession::preset(const std::string &name) const
+std::shared_ptr<VantlePreset> StoreSession::preset(const std::string &argument) const
 {
-    if (auto found = m_manager->presetWithName(QString::fromStdString(name)))
+    const QString name = nameArgument(argument);
+    if (auto found = m_manager->presetWithName(name))
         return found;
-    throw Refusal("there is no preset named \""_L1 + escapedControls(QString::fromStdString(name)) + u'"');
+    throw Refusal("there is no preset named \""_L1 + escapedControls(name) + u'"');
 }
 
 ExitCode StoreSession::finish()
@@ -123,18 +124,6 @@ ExitCode guarded(const std::function<ExitCode()> &work)
         complain(QString::fromUtf8(refusal.what()));
         return ExitCode::failed;
     }
-}
-
-QString nameForPreset(const std::string &text)
-{
-    const QString name = trimmedName(QString::fromStdString(text));
-    if (name.isEmpty())
-        throw Refusal(u"a preset's name can't be empty"_s);
-    if (name.contains(u'/'))
-        throw Refusal(u"a preset's name can't hold \"/\""_s);
-    if (name.startsWith(u'.'))
-        throw Refusal(u"a name that begins with \".\" would be hidden"_s);
-    return name;
 }
 
 void printPreset(Output &out, const VantlePreset &preset, bool json)

@@ -49,7 +49,7 @@ public:
     [[nodiscard]] PresetsManager &manager() { return *m_manager; }
 
     /// Throws Refusal when no preset has the name.
-    [[nodiscard]] std::shared_ptr<VantlePreset> preset(const std::string &name) const;
+    [[nodiscard]] std::shared_ptr<VantlePreset> preset(const std::string &argument) const;
 
     /// Waits for the files; failed when a preset is not on disk or a file could not be deleted.
     [[nodiscard]] ExitCode finish();
@@ -60,10 +60,6 @@ private:
 
 /// Runs a command's work and turns what it refuses into a complaint.
 [[nodiscard]] ExitCode guarded(const std::function<ExitCode()> &work);
-
-/// The trimmed name for a preset; throws Refusal when it is one that no file can have, or that would be
-/// hidden.
-[[nodiscard]] QString nameForPreset(const std::string &text);
 
 /// A preset's line in listings; with json the object of presetAsJson(), secrets masked.
 void printPreset(Output &out, const VantlePreset &preset, bool json);

@@ -21,6 +21,8 @@ QString onlyLineOf(QFile &file)
         line.chop(line.endsWith("\r\n") ? 2 : 1);
     if (content.size() > kLongest || line.contains('\n'))
         throw std::runtime_error("expected one line");
+    if (!line.isValidUtf8())
+        throw std::runtime_error("expected UTF-8");
     return QString::fromUtf8(line);
 }
 

@@ -3,6 +3,7 @@
 #include "apps/vantlectl/InputFile.h"
 #include "apps/vantlectl/NamedPreset.h"
 #include "apps/vantlectl/OutputFile.h"
+#include "apps/vantlectl/PresetNames.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/StoreSession.h"
 
@@ -73,9 +74,14 @@ QList<PresetImport> readFiles(const std::vector<fs::path> &paths, const QString 
     if (!name.isEmpty() && files.front().preset)
         files.front().preset->setName(name);
     for (PresetImport &file : files) {
-        if (file.preset && file.preset->name().startsWith(u'.')) {
+        if (!file.preset)
+            continue;
+        QString fault = nameFault(file.preset->name());
+        if (name.isEmpty() && !QByteArrayView(file.path.stem().native()).isValidUtf8())
+            fault = u"its name is no UTF-8"_s;
+        if (!fault.isEmpty()) {
             file.preset.reset();
-            file.refusal = u"a name that begins with \".\" would be hidden; name it with --name"_s;
+            file.refusal = fault + "; name it with --name"_L1;
         }
     }
     return files;
@@ -93,17 +99,45 @@ void tellOfClosedFile(const VantlePreset &preset, const StoreOptions &options)
                ": its file is closed to the group, as what was imported is; chmod g+rw opens it"_L1);
 }
 
+/// Of the files of the folder that can't be read, which have told why.
+QStringList unreadableNames(const PresetsManager &manager)
+{
+    QStringList names;
+    for (const PresetsFailure &failure : manager.failures()) {
+        if (failure.operation == PresetsFailure::Operation::load)
+            names.append(failure.name);
+    }
+    return names;
+}
+
+void tellOfUnreadable(const PresetImport &import, bool replaces)
+{
+    const QString file = escapedControls(import.preset->name()) + ".json"_L1;
+    if (import.isOverBrokenFile)
+        remark("note: "_L1 + file + ", which holds no preset, is replaced"_L1);
+    else if (replaces)
+        complain(file +
+                 " stays, since nothing can be read from it, and what is imported gets another name"_L1);
+    else
+        complain(file +
+                 " stays, and what is imported gets another name; --replace replaces a file that holds "
+                 "no preset"_L1);
+}
+
 ExitCode import(const ImportOptions &options, Output &out)
 {
     const QString name = options.name ? nameForPreset(*options.name) : QString();
     QList<PresetImport> files = readFiles(filesToImport(options), name);
     StoreSession session(options);
+    const QStringList unreadable = unreadableNames(session.manager());
     addImportedPresets(session.manager(), files, options.replace ? NameClash::replace : NameClash::refuse);
     bool isComplete = true;
     QStringList wanted;
     for (const PresetImport &file : std::as_const(files)) {
         wanted.append(file.preset ? file.preset->name() : QString());
         if (file.preset) {
+            if (unreadable.contains(wanted.last()))
+                tellOfUnreadable(file, options.replace);
             tellAdviceOnImport(*file.preset, file.path);
         } else {
             complain(shown(file.path) + ": "_L1 + file.refusal);
@@ -237,7 +271,8 @@ void addImportCommand(CLI::App &app, Command &chosen)
         ->required();
     command->add_option("--name", options->name, "Its name, in place of the file's");
     command->add_flag("--replace", options->replace,
-                      "Replace presets of these names; secrets that a file leaves out stay");
+                      "Replace presets of these names, and files that hold none; secrets that a file leaves "
+                      "out stay");
     command->callback([options, &chosen] {
         const bool isInput = std::count(options->files.begin(), options->files.end(), kStandardStream) > 0;
         if (isInput && !options->name)

@@ -67,31 +67,43 @@ bool isUnknownCommand(const CLI::App &app, const std::string &word)
     return true;
 }
 
-/// Whether what follows the option is its value.
-bool takesValue(const CLI::App &app, const std::string &name)
+/// The option that a word is, of some subcommand; one that takes a value comes first. Null for none.
+const CLI::Option *optionOf(const CLI::App &app, const std::string &word)
 {
-    const auto commands = app.get_subcommands({});
-    return std::any_of(commands.begin(), commands.end(), [&](const CLI::App *command) {
-        const CLI::Option *const option = command->get_option_no_throw(name);
-        return option && option->get_items_expected_max() > 0;
-    });
+    const CLI::Option *found = nullptr;
+    for (const CLI::App *command : app.get_subcommands({})) {
+        const CLI::Option *const option = command->get_option_no_throw(word.substr(0, word.find('=')));
+        if (option && (!found || option->get_items_expected_max() > found->get_items_expected_max()))
+            found = option;
+    }
+    return found;
 }
 
-/// The words of a command line with the subcommand in front, before which options may stand.
-std::vector<std::string> commandFirst(const CLI::App &app, std::vector<std::string> words)
+/// Puts the subcommand of a command line in front, before which options may stand. False, with a complaint,
+/// when all words are options and values of theirs.
+bool putCommandFirst(const CLI::App &app, std::vector<std::string> &words)
 {
     auto word = words.begin();
+    QString hint;
+    bool isEachKnown = true; // the parser complains of the others
     while (word != words.end() && word->size() > 1 && word->front() == '-') {
         if (*word == "--" || *word == "--version" || *word == "--help" || *word == "-h")
-            return words;
-        const bool isFollowed = takesValue(app, *word);
+            return true;
+        const CLI::Option *const option = optionOf(app, *word);
+        isEachKnown = isEachKnown && option;
+        const QString name = QString::fromStdString(*word);
+        hint.clear();
+        if (++word == words.end() || !option || option->get_items_expected_max() == 0 || name.contains(u'='))
+            continue;
+        hint = ": \""_L1 + escapedControls(QString::fromStdString(*word)) +
+               "\" was taken for the value of "_L1 + name;
         ++word;
-        if (isFollowed && word != words.end())
-            ++word;
     }
     if (word != words.end())
         std::rotate(words.begin(), word, word + 1);
-    return words;
+    else if (!words.empty() && isEachKnown)
+        complain("the subcommand is missing"_L1 + hint + "\nRun with --help for more information."_L1);
+    return word != words.end() || words.empty() || !isEachKnown;
 }
 
 ExitCode run(int argc, char **argv)
@@ -120,8 +132,9 @@ ExitCode run(int argc, char **argv)
     for (CLI::App *command : app.get_subcommands({}))
         command->add_flag("-q,--quiet", isQuiet, "Say nothing but what was asked for and what went wrong");
 
-    std::vector<std::string> words = commandFirst(app, {argv + 1, argv + argc});
-    if (!words.empty() && !words.front().starts_with('-') && isUnknownCommand(app, words.front()))
+    std::vector<std::string> words(argv + 1, argv + argc);
+    if (!putCommandFirst(app, words) ||
+        (!words.empty() && !words.front().starts_with('-') && isUnknownCommand(app, words.front())))
         return ExitCode::usage;
     std::reverse(words.begin(), words.end()); // as the parser takes them
     Output out;

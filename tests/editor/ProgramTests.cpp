@@ -64,11 +64,18 @@ TEST(Program, EndsInGoodOrderOnASignal)
 TEST(Program, EndsWhenThereIsNothingToTakeAPictureOf)
 {
     const test::LiveStore store;
-    ASSERT_TRUE(store.runElsewhere(u"rmdir ../*Presets; touch '../Streaming Presets'"_s));
-    const auto finished = runProcess({VANTLE, "--data-dir", store.dataDirectory().toStdString(),
-                                      "--screenshot", store.folder().parent_path() / "picture.png"});
-    EXPECT_EQ(finished.exitCode, 1);
-    EXPECT_NE(finished.errors.indexOf("vantle: " + store.folder().string() + ": Not a directory\n"), -1);
+    for (const char *script : {"rmdir ../*Presets", "rmdir ../*Presets; touch '../Streaming Presets'"}) {
+        std::filesystem::create_directories(store.folder());
+        ASSERT_TRUE(store.runElsewhere(QString::fromUtf8(script)));
+        const bool isThere = std::filesystem::exists(store.folder());
+        const auto finished = runProcess({VANTLE, "--data-dir", store.dataDirectory().toStdString(),
+                                          "--screenshot", store.folder().parent_path() / "picture.png"});
+        EXPECT_EQ(finished.exitCode, 1);
+        EXPECT_NE(finished.errors.indexOf("vantle: " + store.folder().string() +
+                                          (isThere ? ": Not a directory\n" : ": there is no such folder\n")),
+                  -1);
+        EXPECT_EQ(std::filesystem::exists(store.folder()), isThere) << "looking makes none";
+    }
 }
 
 TEST(Program, APictureChangesNothing)

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
 
@@ -72,7 +74,10 @@ TEST(EncoderRun, SignalsEndItWithCompleteFiles)
     for (const int signal : {SIGTERM, SIGINT}) {
         const TemporaryFolder folder;
         ChildProcess run({VANTLECTL, "ffmpeg", kLadder, "--run", "--json", "--output", folder.path("out")});
-        ASSERT_NE(run.receive(), ""); // it makes progress
+        const auto progress = QJsonDocument::fromJson(QByteArray::fromStdString(run.receive())).object();
+        EXPECT_TRUE(progress.contains(QStringLiteral("frame")));
+        for (const QJsonValue value : progress)
+            EXPECT_TRUE(value.isDouble());
         ::kill(run.id(), signal);
         EXPECT_EQ(run.finish(), 0);
         EXPECT_TRUE(folder.content("out/video0/index.m3u8").endsWith("#EXT-X-ENDLIST\n"));
@@ -222,6 +227,15 @@ TEST(EncoderRun, ProblemsComeBeforeAnythingStarts)
     EXPECT_EQ(run.output, "");
     EXPECT_TRUE(run.errors.startsWith("vantlectl: streamKey: ")) << run.errors.toStdString();
     EXPECT_TRUE(run.errors.contains("\nvantlectl: videoSettings.0.pid: 4096 "));
+    const TemporaryFolder folder;
+    for (const auto &[output, fault] : {std::pair<std::string, std::string>("/dev/null/a", "/dev/null"),
+                                        {folder.path(), folder.write("audio0", "in the way")}}) {
+        const Finished nowhere =
+            runProcess({VANTLECTL, "ffmpeg", kLadder, "-q", "--run", "--output", output});
+        EXPECT_EQ(nowhere.exitCode, 1);
+        EXPECT_EQ(nowhere.errors.toStdString(),
+                  "vantlectl: " + fault + " is not a folder; --output names another folder\n");
+    }
 }
 
 TEST(EncoderRun, PrintsOneLineOrOneArrayWithoutSecrets)

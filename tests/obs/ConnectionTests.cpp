@@ -12,6 +12,8 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTimer>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
 
 namespace vantle::test {
 namespace {
@@ -69,6 +71,37 @@ TEST_F(ObsConnection, WhatIsNoObsIsTold)
     EXPECT_THAT(failureOf([&] { connect({200ms, 300ms}); }), HasSubstr("no OBS answers there in time"));
 }
 
+TEST(ObsHandshake, WhatAnswersOtherwiseIsToldAndNotTakenIn)
+{
+    const struct
+    {
+        QByteArray text; ///< sent again and again
+        const char *failure;
+    } rows[] = {
+        {"HTTP/1.1 404 Not Found\r\n\r\n", "something else than OBS answers there"},
+        {"HTTP/1.1 101 Yes\r\n" + QByteArray("A: b\r\n").repeated(20000), "something else than OBS answers"},
+        {QByteArray(1 << 16, 'x'), "no OBS answers there in time"},
+    };
+    for (const auto &row : rows) {
+        QTcpServer server;
+        ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+        qint64 taken = 0;
+        QObject::connect(&server, &QTcpServer::newConnection, &server, [&] {
+            QTcpSocket *const socket = server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::bytesWritten, socket, [&taken, &row, socket](qint64 bytes) {
+                taken += bytes;
+                socket->write(row.text);
+            });
+            socket->write(row.text);
+        });
+        EXPECT_THAT(failureOf([&] {
+                        Connection({u"127.0.0.1"_s, server.serverPort()}, {}, {1000ms, 300ms});
+                    }),
+                    HasSubstr(row.failure));
+        EXPECT_LT(taken, 1 << 25) << "what sockets hold, and no more";
+    }
+}
+
 TEST_F(ObsConnection, AnswersThatComeLateOrNotAtAll)
 {
     int asked = 0;
@@ -79,11 +112,14 @@ TEST_F(ObsConnection, AnswersThatComeLateOrNotAtAll)
             answer = {{u"silent"_s, true}};
         else if (type == "Talks"_L1)
             answer = FakeObs::refusal(400, u"not with s3cret"_s);
+        else if (type == "Large"_L1)
+            answer = {{u"text"_s, QString(1 << 20, u'x')}};
         return !answer.isEmpty();
     };
     Connection connection({u"127.0.0.1"_s, m_obs.port()}, {}, {4000ms, 2000ms});
     EXPECT_EQ(connection.request(u"GetVersion"_s)["obsVersion"_L1].toString(), u"29.0.2"_s);
     EXPECT_EQ(asked, 3);
+    EXPECT_EQ(connection.request(u"Large"_s)["text"_L1].toString().size(), 1 << 20);
     connection.addSecrets({u"s3cret"_s});
     EXPECT_EQ(failureOf([&] { connection.request(u"Talks"_s); }),
               "OBS refused Talks (400: not with ********)");

@@ -79,6 +79,8 @@ TEST(ObsPlan, SaysByFieldWhatObsCannotCarry)
         {goodPreset("RTMP").with("streamingURL", R"("a b")"), refused, "streamingURL: is no host and no URL"},
         {goodPreset("RTMP").with("streamingURL", R"("/live/event")"), refused, "streamingURL: the host is"},
         {goodPreset("RTMP").with("portNumber", "0"), refused, "portNumber: 0 is not a port"},
+        {goodPreset("RTMP").with("streamingURL", R"("rtmp://h:0/live/key")"), refused,
+         "streamingURL: 0 is not a port"},
         {goodPreset("Wowza").with("streamingURL", R"("host/live")"), refused, "streamKey: Wowza files keep"},
         {goodPreset("YouTube").with("streamKey", R"("")"), refused, "streamKey: is missing"},
         {goodPreset("YouTube").with("streamKey", R"("a\nb")"), refused, "streamKey: holds control"},

@@ -52,6 +52,7 @@ TEST(LevelFit, SaysWhetherTheLevelSufficesAndWhichIsTheLowest)
 
 TEST(Assignments, ChangeWhatTheyNameOrSayWhyNot)
 {
+    const QString kControls = u"can't hold a line break or another control character"_s;
     struct Row
     {
         StreamingType type;
@@ -62,7 +63,11 @@ TEST(Assignments, ChangeWhatTheyNameOrSayWhyNot)
     for (const Row &row : {
              Row{StreamingType::rtmp, u"portNumber=1936"_s, R"("portNumber":1936)", {}},
              {StreamingType::rtmp, u"streamingProtocol=RTSP TCP"_s, R"("streamingProtocol":"RTSP TCP")", {}},
-             {StreamingType::youTube, u"streamKey=a=b\nc"_s, R"("streamKey":"a=b\nc")", {}},
+             {StreamingType::youTube, u"streamKey=a=b c"_s, R"("streamKey":"a=b c")", {}},
+             {StreamingType::hls,
+              u"audioSettings.0.trackName=\u2067x\u2069"_s,
+              "\"trackName\":\"\u2067x\u2069\"",
+              {}},
              {StreamingType::youTube, u"isBackup=true"_s, R"("isBackup":true)", {}},
              {StreamingType::hls, u"videoSettings.0.codec=HEVC"_s, R"("codec":"HEVC")", {}},
              {StreamingType::hls, u"videoSettings.0.frameRate=29.97"_s, R"("frameRate":29.97)", {}},
@@ -72,7 +77,27 @@ TEST(Assignments, ChangeWhatTheyNameOrSayWhyNot)
               u"streamingProtocol=rtmp"_s,
               {},
               u"streamingProtocol: expected one of: RTMP, RTMPS, RTSP UDP, RTSP TCP"_s},
-             {StreamingType::rtmp, u"portNumber=http"_s, {}, u"portNumber: expected an integer"_s},
+             {StreamingType::youTube, u"streamKey=a\nb"_s, {}, u"streamKey: "_s + kControls},
+             {StreamingType::youTube, u"streamKey=\u0000"_s, {}, u"streamKey: "_s + kControls},
+             {StreamingType::srt, u"streamingURL=a\u001b[2J"_s, {}, u"streamingURL: "_s + kControls},
+             {StreamingType::srt, u"streamingURL=a\u2028"_s, {}, u"streamingURL: "_s + kControls},
+             {StreamingType::hls,
+              u"videoSettings.0.profile=a\u007f"_s,
+              {},
+              u"videoSettings.0.profile: "_s + kControls},
+             {StreamingType::hls,
+              u"audioSettings.0.trackName=\u0085"_s,
+              {},
+              u"audioSettings.0.trackName: "_s + kControls},
+             {StreamingType::rtmp,
+              u"portNumber=http"_s,
+              {},
+              u"portNumber: expected an integer from 1 to 65535"_s},
+             {StreamingType::srt,
+              u"portNumber=9223372036854775808"_s,
+              {},
+              u"portNumber: expected an integer from 1 to 65535"_s},
+             {StreamingType::srt, u"portNumber=-1"_s, R"("portNumber":-1)", {}}, // advised against
              {StreamingType::rtmp, u"authenticate=1"_s, {}, u"authenticate: expected true or false"_s},
              {StreamingType::hls,
               u"videoSettings.0.frameRate=inf"_s,

@@ -163,14 +163,19 @@ class Story(unittest.IsolatedAsyncioTestCase):
                 (store.add("DVD"), "invalidParams"),
                 (store.add("SRT", "Venue Uplink"), "invalidName"),
                 (store.add("SRT", ".hidden"), "invalidName"),
+                (store.add("SRT", "turned \u202e round"), "invalidName"),
+                (store.import_document("a\x85b", document), "invalidName"),
                 (store.rename("Venue Uplink", "a/b"), "invalidName"),
+                (store.rename("Venue Uplink", "a\nb"), "invalidName"),
                 (store.rename("Venue Uplink", "YouTube Premiere"), "invalidName"),
                 (store.set("Venue Uplink", "portNumber=1936", "portNumber=many"), "invalidValue"),
                 (store.set("Venue Uplink", "portNumber"), "invalidValue"),
+                (store.set("Venue Uplink", "portNumber=1", "streamingURL=a\nb"), "invalidValue"),
                 (store.set("Venue Uplink", "portNumber=1", stamp="old"), "conflict"),
                 (store.set("Venue Uplink", document=document), "invalidParams"),
                 (store.set("Venue Uplink", document=document, stamp="old"), "conflict"),
                 (store.set("Venue Uplink", document={}, stamp=stamp), "invalidDocument"),
+                (store.set("Venue Uplink", document=document | {"streamingURL": "a\x1bb"}, stamp=stamp), "invalidValue"),
                 (store.set("Venue Uplink", document=document | {"authenticationPassword": "x********"}, stamp=stamp),
                  "invalidValue"),
                 (store.set("Venue Uplink", document=self.document("YouTube Premiere") | {"type": "SRT"}, stamp=stamp),
@@ -286,11 +291,10 @@ class Story(unittest.IsolatedAsyncioTestCase):
                 for task in (check, *others[:-1]):
                     task.cancel()
                 await asyncio.gather(check, *others, return_exceptions=True)
-                limited = await store.call("check", name="Show", assignments=["videoSettings.0.bitRate=999999"],
-                                           output=address, limit=0.1)
-                self.assertEqual(limited["notes"], ["videoSettings.0.bitRate: limited to 20000 by the profile"])
-                steps = await store.check("Show", output=address, limit=0.1)
-                self.assertEqual([(step.step, step.outcome) for step in steps],
+                checked = await store.check("Show", "videoSettings.0.bitRate=999999", output=address, limit=0.1)
+                self.assertEqual(checked.notes, ["videoSettings.0.bitRate: limited to 20000 by the profile"])
+                self.assertFalse(checked.is_good)
+                self.assertEqual([(step.step, step.outcome) for step in checked.steps],
                                  [("name look-up", "ok"), ("TCP", "ok"), ("RTMP handshake", "failed")])
 
     async def test_a_store_that_cannot_be_opened_says_why(self):

@@ -92,6 +92,29 @@ TEST_F(CommandLine, ServesTheDirectoryThatTheOthersUse)
     EXPECT_NE(run("test -e typo").exitCode, 0);
 }
 
+TEST_F(CommandLine, WhatIsMissingOrTooMuchIsNamed)
+{
+    const struct
+    {
+        const char *text;
+        const char *complaint;
+    } rows[] = {
+        {"ctl --data-dir list",
+         "the subcommand is missing: \"list\" was taken for the value of --data-dir\n"},
+        {"ctl --json --data-dir=data", "the subcommand is missing\n"},
+        {"ctl --data-dir", "the subcommand is missing\n"},
+        {"ctl obs --status --host ''",
+         "--host: the name is empty; leave it out for the OBS on this machine\n"},
+        {"ctl obs --status --host 127.0.0.1:4455", "--host takes a name or an address alone"},
+        {"ctl obs --status --partly", "--partly is for a preset that is applied; leave it out\n"},
+    };
+    for (const auto &row : rows) {
+        const Finished refused = run(row.text);
+        EXPECT_EQ(refused.exitCode, 2) << row.text;
+        EXPECT_TRUE(refused.errors.contains(row.complaint)) << row.text << refused.errors.toStdString();
+    }
+}
+
 TEST_F(CommandLine, QuietSaysWhatWasAskedForAndWhatWentWrong)
 {
     const struct

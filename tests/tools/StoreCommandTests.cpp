@@ -47,7 +47,9 @@ TEST_F(StoreCommands, TheWholeLifeOfAPreset)
                   .exitCode,
               0);
     EXPECT_EQ(ctl({"duplicate", "Remote"}).output, "Remote copy\n");
-    EXPECT_EQ(ctl({"rename", "Remote", " Studio "}).output, "Studio\n");
+    const Finished renamed = ctl({"rename", "Remote", " Studio "});
+    EXPECT_EQ(renamed.output, "Studio\n");
+    EXPECT_TRUE(renamed.errors.contains("note: the name is \"Studio\", without the blanks around it\n"));
     EXPECT_EQ(ctl({"remove", "SRT Preset"}).exitCode, 0);
     EXPECT_EQ(ctl({"list", "--names"}).output, "Remote copy\nStudio\n");
     const QList<QByteArray> listed = ctl({"list", "--json", "--kind", "SRT"}).output.split('\n');
@@ -106,6 +108,12 @@ TEST_F(StoreCommands, WhatIsRefusedChangesNothing)
              {{"rename", "A", " "}, 1, "can't be empty"},
              {{"rename", "A", ".b"}, 1, "would be hidden"},
              {{"rename", "A", "x/y"}, 1, "can't hold \"/\""},
+             {{"rename", "A", "x\ny"}, 1, "can't hold control characters"},
+             {{"add", "HLS", "--name", "x\xe2\x80\xaey"}, 1, "marks that turn the direction"},
+             {{"add", "HLS", "--name", "x\xff"}, 1, "has to be UTF-8"},
+             {{"remove", "A\xff"}, 1, "has to be UTF-8"},
+             {{"set", "A", "streamingURL=x\xff"}, 2, "argument 1 is no UTF-8"},
+             {{"set", "A", "portNumber=1", "streamingURL=a\x1b"}, 1, "streamingURL: can't hold a line break"},
              {{"add", "HLS", "--name", ".x"}, 1, "would be hidden"},
              {{"add", "HLS", "--name", std::string(300, 'x')}, 1, "File name too long"},
              {{"remove", "C"}, 1, "there is no preset named \"C\""},
@@ -210,6 +218,8 @@ TEST_F(StoreCommands, TextsCanComeFromAFileOrStandardInput)
         QByteArray reason;
     };
     for (const Row &row : {Row{"streamKey=@" + folder.write("two", "a\nb\n").string(), "expected one line"},
+                           Row{"streamKey=@" + folder.write("cut", "a\xc3\n").string(), "expected UTF-8"},
+                           Row{"streamKey=@" + folder.write("bell", "a\a\n").string(), "can't hold a line"},
                            Row{"streamKey=@/nowhere/key", "No such file"},
                            Row{"portNumber=@" + folder.path("key").string(), "expected an integer"}}) {
         const Finished refused = ctl({"set", "A", row.value});
@@ -360,6 +370,36 @@ TEST_F(StoreCommands, ANameThatAFileHasTurnsIntoTheNextOne)
     }
     EXPECT_TRUE(std::filesystem::exists(file("X 4")));
     EXPECT_FALSE(std::filesystem::exists(file("A")));
+    std::filesystem::create_directory(file("Y"));
+    for (const Row &row :
+         std::initializer_list<Row>{{{"import", m_data.path("X.json"), "--name", "SRT Preset"},
+                                     1,
+                                     "stays, and what is imported gets"},
+                                    {{"import", m_data.path("X.json"), "--replace", "--name", "Y"},
+                                     1,
+                                     "stays, since nothing can be read"},
+                                    {{"import", m_data.path("X.json"), "--replace"},
+                                     0,
+                                     "note: X.json, which holds no preset, is"}}) {
+        const Finished done = ctl(row.arguments);
+        EXPECT_EQ(done.exitCode, row.exitCode) << row.output;
+        EXPECT_TRUE(done.errors.contains(row.output)) << done.errors.toStdString();
+    }
+    EXPECT_EQ(readPresetFile(file("X"))->type(), StreamingType::hls);
+}
+
+// What is printed with escapes is no name, but the characters are one.
+TEST_F(StoreCommands, AFileOfAnOddNameIsReachedByItsNameAndItsPath)
+{
+    ASSERT_EQ(ctl({"add", "HLS", "--name", "A"}).exitCode, 0);
+    std::filesystem::rename(file("A"), file("x\ny"));
+    EXPECT_EQ(ctl({"list", "--names"}).output, "x\\u000ay\n");
+    EXPECT_EQ(ctl({"show", file("x\ny")}).exitCode, 0);
+    for (const std::vector<std::string> &arguments :
+         std::initializer_list<std::vector<std::string>>{{"duplicate", "x\ny"}, {"import", file("x\ny")}})
+        EXPECT_TRUE(ctl(arguments).errors.contains("can't hold control characters"));
+    EXPECT_EQ(ctl({"set", "x\ny", "videoSettings.0.pid=40"}).exitCode, 0);
+    EXPECT_EQ(ctl({"rename", "x\ny", "B"}).output, "B\n");
 }
 
 TEST_F(StoreCommands, WatchPrintsEveryChangeAndStopsCleanly)

@@ -24,6 +24,7 @@ namespace {
 constexpr auto kReadyInterval = 200ms;
 constexpr auto kCloseLimit = 1s;
 constexpr quint64 kLargestMessage = 1 << 24; // the list of requests, the longest answer, takes some 10 KiB
+constexpr qint64 kLargestGreeting = 1 << 20; // bytes of HTTP, of which QWebSocket refuses fewer
 
 constexpr int kProtocolVersion = 1;
 constexpr int kOutputEvents = 1 << 6;
@@ -54,7 +55,10 @@ Connection::Connection(const Endpoint &endpoint, const QString &password, const 
     m_socket.setMaxAllowedIncomingFrameSize(kLargestMessage);
     QObject::connect(&m_socket, &QWebSocket::textMessageReceived, &m_socket,
                      [this](const QString &message) { take(message); });
-    QObject::connect(&m_socket, &QWebSocket::connected, &m_socket, [this] { m_state = State::open; });
+    QObject::connect(&m_socket, &QWebSocket::connected, &m_socket, [this] {
+        m_state = State::open;
+        m_socket.setReadBufferSize(2 * static_cast<qint64>(kLargestMessage)); // a whole frame has to fit in
+    });
     QObject::connect(&m_socket, &QWebSocket::disconnected, &m_socket, [this] {
         if (m_state != State::connecting) // the error that tells why follows
             end(closeReason(static_cast<int>(m_socket.closeCode()), shown(m_socket.closeReason())));
@@ -65,14 +69,21 @@ Connection::Connection(const Endpoint &endpoint, const QString &password, const 
     const auto failed = QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error);
 #endif
     QObject::connect(&m_socket, failed, &m_socket, [this] {
-        end(shown(m_socket.errorString()) +
-            "; is OBS running, with the server of its menu Tools > WebSocket Server "
-            "Settings switched on?"_L1);
+        // What has been reached and is no such server is told of in words of the library's own.
+        if (m_state == State::connecting && m_socket.localPort() != 0 &&
+            m_socket.error() != QAbstractSocket::RemoteHostClosedError)
+            end(u"something else than OBS answers there; the menu Tools > WebSocket Server Settings of OBS "
+                "shows its port"_s);
+        else
+            end(shown(m_socket.errorString()) +
+                "; is OBS running, with the server of its menu Tools > WebSocket Server "
+                "Settings switched on?"_L1);
     });
 
     QWebSocketHandshakeOptions options;
     options.setSubprotocols({u"obswebsocket.json"_s});
     m_socket.open(QUrl("ws://"_L1 + m_endpoint.text()), options);
+    m_socket.setReadBufferSize(kLargestGreeting); // the socket is there from now on
     const auto identified = [this] { return m_state == State::identified; };
     if (!waitFor(identified, limits.connect))
         throw Error(m_endpoint.text() + ": no OBS answers there in time"_L1);

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/obs/PlanDraft.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/encoder/SrtParameters.h"
 #include "VantlePresets/model/RTMPVantlePreset.h"
 #include "VantlePresets/model/SRTVantlePreset.h"
 #include "VantlePresets/model/StreamAddress.h"
-
-#include <algorithm>
 
 namespace vantle::ctl::obs {
 
@@ -39,8 +38,7 @@ struct Service
 void setService(PlanDraft &draft, const Service &service)
 {
     for (const FieldText &part : {service.key, service.login, service.password}) {
-        if (std::any_of(part.text.begin(), part.text.end(),
-                        [](QChar c) { return c.category() == QChar::Other_Control; }))
+        if (hasControls(part.text))
             draft.refuse(part.field, u"holds control characters"_s);
         if (part.isSecret && !part.text.isEmpty())
             draft.plan.secrets.append(part.text);
@@ -64,7 +62,8 @@ std::optional<StreamAddress> addressOf(PlanDraft &draft, const QString &url, qin
         draft.refuse(kUrl, u"the host is missing"_s);
     const qint64 port = address->port.isEmpty() ? presetPort : address->port.toLongLong();
     if (port < 1 || port > 65535)
-        draft.refuse(u"portNumber"_s, u"%1 is not a port"_s.arg(port));
+        draft.refuse(address->port.isEmpty() ? u"portNumber"_s : QString(kUrl),
+                     u"%1 is not a port, which is 1 to 65535"_s.arg(port));
     address->port = QString::number(port);
     return address;
 }

@@ -2,6 +2,7 @@
 #include "apps/vantlectl/serve/Methods.h"
 
 #include "VantlePresets/model/PresetFactory.h"
+#include "VantlePresets/store/NameRules.h"
 
 namespace vantle::ctl {
 namespace {
@@ -18,12 +19,6 @@ void requireSaved(ServedStore &store, const std::shared_ptr<VantlePreset> &prese
     store.manager().remove(preset);
     store.settle();
     throw ServeError(ErrorCode::notSaved, *failure, ObjectText().text("name", name));
-}
-
-[[noreturn]] void throwUnusable(const QString &name, bool isTaken)
-{
-    throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
-                     ObjectText().text("name", name).flag("isTaken", isTaken));
 }
 
 /// A preset's name, kind and stamp.
@@ -50,7 +45,7 @@ void addToStore(ServedStore &store, const std::shared_ptr<VantlePreset> &preset)
         return;
     manager.remove(preset); // another process was faster, and the preset got the next free name
     store.settle();
-    throwUnusable(wanted, true);
+    requireUsable(wanted, true);
 }
 
 QByteArray addPreset(ServedStore &store, Params &params)
@@ -73,7 +68,9 @@ QByteArray duplicatePreset(ServedStore &store, Params &params)
 {
     const QString name = params.text("name");
     params.requireNoOthers();
-    const auto copy = store.manager().duplicate(store.preset(name));
+    const auto source = store.preset(name);
+    requireUsable(source->name(), false); // as the copy's name would be
+    const auto copy = store.manager().duplicate(source);
     store.settle();
     requireSaved(store, copy);
     return identityOf(store, *copy);
@@ -89,11 +86,11 @@ QByteArray renamePreset(ServedStore &store, Params &params)
     const auto preset = store.preset(name);
     store.requireStamp(*preset, stamp, false);
     const QString from = preset->name();
-    const auto other = manager.presetWithName(to.trimmed());
-    const bool isTaken = other && other != preset;
-    if (to.trimmed().startsWith(u'.') || to.contains(u'/') || to.contains(QChar(0)) || isTaken ||
-        !manager.rename(preset, from, to))
-        throwUnusable(to, isTaken);
+    const QString trimmed = trimmedName(to);
+    const auto other = manager.presetWithName(trimmed);
+    requireUsable(trimmed, other && other != preset);
+    if (!manager.rename(preset, from, trimmed))
+        requireUsable(trimmed, true);
     const QString wanted = preset->name();
     store.settle();
     if (manager.rowOf(preset) < 0)
@@ -104,7 +101,7 @@ QByteArray renamePreset(ServedStore &store, Params &params)
     manager.rename(preset, preset->name(), from);
     store.settle();
     if (!failure)
-        throwUnusable(wanted, true);
+        requireUsable(wanted, true);
     throw ServeError(ErrorCode::notSaved, *failure, ObjectText().text("name", wanted));
 }
 

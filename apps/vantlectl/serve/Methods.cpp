@@ -2,6 +2,7 @@
 #include "apps/vantlectl/serve/Methods.h"
 
 #include "apps/vantlectl/Assignments.h"
+#include "apps/vantlectl/PresetNames.h"
 
 #include "VantlePresets/core/EnumerationTable.h"
 #include "VantlePresets/model/PresetFactory.h"
@@ -43,13 +44,16 @@ StreamingType kindOf(const QString &label)
 QString freeName(ServedStore &store, const QString &name)
 {
     const QString trimmed = trimmedName(name);
-    const bool isPossible = !trimmed.isEmpty() && !trimmed.contains(u'/') && !trimmed.contains(QChar(0)) &&
-                            !trimmed.startsWith(u'.');
-    const bool isTaken = isPossible && store.manager().presetWithName(trimmed);
-    if (isPossible && !isTaken)
-        return trimmed;
-    throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
-                     ObjectText().text("name", trimmed).flag("isTaken", isTaken));
+    requireUsable(trimmed, store.manager().presetWithName(trimmed) != nullptr);
+    return trimmed;
+}
+
+void requireUsable(const QString &name, bool isTaken)
+{
+    const QString reason = isTaken ? u"a preset or a file has the name"_s : nameFault(name);
+    if (!reason.isEmpty())
+        throw ServeError(ErrorCode::invalidName, u"This name is invalid or already taken."_s,
+                         ObjectText().text("name", name).flag("isTaken", isTaken).text("reason", reason));
 }
 
 std::shared_ptr<VantlePreset> presetOfDocument(const QByteArray &document)

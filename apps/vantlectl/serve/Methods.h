@@ -41,8 +41,10 @@ QByteArray exportPreset(ServedStore &store, Params &params);
 
 /// Lists a new preset and has it on disk under its very name; takes it back and throws when it can't be.
 void addToStore(ServedStore &store, const std::shared_ptr<VantlePreset> &preset);
-/// The name trimmed; throws invalidName for one that no file can have, or that a preset has.
+/// The name trimmed; throws invalidName as requireUsable() does.
 [[nodiscard]] QString freeName(ServedStore &store, const QString &name);
+/// Throws invalidName for a trimmed name with a fault (see nameFault()), or that a preset has.
+void requireUsable(const QString &name, bool isTaken);
 /// Reads a document of a request; throws invalidDocument.
 [[nodiscard]] std::shared_ptr<VantlePreset> presetOfDocument(const QByteArray &document);
 /// The kind of a label; throws invalidParams.

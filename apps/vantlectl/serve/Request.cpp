@@ -2,8 +2,7 @@
 #include "apps/vantlectl/serve/Request.h"
 
 #include <QtCore/QJsonDocument>
-
-#include <cmath>
+#include <QtCore/QVariant>
 
 namespace vantle::ctl {
 namespace {
@@ -33,7 +32,7 @@ Request requestOf(const QJsonObject &object, const QByteArray &id)
     if (object.value("jsonrpc"_L1) != QJsonValue("2.0"_L1))
         refuse(u"\"jsonrpc\" is not \"2.0\""_s);
     if (id.isEmpty() && object.contains("id"_L1))
-        refuse(u"\"id\" is neither a string nor an integer"_s);
+        refuse(u"\"id\" is neither a string nor an integer of 64 bits"_s);
     const QJsonValue method = object.value("method"_L1);
     if (!method.isString())
         refuse(u"\"method\" is no string"_s);
@@ -50,10 +49,8 @@ QByteArray Request::idText(const QJsonValue &id)
 {
     if (id.isString())
         return jsonText(id.toString());
-    constexpr double kLargest = 9007199254740992.0; // 2^53
-    if (!id.isDouble() || std::trunc(id.toDouble()) != id.toDouble() || std::abs(id.toDouble()) > kLargest)
-        return {};
-    return QByteArray::number(static_cast<qint64>(id.toDouble()));
+    const QVariant number = id.toVariant(); // a double unless it is an integer of 64 bits
+    return number.typeId() == QMetaType::LongLong ? QByteArray::number(number.toLongLong()) : QByteArray();
 }
 
 std::optional<Request> Request::parse(const QByteArray &body, QByteArray &answer)

@@ -2,10 +2,12 @@
 #include "apps/vantlectl/Positions.h"
 #include "apps/vantlectl/serve/Methods.h"
 
+#include "VantlePresets/core/Log.h"
 #include "VantlePresets/model/PresetFactory.h"
 #include "VantlePresets/model/Secrets.h"
 #include "VantlePresets/model/StreamAddress.h"
 
+#include <QtCore/QMap>
 #include <QtCore/QVariant>
 
 #include <utility>
@@ -62,6 +64,38 @@ void unmask(VantlePreset &wanted, const VantlePreset &present)
     }
 }
 
+/// The texts of the preset, its renditions and tracks that hold control characters, by their paths.
+QMap<QString, QString> textsWithControls(const VantlePreset &preset)
+{
+    QMap<QString, QString> texts;
+    const auto collect = [&](const QObject &record, const QList<Field> &fields, const QString &place) {
+        for (const Field &field : fields) {
+            const QString text = field.type() == Field::Type::text
+                                     ? record.property(field.key().data()).toString()
+                                     : QString();
+            if (hasControls(text))
+                texts.insert(place + field.key(), text);
+        }
+    };
+    collect(preset, preset.fields(), {});
+    for (qsizetype i = 0; i < preset.videoSettings().size(); ++i)
+        collect(*preset.videoSettings()[i], VideoSettings::fields(), u"videoSettings.%1."_s.arg(i));
+    for (qsizetype i = 0; i < preset.audioSettings().size(); ++i)
+        collect(*preset.audioSettings()[i], AudioSettings::fields(), u"audioSettings.%1."_s.arg(i));
+    return texts;
+}
+
+/// What the preset's file has brought may stay.
+void refuseNewControls(const VantlePreset &wanted, const VantlePreset &present)
+{
+    const QMap<QString, QString> known = textsWithControls(present);
+    const QMap<QString, QString> texts = textsWithControls(wanted);
+    for (auto text = texts.begin(); text != texts.end(); ++text) {
+        if (known.value(text.key()) != text.value())
+            refuseValue(text.key(), u"can't hold a line break or another control character"_s);
+    }
+}
+
 /// The preset as it would be, and what was limited.
 std::pair<std::shared_ptr<VantlePreset>, QStringList> changed(const VantlePreset &preset, const Wish &wish)
 {
@@ -84,6 +118,7 @@ std::pair<std::shared_ptr<VantlePreset>, QStringList> changed(const VantlePreset
         refuseValue(u"type"_s, displayName(preset.type()) + " presets can't become "_L1 +
                                    displayName(wanted->type()) + "; add another one"_L1);
     unmask(*wanted, preset);
+    refuseNewControls(*wanted, preset);
     return {wanted, {}};
 }
 

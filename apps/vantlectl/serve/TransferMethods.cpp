@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "apps/vantlectl/OutputFile.h"
+#include "apps/vantlectl/PresetNames.h"
 #include "apps/vantlectl/PresetText.h"
 #include "apps/vantlectl/serve/Methods.h"
 
@@ -30,9 +31,10 @@ QByteArray importedFiles(ServedStore &store, const QStringList &texts)
         paths.push_back(absolutePath(text));
     QList<PresetImport> files = readPresetsToImport(paths);
     for (PresetImport &file : files) {
-        if (file.preset && file.preset->name().startsWith(u'.')) {
+        if (const QString fault = file.preset ? nameFault(file.preset->name()) : QString();
+            !fault.isEmpty()) {
             file.preset.reset();
-            file.refusal = u"a name that begins with \".\" would be hidden"_s;
+            file.refusal = fault;
         }
     }
     addImportedPresets(store.manager(), files);
@@ -48,7 +50,7 @@ QByteArray importedFiles(ServedStore &store, const QStringList &texts)
         if (failure)
             file.refusal = *failure;
         else if (file.preset && file.preset->name() != wanted[i])
-            file.refusal = u"a preset of this name exists"_s; // since a moment ago
+            file.refusal = u"a file of this name exists"_s; // of another process, or one that holds no preset
         if (file.preset && !file.refusal.isEmpty())
             store.manager().remove(file.preset);
         ObjectText entry;
