@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "VantlePresets/editor/TextField.h"
 
+#include "VantlePresets/core/Log.h"
+
 #include <QtCore/QMetaObject>
 #include <QtCore/QScopedValueRollback>
 #include <QtGui/QKeyEvent>
@@ -67,10 +69,7 @@ void TextField::endEdit()
 
 QString withoutControls(QString text)
 {
-    return text.removeIf([](QChar c) {
-        return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-               c == QChar::ParagraphSeparator;
-    });
+    return text.removeIf(isControl);
 }
 
 } // namespace vantle
