@@ -61,7 +61,7 @@ QString rangeOf(const Field &field)
 QString expectation(const Field &field)
 {
     switch (field.type()) {
-    case Field::Type::text: // as in files, whose texts nobody has typed, it would be found out on air
+    case Field::Type::text: // which no encoder sends: it would be found out on air
         return u"can't hold a line break or another control character"_s;
     case Field::Type::boolean:
         return u"expected true or false"_s;
