@@ -22,13 +22,14 @@ Descriptor openQueue(WatchBackend backend, const std::string &folder)
 {
     if (backend == WatchBackend::Inotify) {
         Descriptor queue(inotify_init1(IN_CLOEXEC));
-        if (inotify_add_watch(queue.get(), folder.c_str(), kWatchedEvents) < 0)
+        if (inotify_add_watch(queue.get(), folder.c_str(), eventsForRole(WatchRole::Below)) < 0)
             throw std::runtime_error("inotify is refused");
         return queue;
     }
     Descriptor queue(fanotify_init(FAN_CLASS_NOTIF | FAN_REPORT_DFID_NAME | FAN_CLOEXEC, O_RDONLY));
     if (fanotify_mark(queue.get(), FAN_MARK_ADD | FAN_MARK_ONLYDIR,
-                      kWatchedEvents | FAN_ONDIR | FAN_EVENT_ON_CHILD, AT_FDCWD, folder.c_str()) != 0)
+                      eventsForRole(WatchRole::Below) | FAN_ONDIR | FAN_EVENT_ON_CHILD, AT_FDCWD,
+                      folder.c_str()) != 0)
         throw std::runtime_error("fanotify is refused");
     return queue;
 }
