@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <ctime>
 #include <utility>
 
 namespace vantle::test {
@@ -143,6 +144,18 @@ bool flushed(VRXWatchFolder &watcher)
     return waitFor([&done] { return done->load(); });
 }
 
+namespace {
+
+/// As files get their dates from it: it stands still for milliseconds.
+timespec fileClock()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return now;
+}
+
+} // namespace
+
 Watching::Watching(const std::string &folder, const Options &options)
     : recorder(std::make_shared<Recorder>(folder)),
       watcher(std::make_unique<VRXWatchFolder>(displayPath(folder), recorder, options.deep, options.latency,
@@ -150,7 +163,10 @@ Watching::Watching(const std::string &folder, const Options &options)
 {
     watcher->setBackend(options.backend);
     watcher->setIgnoreSelf(options.ignoreSelf);
-    started = watcher->startWatching(&error) && waitFor([this] { return recorder->reloaded(); });
+    watcher->setNoticesReplacements(options.noticesReplacements);
+    const timespec before = fileClock();
+    started = watcher->startWatching(&error) && waitFor([this] { return recorder->reloaded(); }) &&
+              waitFor([&before] { return fileClock().tv_nsec != before.tv_nsec; });
 }
 
 std::string refusal(WatchBackend backend)

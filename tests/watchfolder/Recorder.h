@@ -59,7 +59,8 @@ std::set<std::string> onDisk(const std::string &folder);
 /// Waits until everything that changed before the call has been reported.
 bool flushed(VRXWatchFolder &watcher);
 
-/// A watcher with its recorder, started and past its first inventory.
+/// A watcher with its recorder, started and past its first inventory. Whatever is changed from then on gets a
+/// later date than what was there: the file system's clock has gone on.
 struct Watching
 {
     struct Options
@@ -68,6 +69,7 @@ struct Watching
         bool deep = true;
         double latency = 0.02;
         bool ignoreSelf = true;
+        bool noticesReplacements = false;
         QStringList types = {};
         QStringList extensions = {};
         WatchFolderEnvironment environment = WatchFolderEnvironment::system();

@@ -163,15 +163,15 @@ TEST_F(WatcherOnFakeStream, WhatAStrangerDoesDuringAnOwnChangeIsReported)
     };
     for (const Case &c :
          {Case{"echo own > .own", "true", {}},
-          Case{"echo own > .own", "echo his > .his; mv .his a", {"updated a"}},
-          Case{"echo own > .own", "echo his > a", {"updated a"}},
+          Case{"echo own > .own", "echo theirs > .theirs; mv .theirs a", {"updated a"}},
+          Case{"echo own > .own", "echo theirs > a", {"updated a"}},
           Case{"echo own > .own", "rm a", {"removed a"}}, Case{"rm", "true", {}},
-          Case{"rm", "echo his > a", {"added a"}}, Case{"", "true", {}},
-          Case{"", "echo his > .his; mv .his a", {"updated a"}}, Case{"", "rm a", {"removed a"}}}) {
+          Case{"rm", "echo theirs > a", {"added a"}}, Case{"", "true", {}},
+          Case{"", "echo theirs > .theirs; mv .theirs a", {"updated a"}}, Case{"", "rm a", {"removed a"}}}) {
         SCOPED_TRACE(std::string(c.own) + " | " + c.stranger);
-        runScript(folder.path(), "rm -f a .own .his; echo before > a");
+        runScript(folder.path(), "rm -f a .own; echo before > a");
+        options.noticesReplacements = true;
         Watching watching(folder.path(), options);
-        watching.watcher->setNoticesReplacements(true);
         {
             OwnChange own = watching.watcher->beginOwnChange(folder.pathText("a"));
             if (std::string(c.own) == "rm") {
