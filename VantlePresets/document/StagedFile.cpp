@@ -160,8 +160,9 @@ void StagedFile::adopt(const FileAccess &access)
     mode_t mode = access.mode;
     struct stat fresh = {};
     checked([&] { return ::fstat(m_file, &fresh); });
+    // Whoever is in another group was one of the others, and may do what they may.
     if (fresh.st_gid != access.group && ::fchown(m_file, static_cast<uid_t>(-1), access.group) != 0)
-        mode &= ~static_cast<mode_t>(S_IRWXG);
+        mode &= ~static_cast<mode_t>(S_IRWXG) | (mode & S_IRWXO) << 3;
     // Only a privileged process may give a file away; for others the writer becomes the owner.
     if (access.owner && fresh.st_uid != *access.owner &&
         ::fchown(m_file, *access.owner, static_cast<gid_t>(-1)) != 0 && errno != EPERM)

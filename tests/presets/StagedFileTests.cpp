@@ -244,6 +244,26 @@ TEST(StagedFile, MembersOfTheFoldersGroupReplaceEachOthersFilesAndNobodyElseDoes
     EXPECT_EQ(folder.content("Show.json"), "his");
 }
 
+TEST(StagedFile, ACopyWhoseGroupCantBeKeptIsOpenToItsOwnAsItWasToOthers)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "taking another user needs root";
+    constexpr uid_t kAna = 12345;
+    const TemporaryFolder folder;
+    ASSERT_EQ(::chown(folder.path().c_str(), kAna, kAna), 0);
+    for (const auto &[source, copy] :
+         {std::pair{0644, 0644}, {0664, 0644}, {0666, 0666}, {0640, 0600}, {0604, 0604}}) {
+        const auto path = folder.path("source.json");
+        folder.write("source.json", "root's");
+        ASSERT_EQ(::chmod(path.c_str(), static_cast<mode_t>(source)), 0);
+        const OtherUser ana(kAna, kAna);
+        StagedFile staged(folder.path("copy.json"), "hers", StagedFile::Access::asBefore, path);
+        staged.commit(StagedFile::Target::replace);
+        EXPECT_EQ(statusOf(folder.path("copy.json")).st_mode & 07777, static_cast<mode_t>(copy)) << source;
+        std::filesystem::remove(folder.path("copy.json"));
+    }
+}
+
 TEST(StagedFile, TakesTheLongestNames)
 {
     const TemporaryFolder folder;
